@@ -1,0 +1,315 @@
+// vantorel: the command-line face of the component. Each subcommand is a thin layer over the
+// library: list the interface, spell amounts, call a print method as a host would, register the
+// component.
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "component/dispatch.h"
+#include "component/interface.h"
+#include "component/registration.h"
+#include "report/compile/compiled_report.h"
+#include "report/engine/report_engine.h"
+#include "report/pdf/pdf_writer.h"
+#include "report/preview/preview.h"
+#include "report/print/printer.h"
+#include "report/raster/png_writer.h"
+#include "report/template/template_io.h"
+#include "vantorel/crepoter.h"
+#include "vantorel/error.h"
+#include "words/amount_in_words.h"
+
+namespace vantorel {
+namespace {
+
+int Methods() {
+  for (const EntryInfo& entry : InterfaceEntries()) {
+    std::printf("0x%08x\t%s\t%s\n", static_cast<unsigned>(entry.dispid), entry.name,
+                ParamListIdl(entry).c_str());
+  }
+  return 0;
+}
+
+int Words(const std::string& amount_text) {
+  // Indian grouping ("1,05,000.50") is accepted; the number itself is read locale-independently.
+  std::string digits;
+  for (char c : amount_text) {
+    if (c != ',' && c != '_') digits += c;
+  }
+  double amount = 0;
+  const char* begin = digits.data() + (digits.size() > 1 && digits[0] == '+' ? 1 : 0);
+  const auto [end, ec] = std::from_chars(begin, digits.data() + digits.size(), amount);
+  if (ec != std::errc() || end != digits.data() + digits.size() || digits.empty()) {
+    std::cerr << "vantorel words: not a number: " << amount_text << "\n";
+    return 2;
+  }
+  try {
+    std::cout << AmountInWords(amount) << "\n";
+  } catch (const Error& error) {
+    std::cerr << "vantorel words: " << error.description() << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+struct CallOptions {
+  std::string report_path, db, tdb, app_path;
+  int firm = -1;
+  bool pdf = false, print = false, design = false, exported = false;
+  std::string pdf_file;
+  std::vector<std::string> sets;
+  std::string method;
+  std::vector<std::string> args;
+};
+
+void PutProperty(CRepoter& rep, const std::string& name, const std::string& value) {
+  InvokeByName(rep, name, kDispatchPropertyPut, {Variant::String(value)});
+}
+
+int Call(const CallOptions& options) {
+  CRepoter rep;
+  try {
+    if (!options.report_path.empty()) rep.put_ReportPath(options.report_path);
+    if (!options.db.empty()) rep.put_DbConnectstring(options.db);
+    if (!options.tdb.empty()) rep.put_DbTConnectstring(options.tdb);
+    if (!options.app_path.empty()) rep.put_AppPath(options.app_path);
+    if (options.firm >= 0) PutProperty(rep, "FirmID", std::to_string(options.firm));
+    if (options.pdf) {
+      rep.put_RptPDF(kTrue);
+      rep.put_PDFPath(options.pdf_file);
+    }
+    if (options.print) rep.put_RptPrint(kTrue);
+    if (options.design) rep.put_DesigbeMode(kTrue);
+    if (options.exported) rep.put_Export(kTrue);
+    for (const std::string& set : options.sets) {
+      const size_t equals = set.find('=');
+      if (equals == std::string::npos) {
+        std::cerr << "vantorel call: --set wants Property=value, got: " << set << "\n";
+        return 2;
+      }
+      PutProperty(rep, set.substr(0, equals), set.substr(equals + 1));
+    }
+    rep.SetVars();
+    std::vector<Variant> args;
+    for (const std::string& arg : options.args) args.push_back(Variant::String(arg));
+    InvokeByName(rep, options.method, kDispatchMethod, args);
+  } catch (const Error& error) {
+    std::cout << "LastMsg: " << rep.get_LastMsg() << "\n";
+    std::fprintf(stderr, "vantorel call: error %d (0x%08X): %s\n", error.number(),
+                 static_cast<unsigned>(error.hresult()), error.description().c_str());
+    return 1;
+  }
+  std::cout << "LastMsg: " << rep.get_LastMsg() << "\n";
+  return 0;
+}
+
+struct RenderOptions {
+  std::string template_path;
+  std::string db, tdb;
+  std::vector<std::string> params, vars;
+  std::string pdf, png_dir, print_queue;
+  double dpi = 150;
+  bool print = false, preview = false;
+};
+
+// "OWNER.NAME=VALUE" split into its three parts.
+bool SplitSetting(const std::string& text, report::RenderRequest::Setting& setting) {
+  const size_t dot = text.find('.');
+  const size_t equals = text.find('=');
+  if (dot == std::string::npos || equals == std::string::npos || dot > equals || dot == 0) {
+    return false;
+  }
+  setting.owner = text.substr(0, dot);
+  setting.name = text.substr(dot + 1, equals - dot - 1);
+  setting.value = text.substr(equals + 1);
+  return !setting.name.empty();
+}
+
+// A plain text as a template expression: a quoted string.
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (char c : text) {
+    quoted += c;
+    if (c == '"') quoted += '"';
+  }
+  return quoted + "\"";
+}
+
+int Render(const RenderOptions& options) {
+  report::RenderRequest request;
+  request.template_path = options.template_path;
+  if (!options.db.empty()) request.connections["DMSDB"] = options.db;
+  if (!options.tdb.empty()) request.connections["temp"] = options.tdb;
+  for (const std::string& text : options.params) {
+    report::RenderRequest::Setting setting;
+    if (!SplitSetting(text, setting)) {
+      std::cerr << "vantorel render: --param wants QUERY.PARAM=VALUE, got: " << text << "\n";
+      return 2;
+    }
+    request.parameters.push_back(setting);
+  }
+  for (const std::string& text : options.vars) {
+    report::RenderRequest::Setting setting;
+    if (!SplitSetting(text, setting)) {
+      std::cerr << "vantorel render: --var wants CATEGORY.NAME=VALUE, got: " << text << "\n";
+      return 2;
+    }
+    setting.value = Quoted(setting.value);
+    request.variables.push_back(setting);
+  }
+  try {
+    report::Rendered rendered = report::RenderTemplate(request);
+    for (const std::string& warning : rendered.warnings) {
+      std::cerr << "vantorel render: warning: " << warning << "\n";
+    }
+    if (!options.pdf.empty()) {
+      report::WritePdf(rendered.document, options.pdf);
+      std::cout << options.pdf << ": " << rendered.document.pages.size() << " page(s)\n";
+    } else if (!options.png_dir.empty()) {
+      std::string stem = options.template_path;
+      stem = stem.substr(stem.find_last_of("/\\") == std::string::npos
+                             ? 0
+                             : stem.find_last_of("/\\") + 1);
+      if (stem.size() > 4 && stem.compare(stem.size() - 4, 4, ".fr3") == 0) stem.resize(stem.size() - 4);
+      for (const std::string& file :
+           report::WritePngs(rendered.document, options.png_dir, stem, options.dpi)) {
+        std::cout << file << "\n";
+      }
+    } else if (options.print) {
+      report::PrintOptions print;
+      print.queue = options.print_queue.empty() ? rendered.printer : options.print_queue;
+      report::PrintDocument(rendered.document, print);
+      std::cout << "printed " << rendered.document.pages.size() << " page(s)\n";
+    } else {
+      report::PreviewSettings preview;
+      preview.title = rendered.document.metadata.title;
+      preview.allow_export = true;
+      preview.printer = rendered.printer;
+      report::ShowPreview(rendered.document, preview);
+    }
+  } catch (const Error& error) {
+    std::cerr << "vantorel render: " << error.description() << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+int Check(const std::vector<std::string>& templates) {
+  int failed = 0;
+  for (const std::string& path : templates) {
+    try {
+      report::Compile(report::LoadTemplateFile(path), path);
+      std::cout << path << ": ok\n";
+    } catch (const report::TemplateError& error) {
+      std::cout << report::FormatProblems(error.problems());
+      ++failed;
+    }
+  }
+  return failed == 0 ? 0 : 1;
+}
+
+int Registration(bool add, bool system) {
+  const RegistryScope scope = system ? RegistryScope::kSystem : RegistryScope::kUser;
+  try {
+    if (add) {
+      Register(scope);
+      std::cout << "registered " << "Vantorel.CRepoter in " << RegistryPath(scope) << "\n";
+    } else {
+      Unregister(scope);
+      std::cout << "unregistered Vantorel.CRepoter from " << RegistryPath(scope) << "\n";
+    }
+  } catch (const Error& error) {
+    std::cerr << "vantorel: " << error.description() << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace vantorel
+
+int main(int argc, char** argv) {
+  using namespace vantorel;
+  CLI::App app{"Vantorel: dealership documents from report templates and the dealership database"};
+  app.require_subcommand(1);
+
+  app.add_subcommand("methods", "List the interface's entries: identifier, name, parameters");
+
+  auto* words = app.add_subcommand("words", "Spell an amount in words, Indian numbering");
+  std::string amount;
+  words->add_option("AMOUNT", amount, "The amount, e.g. 105000.50 or 1,05,000.50")->required();
+
+  auto* idl = app.add_subcommand("idl", "Print the interface description as an IDL file");
+  (void)idl;
+
+  CallOptions call;
+  auto* call_cmd = app.add_subcommand(
+      "call", "Create a CRepoter, set its properties, call SetVars, then call METHOD by name");
+  call_cmd->add_option("--report-path", call.report_path, "ReportPath: the template folder");
+  call_cmd->add_option("--db", call.db, "DbConnectstring: the dealership database");
+  call_cmd->add_option("--tdb", call.tdb, "DbTConnectstring: the templates' \"temp\" database");
+  call_cmd->add_option("--app-path", call.app_path, "AppPath: folder of the default PDF");
+  call_cmd->add_option("--firm", call.firm, "FirmID")->check(CLI::Range(0, 255));
+  call_cmd->add_option("--pdf", call.pdf_file, "Write a PDF (RptPDF); FILE is PDFPath")
+      ->expected(0, 1);
+  call_cmd->add_flag("--print", call.print, "Print (RptPrint)");
+  call_cmd->add_flag("--design", call.design, "Open the designer first (DesigbeMode)");
+  call_cmd->add_flag("--export", call.exported, "Offer export in the preview (Export)");
+  call_cmd->add_option("--set", call.sets, "Property=value, stored as given (e.g. RptPrint=1)");
+  call_cmd->add_option("METHOD", call.method, "The print method, e.g. Challan_Customer")
+      ->required();
+  call_cmd->add_option("ARG", call.args,
+                       "Arguments: dates as YYYY-MM-DD, booleans true/false or a number");
+
+  RenderOptions render;
+  auto* render_cmd = app.add_subcommand(
+      "render", "Fill a template from the database and write a PDF, PNGs, print or preview it");
+  render_cmd->add_option("TEMPLATE", render.template_path, "The .fr3 template")->required();
+  render_cmd->add_option("--db", render.db, "Connection of the template's \"DMSDB\" database");
+  render_cmd->add_option("--tdb", render.tdb, "Connection of the template's \"temp\" database");
+  render_cmd->add_option("--param", render.params, "QUERY.PARAM=VALUE (dates as YYYY-MM-DD)");
+  render_cmd->add_option("--var", render.vars, "CATEGORY.NAME=VALUE, a text");
+  auto* outputs = render_cmd->add_option_group("output");
+  outputs->add_option("--pdf", render.pdf, "Write the PDF to FILE");
+  outputs->add_option("--png", render.png_dir, "Write one PNG per page into DIR");
+  outputs->add_option("--print", render.print_queue, "Print on QUEUE (default: the default queue)")
+      ->expected(0, 1);
+  outputs->add_flag("--preview", render.preview, "Show the preview window");
+  outputs->require_option(1);
+  render_cmd->add_option("--dpi", render.dpi, "PNG resolution")->check(CLI::Range(10.0, 1200.0));
+
+  std::vector<std::string> check_templates;
+  auto* check_cmd = app.add_subcommand("check", "Validate templates; report every problem");
+  check_cmd->add_option("TEMPLATE", check_templates, "Templates to check")->required();
+
+  bool system = false;
+  auto* reg = app.add_subcommand("register", "Register the component for this user");
+  reg->add_flag("--system", system, "Register for every user of this machine");
+  auto* unreg = app.add_subcommand("unregister", "Remove the component's registration");
+  unreg->add_flag("--system", system, "Remove the machine-wide registration");
+
+  CLI11_PARSE(app, argc, argv);
+
+  if (app.got_subcommand("methods")) return Methods();
+  if (app.got_subcommand("words")) return Words(amount);
+  if (app.got_subcommand("idl")) {
+    std::cout << InterfaceIdl();
+    return 0;
+  }
+  if (app.got_subcommand("call")) {
+    call.pdf = call_cmd->count("--pdf") > 0;
+    return Call(call);
+  }
+  if (app.got_subcommand("render")) {
+    render.print = render_cmd->count("--print") > 0;
+    return Render(render);
+  }
+  if (app.got_subcommand("check")) return Check(check_templates);
+  if (app.got_subcommand("register")) return Registration(true, system);
+  if (app.got_subcommand("unregister")) return Registration(false, system);
+  return 2;
+}

@@ -1,0 +1,263 @@
+#include "data/sqlite_backend.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "data/sql_params.h"
+#include "data/sqlite_dialect.h"
+#include "host/native_path.h"
+#include "vantorel/error.h"
+
+namespace vantorel::data {
+namespace {
+
+constexpr char kSource[] = "SQLite";
+constexpr int kBusyTimeoutMs = 5000;
+
+class Database {
+ public:
+  explicit Database(sqlite3* db) : db_(db) {}
+  ~Database() { sqlite3_close_v2(db_); }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  sqlite3* get() const { return db_; }
+
+  // The error of the last failed call on this connection.
+  Error LastError(int32_t number) const {
+    return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
+  }
+
+ private:
+  sqlite3* db_;
+};
+
+std::string Upper(const char* text) {
+  std::string upper = text == nullptr ? "" : text;
+  for (char& c : upper) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return upper;
+}
+
+bool Contains(const std::string& text, const char* part) {
+  return text.find(part) != std::string::npos;
+}
+
+bool IsDecimalType(const std::string& declared) {
+  return Contains(declared, "DEC") || Contains(declared, "NUMERIC") || Contains(declared, "MONEY");
+}
+
+bool IsDecimalText(std::string_view text) {
+  size_t pos = !text.empty() && text[0] == '-' ? 1 : 0;
+  size_t digits = 0;
+  while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos, ++digits;
+  if (pos < text.size() && text[pos] == '.') {
+    ++pos;
+    while (pos < text.size() && text[pos] >= '0' && text[pos] <= '9') ++pos, ++digits;
+  }
+  return digits > 0 && pos == text.size();
+}
+
+std::string ShortestFixed(double value) {
+  char buffer[400];
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
+  return std::string(buffer, result.ptr);
+}
+
+Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declared) {
+  switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_NULL:
+      return Value();
+    case SQLITE_INTEGER: {
+      const sqlite3_int64 number = sqlite3_column_int64(statement, column);
+      if (Contains(declared, "BOOL")) return Value::Boolean(number != 0);
+      if (IsDecimalType(declared)) {
+        char buffer[24];
+        return Value::Decimal(
+            std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr));
+      }
+      return Value::Integer(number);
+    }
+    case SQLITE_FLOAT: {
+      const double number = sqlite3_column_double(statement, column);
+      // The shortest digits that read back as the stored double are the amount that was written.
+      if (IsDecimalType(declared) && std::isfinite(number)) {
+        return Value::Decimal(ShortestFixed(number));
+      }
+      return Value::Real(number);
+    }
+    case SQLITE_TEXT: {
+      const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+      std::string text(bytes, static_cast<size_t>(sqlite3_column_bytes(statement, column)));
+      if (Contains(declared, "DATE") || Contains(declared, "TIME")) {
+        const std::optional<std::string> iso = NormaliseYearFirstDate(text, true);
+        if (const std::optional<Date> date = iso ? Date::FromIso(*iso) : std::nullopt) {
+          return iso->size() == 10 ? Value::FromDate(*date) : Value::FromDateTime(*date);
+        }
+      }
+      if (IsDecimalType(declared) && IsDecimalText(text)) return Value::Decimal(std::move(text));
+      return Value::Text(std::move(text));
+    }
+    default: {
+      const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+      const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
+      return Value::Blob(bytes == nullptr ? std::string() : std::string(bytes, size));
+    }
+  }
+}
+
+// Dates are stored as ISO text, so they are bound that way.
+std::string DateParameter(Date date) {
+  if (!date.IsValid()) {
+    throw Error(errnum::kOverflow, kSource, "A date parameter is outside the range of dates");
+  }
+  std::string text = date.ToIso();
+  if (date.serial != std::trunc(date.serial)) {
+    const Date::Parts parts = date.ToParts();
+    char separator = ' ';
+    for (int part : {parts.hour, parts.minute, parts.second}) {
+      text += separator;
+      text += static_cast<char>('0' + part / 10);
+      text += static_cast<char>('0' + part % 10);
+      separator = ':';
+    }
+  }
+  return text;
+}
+
+class SqliteCursor final : public Cursor {
+ public:
+  SqliteCursor(std::shared_ptr<Database> db, sqlite3_stmt* statement)
+      : db_(std::move(db)), statement_(statement) {
+    const int count = sqlite3_column_count(statement_);
+    for (int i = 0; i < count; ++i) {
+      const char* name = sqlite3_column_name(statement_, i);
+      columns_.push_back(
+          {name == nullptr ? "" : name, Upper(sqlite3_column_decltype(statement_, i))});
+    }
+    // The first step runs the statement, so a failing one fails Execute.
+    Step();
+  }
+  ~SqliteCursor() override { sqlite3_finalize(statement_); }
+  SqliteCursor(const SqliteCursor&) = delete;
+  SqliteCursor& operator=(const SqliteCursor&) = delete;
+
+  const std::vector<Column>& columns() const override { return columns_; }
+
+  bool Next(std::vector<Value>& row) override {
+    if (!has_row_) return false;
+    row.resize(columns_.size());
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      row[i] = ReadColumn(statement_, static_cast<int>(i), columns_[i].declared_type);
+    }
+    Step();
+    return true;
+  }
+
+ private:
+  void Step() {
+    const int rc = sqlite3_step(statement_);
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) throw db_->LastError(errnum::kCommandError);
+    has_row_ = rc == SQLITE_ROW;
+  }
+
+  std::shared_ptr<Database> db_;
+  sqlite3_stmt* statement_;
+  std::vector<Column> columns_;
+  bool has_row_ = false;
+};
+
+class SqliteConnection final : public Connection {
+ public:
+  explicit SqliteConnection(std::shared_ptr<Database> db) : db_(std::move(db)) {}
+
+  std::unique_ptr<Cursor> Execute(const std::string& sql,
+                                  const std::map<std::string, ParamValue>& params) override {
+    const PositionalSql positional = ToPositional(sql);
+    const std::string translated = TranslateForSqlite(positional.sql);
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(db_->get(), translated.c_str(), static_cast<int>(translated.size()),
+                           &statement, nullptr) != SQLITE_OK) {
+      throw db_->LastError(errnum::kCommandError);
+    }
+    if (statement == nullptr) {
+      throw Error(errnum::kCommandError, kSource, "The SQL text holds no statement");
+    }
+    try {
+      Bind(statement, positional.names, params);
+      return std::make_unique<SqliteCursor>(db_, statement);
+    } catch (...) {
+      sqlite3_finalize(statement);
+      throw;
+    }
+  }
+
+ private:
+  void Bind(sqlite3_stmt* statement, const std::vector<std::string>& names,
+            const std::map<std::string, ParamValue>& params) {
+    const int count = sqlite3_bind_parameter_count(statement);
+    for (int i = 0; i < count && static_cast<size_t>(i) < names.size(); ++i) {
+      const ParamValue* param = FindParam(params, names[static_cast<size_t>(i)]);
+      int rc = SQLITE_OK;
+      if (param == nullptr || std::holds_alternative<std::monostate>(*param)) {
+        rc = sqlite3_bind_null(statement, i + 1);
+      } else if (const auto* integer = std::get_if<int64_t>(param)) {
+        rc = sqlite3_bind_int64(statement, i + 1, *integer);
+      } else if (const auto* real = std::get_if<double>(param)) {
+        rc = sqlite3_bind_double(statement, i + 1, *real);
+      } else {
+        const std::string text = std::holds_alternative<Date>(*param)
+                                     ? DateParameter(std::get<Date>(*param))
+                                     : std::get<std::string>(*param);
+        rc = sqlite3_bind_text(statement, i + 1, text.data(), static_cast<int>(text.size()),
+                               SQLITE_TRANSIENT);
+      }
+      if (rc != SQLITE_OK) throw db_->LastError(errnum::kCommandError);
+    }
+  }
+
+  std::shared_ptr<Database> db_;
+};
+
+}  // namespace
+
+std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
+  const std::string native = NativePath(path);
+  struct stat info;
+  if (::stat(native.c_str(), &info) != 0) {
+    throw Error(errnum::kUnspecified, kSource,
+                "unable to open database file " + path + ": " + std::strerror(errno),
+                SQLITE_CANTOPEN);
+  }
+  if (S_ISDIR(info.st_mode)) {
+    throw Error(errnum::kUnspecified, kSource,
+                "unable to open database file " + path + ": it is a folder", SQLITE_CANTOPEN);
+  }
+  sqlite3* handle = nullptr;
+  const int rc = sqlite3_open_v2(native.c_str(), &handle, SQLITE_OPEN_READONLY, nullptr);
+  auto db = std::make_shared<Database>(handle);
+  if (rc != SQLITE_OK) {
+    const Error error = db->LastError(errnum::kUnspecified);
+    throw Error(error.number(), kSource, error.description() + ": " + path, error.system_code());
+  }
+  sqlite3_extended_result_codes(handle, 1);
+  sqlite3_busy_timeout(handle, kBusyTimeoutMs);
+  if (RegisterSqliteFunctions(handle) != SQLITE_OK) throw db->LastError(errnum::kUnspecified);
+  // Reading the schema now reports a file that is not a database as a failure to open.
+  if (sqlite3_exec(handle, "select count(*) from sqlite_master", nullptr, nullptr, nullptr) !=
+      SQLITE_OK) {
+    const Error error = db->LastError(errnum::kUnspecified);
+    throw Error(error.number(), kSource, error.description() + ": " + path, error.system_code());
+  }
+  return std::make_unique<SqliteConnection>(std::move(db));
+}
+
+}  // namespace vantorel::data

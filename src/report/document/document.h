@@ -1,0 +1,170 @@
+// The prepared document: pages of positioned draw items, what the fill stage produces and every
+// output (PDF, PNG, printer, preview window) draws without filling again. Plain value types: a
+// page can be copied, compared, serialised and drawn on any thread.
+//
+// Compactness matters — a 100,000-row register is a few hundred thousand items — so items keep
+// floats and refer to the document's shared tables of text styles, images and barcode symbols by
+// index instead of carrying them.
+#ifndef VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_
+#define VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "report/document/geometry.h"
+
+namespace vantorel::report {
+
+enum class HAlign : uint8_t { kLeft, kCenter, kRight, kJustify };
+enum class VAlign : uint8_t { kTop, kMiddle, kBottom };
+enum class LineStyle : uint8_t { kSolid, kDash, kDot, kDashDot, kDouble };
+
+struct Stroke {
+  float width = 0.5f;  // points; 0 draws nothing
+  Color color = Color::Black();
+  LineStyle style = LineStyle::kSolid;
+  friend bool operator==(const Stroke&, const Stroke&) = default;
+};
+
+// Which sides of a box get a border line.
+enum BorderSide : uint8_t { kBorderLeft = 1, kBorderTop = 2, kBorderRight = 4, kBorderBottom = 8 };
+
+struct Padding {
+  float left = 1.5f, top = 1.0f, right = 1.5f, bottom = 1.0f;
+  friend bool operator==(const Padding&, const Padding&) = default;
+};
+
+// How a text box looks. Shared by many items through the document's style table.
+struct TextStyle {
+  std::string font_family = "Liberation Sans";
+  float size = 10;  // points
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+  bool strikeout = false;
+  Color color = Color::Black();
+  Color fill = Color::None();
+  HAlign halign = HAlign::kLeft;
+  VAlign valign = VAlign::kTop;
+  bool wrap = true;        // break lines at the box width
+  bool clip = true;        // paint nothing outside the box (text stays in the PDF text layer)
+  bool rich = false;       // the text is simple markup: <b> <i> <u> <br/> <font color size face>
+  int16_t rotation = 0;    // 0, 90 or 270 degrees, counter-clockwise
+  float line_spacing = 1;  // multiple of the font's line height
+  float char_spacing = 0;  // extra points between characters
+  uint8_t borders = 0;     // BorderSide bits
+  Stroke border;
+  Padding padding;
+  friend bool operator==(const TextStyle&, const TextStyle&) = default;
+};
+
+// A decoded picture, shared by every item that shows it. JPEG files keep their bytes so a PDF can
+// embed them unchanged.
+struct ImageData {
+  std::string source;            // the file it came from, for messages and the PDF's bookkeeping
+  int width = 0, height = 0;     // pixels
+  int stride = 0;                // bytes per row of "pixels"
+  std::vector<uint8_t> pixels;   // premultiplied ARGB32, native endian (Cairo's layout)
+  bool has_alpha = false;
+  std::string jpeg;              // the original JPEG bytes, when the file was a JPEG
+  double dpi_x = 96, dpi_y = 96;
+};
+
+// A barcode or QR code as dark rectangles in symbol units (0..width, 0..height); the item scales
+// it into its box.
+struct BarcodeSymbol {
+  float width = 0, height = 0;
+  std::vector<RectF> bars;
+  std::string text;       // the human-readable line, when the symbology shows one
+  float text_height = 0;  // symbol units reserved under the bars for "text"
+};
+
+enum class ImageFit : uint8_t { kContain, kStretch, kCenter, kCover };
+
+struct TextItem {
+  RectF box;
+  uint32_t style = 0;  // index into Document::styles
+  std::string text;    // UTF-8; the final text, expressions already evaluated
+  friend bool operator==(const TextItem&, const TextItem&) = default;
+};
+
+struct LineItem {
+  PointF from, to;
+  Stroke stroke;
+  friend bool operator==(const LineItem&, const LineItem&) = default;
+};
+
+struct RectItem {
+  RectF box;
+  Color fill = Color::None();
+  Stroke stroke;  // width 0: no outline
+  float corner_radius = 0;
+  friend bool operator==(const RectItem&, const RectItem&) = default;
+};
+
+struct ImageItem {
+  RectF box;
+  uint32_t image = 0;  // index into Document::images
+  ImageFit fit = ImageFit::kContain;
+  friend bool operator==(const ImageItem&, const ImageItem&) = default;
+};
+
+struct BarcodeItem {
+  RectF box;
+  uint32_t symbol = 0;  // index into Document::barcodes
+  Color color = Color::Black();
+  Color background = Color::None();
+  friend bool operator==(const BarcodeItem&, const BarcodeItem&) = default;
+};
+
+struct GroupItem;
+
+using Item = std::variant<TextItem, LineItem, RectItem, ImageItem, BarcodeItem, GroupItem>;
+
+// Items drawn inside a clip rectangle.
+struct GroupItem {
+  RectF clip;
+  std::vector<Item> items;
+  friend bool operator==(const GroupItem&, const GroupItem&);
+};
+
+struct Page {
+  SizeF size;  // points
+  std::vector<Item> items;
+  friend bool operator==(const Page&, const Page&) = default;
+};
+
+struct Metadata {
+  std::string title;
+  std::string author;
+  std::string subject;
+  std::string creator = "Vantorel";
+  friend bool operator==(const Metadata&, const Metadata&) = default;
+};
+
+struct Document {
+  Metadata metadata;
+  std::vector<Page> pages;
+  std::vector<TextStyle> styles;
+  std::vector<std::shared_ptr<const ImageData>> images;
+  std::vector<std::shared_ptr<const BarcodeSymbol>> barcodes;
+
+  // The index of "style" in the style table, adding it when new.
+  uint32_t InternStyle(const TextStyle& style);
+  uint32_t AddImage(std::shared_ptr<const ImageData> image);
+  uint32_t AddBarcode(std::shared_ptr<const BarcodeSymbol> symbol);
+};
+
+inline bool operator==(const GroupItem& a, const GroupItem& b) {
+  return a.clip == b.clip && a.items == b.items;
+}
+
+// The document as stable text, one line per page and item, for golden tests and diffs.
+std::string Serialize(const Document& document);
+
+}  // namespace vantorel::report
+
+#endif  // VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_

@@ -1,0 +1,81 @@
+#include "report/expr/text_util.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace vantorel::report::expr {
+
+void AppendPadded(std::string& out, int64_t value, int width) {
+  char buffer[24];
+  const uint64_t magnitude =
+      value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, magnitude);
+  const int digits = static_cast<int>(result.ptr - buffer);
+  if (value < 0) out += '-';
+  if (digits < width) out.append(static_cast<size_t>(width - digits), '0');
+  out.append(buffer, result.ptr);
+}
+
+std::string DoubleText(double value) {
+  char buffer[512];
+  const double magnitude = std::fabs(value);
+  const auto format = magnitude == 0 || (magnitude >= 1e-6 && magnitude < 1e21)
+                          ? std::chars_format::fixed
+                          : std::chars_format::scientific;
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, format);
+  if (result.ec != std::errc()) return {};
+  return std::string(buffer, result.ptr);
+}
+
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (AsciiLower(a[i]) != AsciiLower(b[i])) return false;
+  }
+  return true;
+}
+
+bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && EqualsIgnoreCase(text.substr(0, prefix.size()), prefix);
+}
+
+size_t CharCount(std::string_view text) {
+  size_t count = 0;
+  for (const char c : text) count += IsContinuationByte(c) ? 0 : 1;
+  return count;
+}
+
+size_t ByteOffsetOfChar(std::string_view text, size_t index) {
+  size_t seen = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (IsContinuationByte(text[i])) continue;
+    if (seen == index) return i;
+    ++seen;
+  }
+  return text.size();
+}
+
+bool AppendUtf8(std::string& out, int64_t code_point) {
+  if (code_point < 0 || code_point > 0x10FFFF || (code_point >= 0xD800 && code_point <= 0xDFFF)) {
+    return false;
+  }
+  const auto cp = static_cast<uint32_t>(code_point);
+  if (cp < 0x80) {
+    out += static_cast<char>(cp);
+  } else if (cp < 0x800) {
+    out += static_cast<char>(0xC0 | (cp >> 6));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  } else if (cp < 0x10000) {
+    out += static_cast<char>(0xE0 | (cp >> 12));
+    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (cp >> 18));
+    out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (cp & 0x3F));
+  }
+  return true;
+}
+
+}  // namespace vantorel::report::expr

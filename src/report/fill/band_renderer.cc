@@ -1,0 +1,331 @@
+#include "report/fill/band_renderer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "report/barcode/barcode.h"
+#include "report/image/image_loader.h"
+#include "report/text/text_layout.h"
+#include "vantorel/error.h"
+
+namespace vantorel::report {
+namespace {
+
+constexpr float kEpsilon = 0.01f;
+
+bool Truthy(const expr::Value& value) {
+  switch (value.kind()) {
+    case expr::Value::Kind::kBool: return value.boolean();
+    case expr::Value::Kind::kDecimal:
+    case expr::Value::Kind::kDouble: return value.number() != 0;
+    case expr::Value::Kind::kText: return !value.text().empty();
+    case expr::Value::Kind::kDate: return true;
+    case expr::Value::Kind::kNull: return false;
+  }
+  return false;
+}
+
+RectF* BoxOf(Item& item) {
+  if (auto* t = std::get_if<TextItem>(&item)) return &t->box;
+  if (auto* r = std::get_if<RectItem>(&item)) return &r->box;
+  if (auto* i = std::get_if<ImageItem>(&item)) return &i->box;
+  if (auto* b = std::get_if<BarcodeItem>(&item)) return &b->box;
+  if (auto* g = std::get_if<GroupItem>(&item)) return &g->clip;
+  return nullptr;
+}
+
+// The vertical extent of any item.
+std::pair<float, float> Span(const Item& item) {
+  if (const auto* line = std::get_if<LineItem>(&item)) {
+    return {std::min(line->from.y, line->to.y), std::max(line->from.y, line->to.y)};
+  }
+  RectF* box = BoxOf(const_cast<Item&>(item));
+  return {box->y, box->bottom()};
+}
+
+void MoveY(Item& item, float dy) {
+  if (auto* line = std::get_if<LineItem>(&item)) {
+    line->from.y += dy;
+    line->to.y += dy;
+  } else if (RectF* box = BoxOf(item)) {
+    box->y += dy;
+  }
+}
+
+}  // namespace
+
+BandRenderer::BandRenderer(const CompiledReport& report,
+                           const std::vector<TextTemplatePtr>& memo_texts, FillContext& context,
+                           Document& document, std::vector<std::string>& warnings)
+    : report_(report),
+      memo_texts_(memo_texts),
+      context_(context),
+      document_(document),
+      warnings_(warnings),
+      styles_(report.styles.size(), -1) {}
+
+uint32_t BandRenderer::DocumentStyle(uint32_t report_style) {
+  int64_t& slot = styles_[report_style];
+  if (slot < 0) slot = document_.InternStyle(report_.styles[report_style]);
+  return static_cast<uint32_t>(slot);
+}
+
+bool BandRenderer::Visible(const ExpressionPtr& print_when) {
+  return !print_when || Truthy(print_when->Evaluate(context_));
+}
+
+bool BandRenderer::UsesPage(const CompiledBand& band) {
+  const auto it = uses_page_.find(&band);
+  if (it != uses_page_.end()) return it->second;
+  bool uses = false;
+  for (const CompiledObject& object : band.objects) {
+    if (const auto* text = std::get_if<CompiledText>(&object)) {
+      const TextTemplatePtr& source =
+          text->memo >= 0 && memo_texts_[static_cast<size_t>(text->memo)]
+              ? memo_texts_[static_cast<size_t>(text->memo)]
+              : text->text;
+      if (source && source->Uses(expr::SystemValue::kPage)) uses = true;
+    }
+  }
+  uses_page_[&band] = uses;
+  return uses;
+}
+
+std::string BandRenderer::TextOf(const expr::TextTemplate& text, const std::string& format,
+                                 bool hide_zero) {
+  if (hide_zero) {
+    if (const auto single = text.single()) {
+      const expr::Value value = single->Evaluate(context_);
+      if (value.is_number() && value.number() == 0) return {};
+    }
+  }
+  return text.Evaluate(context_, format);
+}
+
+std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
+  if (!Visible(band.print_when)) return std::nullopt;
+  BandBlock block;
+  block.uses_page = UsesPage(band);
+
+  struct Placed {
+    size_t item;
+    float top, height;  // as designed
+    float delta = 0;    // growth of the object itself
+    float shift = 0;    // how far objects above pushed it down
+    float left, right;
+    bool to_band = false;  // sized to the band's final height
+  };
+  std::vector<Placed> placed;
+  placed.reserve(band.objects.size());
+
+  for (const CompiledObject& object : band.objects) {
+    if (const auto* text = std::get_if<CompiledText>(&object)) {
+      if (!Visible(text->print_when)) continue;
+      const TextTemplatePtr& source =
+          text->memo >= 0 && memo_texts_[static_cast<size_t>(text->memo)]
+              ? memo_texts_[static_cast<size_t>(text->memo)]
+              : text->text;
+      TextItem item{text->box, DocumentStyle(text->style), {}};
+      context_.deferred = false;
+      if (source) item.text = TextOf(*source, text->format, text->hide_zero);
+      const bool deferred = context_.deferred;
+      context_.deferred = false;
+      if (deferred) {
+        item.text.clear();
+        block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
+                                  context_.Take()});
+      }
+      Placed p{block.items.size(), text->box.y, text->box.height};
+      p.left = text->box.x;
+      p.right = text->box.right();
+      const TextStyle& style = report_.styles[text->style];
+      if (band.stretch && !deferred && style.rotation == 0 &&
+          (text->stretch == StretchMode::kGrow || text->shrink)) {
+        const float width = text->box.width - style.padding.left - style.padding.right;
+        const float need =
+            text::MeasureText(item.text, style, std::max(width, 1.0f)).height +
+            style.padding.top + style.padding.bottom;
+        if ((text->stretch == StretchMode::kGrow && need > text->box.height) ||
+            (text->shrink && need < text->box.height)) {
+          p.delta = need - text->box.height;
+          item.box.height = need;
+        }
+      }
+      p.to_band = band.stretch && text->stretch == StretchMode::kBand;
+      block.items.emplace_back(std::move(item));
+      placed.push_back(p);
+    } else if (const auto* picture = std::get_if<CompiledPicture>(&object)) {
+      if (!Visible(picture->print_when) || !picture->source) continue;
+      const std::string path = picture->source->Evaluate(context_, {});
+      if (path.empty()) continue;
+      std::shared_ptr<const ImageData> image;
+      try {
+        image = LoadImage(path);
+      } catch (const Error& error) {
+        warnings_.push_back("picture \"" + picture->name + "\": " + error.description());
+        continue;
+      }
+      placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
+                        picture->box.x, picture->box.right()});
+      block.items.emplace_back(ImageItem{picture->box, document_.AddImage(image), picture->fit});
+      if (picture->borders != 0 && picture->border.width > 0) {
+        // A picture's frame is a rectangle drawn over it.
+        placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
+                          picture->box.x, picture->box.right()});
+        block.items.emplace_back(RectItem{picture->box, Color::None(), picture->border, 0});
+      }
+    } else if (const auto* barcode = std::get_if<CompiledBarcode>(&object)) {
+      if (!Visible(barcode->print_when) || !barcode->data) continue;
+      const std::string data = barcode->data->Evaluate(context_, {});
+      if (data.empty()) continue;
+      std::shared_ptr<const BarcodeSymbol> symbol;
+      try {
+        symbol = Encode(barcode->symbology, data, barcode->options);
+      } catch (const Error& error) {
+        warnings_.push_back("barcode \"" + barcode->name + "\": " + error.description());
+        continue;
+      }
+      placed.push_back({block.items.size(), barcode->box.y, barcode->box.height, 0, 0,
+                        barcode->box.x, barcode->box.right()});
+      block.items.emplace_back(BarcodeItem{barcode->box, document_.AddBarcode(std::move(symbol)),
+                                           barcode->color, barcode->background});
+    } else if (const auto* line = std::get_if<CompiledLine>(&object)) {
+      if (!Visible(line->print_when)) continue;
+      Placed p{block.items.size(), std::min(line->from.y, line->to.y),
+               std::abs(line->to.y - line->from.y)};
+      p.left = std::min(line->from.x, line->to.x);
+      p.right = std::max(line->from.x, line->to.x);
+      p.to_band = band.stretch && line->grow_with_band && line->from.x == line->to.x;
+      placed.push_back(p);
+      block.items.emplace_back(LineItem{line->from, line->to, line->stroke});
+    } else if (const auto* rect = std::get_if<CompiledRect>(&object)) {
+      if (!Visible(rect->print_when)) continue;
+      Placed p{block.items.size(), rect->box.y, rect->box.height};
+      p.left = rect->box.x;
+      p.right = rect->box.right();
+      p.to_band = band.stretch && rect->grow_with_band;
+      placed.push_back(p);
+      block.items.emplace_back(
+          RectItem{rect->box, rect->fill, rect->stroke, rect->corner_radius});
+    }
+  }
+
+  // Objects below a grown object move down with it, in the order they stand in the band.
+  std::vector<size_t> order(placed.size());
+  for (size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(),
+                   [&](size_t a, size_t b) { return placed[a].top < placed[b].top; });
+  float height = band.height;
+  for (size_t i = 0; i < order.size(); ++i) {
+    Placed& p = placed[order[i]];
+    for (size_t j = 0; j < i; ++j) {
+      const Placed& above = placed[order[j]];
+      const float push = above.shift + above.delta;
+      if (push <= 0 || p.to_band) continue;
+      const bool below = above.top + above.height <= p.top + kEpsilon;
+      const bool overlaps = above.left < p.right - kEpsilon && p.left < above.right - kEpsilon;
+      if (below && overlaps) p.shift = std::max(p.shift, push);
+    }
+    if (p.shift > 0) MoveY(block.items[p.item], p.shift);
+    const float gap = std::max(0.0f, band.height - (p.top + p.height));
+    height = std::max(height, p.top + p.shift + p.height + p.delta + gap);
+  }
+  // Objects that follow the band's height now that it is known.
+  for (const Placed& p : placed) {
+    if (!p.to_band) continue;
+    const float gap = std::max(0.0f, band.height - (p.top + p.height));
+    const float target = height - gap - p.top;
+    Item& item = block.items[p.item];
+    if (auto* line = std::get_if<LineItem>(&item)) {
+      (line->from.y < line->to.y ? line->to.y : line->from.y) = p.top + target;
+    } else if (RectF* box = BoxOf(item)) {
+      box->height = std::max(box->height, target);
+    }
+  }
+  block.height = height;
+  return block;
+}
+
+BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& document) {
+  BandBlock rest;
+  std::vector<Item> first;
+  std::vector<size_t> moved(block.items.size(), SIZE_MAX);  // old index → index in rest
+  std::vector<size_t> kept(block.items.size(), SIZE_MAX);   // old index → index in first
+  for (size_t i = 0; i < block.items.size(); ++i) {
+    Item& item = block.items[i];
+    const auto [top, bottom] = Span(item);
+    if (bottom <= height + kEpsilon) {
+      kept[i] = first.size();
+      first.push_back(std::move(item));
+      continue;
+    }
+    if (top >= height - kEpsilon) {
+      MoveY(item, -height);
+      moved[i] = rest.items.size();
+      rest.items.push_back(std::move(item));
+      continue;
+    }
+    // The item crosses the cut.
+    if (auto* text = std::get_if<TextItem>(&item)) {
+      const TextStyle& style = document.styles[text->style];
+      const float width = std::max(1.0f, text->box.width - style.padding.left - style.padding.right);
+      const float room = height - text->box.y - style.padding.top - style.padding.bottom;
+      const size_t cut = room > 0 ? text::FitText(text->text, style, width, room) : 0;
+      TextItem tail = *text;
+      tail.text = text->text.substr(cut);
+      while (!tail.text.empty() && (tail.text.front() == '\n' || tail.text.front() == ' ')) {
+        tail.text.erase(0, 1);
+      }
+      tail.box.y = 0;
+      tail.box.height = text->box.bottom() - height;
+      text->text.resize(cut);
+      text->box.height = height - text->box.y;
+      kept[i] = first.size();
+      first.push_back(std::move(item));
+      moved[i] = rest.items.size();
+      rest.items.emplace_back(std::move(tail));
+    } else if (auto* line = std::get_if<LineItem>(&item)) {
+      LineItem tail = *line;
+      float& low = line->from.y > line->to.y ? line->from.y : line->to.y;
+      float& tail_high = tail.from.y < tail.to.y ? tail.from.y : tail.to.y;
+      float& tail_low = tail.from.y < tail.to.y ? tail.to.y : tail.from.y;
+      tail_low -= height;
+      tail_high = 0;
+      low = height;
+      kept[i] = first.size();
+      first.push_back(std::move(item));
+      rest.items.emplace_back(tail);
+    } else if (auto* rect = std::get_if<RectItem>(&item)) {
+      RectItem tail = *rect;
+      tail.box.y = 0;
+      tail.box.height = rect->box.bottom() - height;
+      rect->box.height = height - rect->box.y;
+      kept[i] = first.size();
+      first.push_back(std::move(item));
+      rest.items.emplace_back(tail);
+    } else {
+      // Pictures and barcodes are not cut: they go whole to the next part.
+      MoveY(item, -top);
+      moved[i] = rest.items.size();
+      rest.items.push_back(std::move(item));
+    }
+  }
+  std::vector<DeferredText> first_deferred;
+  for (DeferredText& deferred : block.deferred) {
+    if (kept[deferred.item] != SIZE_MAX) {
+      first_deferred.push_back(deferred);
+      first_deferred.back().item = kept[deferred.item];
+    } else if (moved[deferred.item] != SIZE_MAX) {
+      rest.deferred.push_back(deferred);
+      rest.deferred.back().item = moved[deferred.item];
+    }
+  }
+  rest.height = std::max(0.0f, block.height - height);
+  rest.uses_page = block.uses_page;
+  block.items = std::move(first);
+  block.deferred = std::move(first_deferred);
+  block.height = height;
+  return rest;
+}
+
+}  // namespace vantorel::report

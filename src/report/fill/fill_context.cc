@@ -1,0 +1,110 @@
+#include "report/fill/fill_context.h"
+
+namespace vantorel::report {
+
+using expr::Value;
+
+Value ToExprValue(const data::Value& value) {
+  switch (value.kind()) {
+    case data::Value::Kind::kNull: return Value();
+    case data::Value::Kind::kInteger: return Value::Integer(value.integer());
+    case data::Value::Kind::kReal: return Value::Number(value.real());
+    case data::Value::Kind::kDecimal: {
+      if (auto decimal = expr::Decimal::Parse(value.text())) return Value::Number(*decimal);
+      return Value::Text(value.text());
+    }
+    case data::Value::Kind::kText: return Value::Text(value.text());
+    case data::Value::Kind::kDate:
+    case data::Value::Kind::kDateTime: return Value::FromDate(value.date());
+    case data::Value::Kind::kBoolean: return Value::Bool(value.integer() != 0);
+    case data::Value::Kind::kBlob: return Value::Text(value.text());
+  }
+  return Value();
+}
+
+FillContext::FillContext(const CompiledReport& report, const RunTables& tables,
+                         std::vector<QueryCursor>& cursors, const AggregateTracker& aggregates,
+                         const FillServices& services, std::vector<expr::Value> variables)
+    : report_(report),
+      tables_(tables),
+      cursors_(cursors),
+      aggregates_(aggregates),
+      services_(services),
+      variables_(std::move(variables)) {}
+
+const data::Value& FillContext::Raw(int id) const {
+  static const data::Value kNull;
+  const FieldSpec& field = tables_.fields[static_cast<size_t>(id)];
+  const QueryCursor& cursor = cursors_[static_cast<size_t>(field.query)];
+  if (columns_.size() <= static_cast<size_t>(id)) columns_.resize(tables_.fields.size(), {-1, -1});
+  auto& [generation, column] = columns_[static_cast<size_t>(id)];
+  if (generation != cursor.generation()) {
+    generation = cursor.generation();
+    column = cursor.Column(field.name);
+  }
+  if (column < 0) return kNull;
+  if (snapshot_ != nullptr) {
+    const auto& row = snapshot_->rows[static_cast<size_t>(field.query)];
+    return static_cast<size_t>(column) < row.size() ? row[static_cast<size_t>(column)] : kNull;
+  }
+  return cursor.Get(column);
+}
+
+Value FillContext::Field(int id) const { return ToExprValue(Raw(id)); }
+
+Value FillContext::Variable(int id) const {
+  if (id < 0 || static_cast<size_t>(id) >= variables_.size()) return Value();
+  return variables_[static_cast<size_t>(id)];
+}
+
+Value FillContext::System(expr::SystemValue which) const {
+  switch (which) {
+    case expr::SystemValue::kPage: return Value::Integer(snapshot_ ? snapshot_->page : page);
+    case expr::SystemValue::kTotalPages:
+      if (total_pages == 0) {
+        deferred = true;
+        return Value();
+      }
+      return Value::Integer(total_pages);
+    case expr::SystemValue::kDate: return Value::FromDate(services_.today);
+    case expr::SystemValue::kTime: return Value::Text(services_.time);
+    case expr::SystemValue::kNow: return Value::FromDate(services_.today);
+    case expr::SystemValue::kLine: return Value::Integer(snapshot_ ? snapshot_->line : line);
+    case expr::SystemValue::kCopy: return Value::Integer(1);
+  }
+  return Value();
+}
+
+Value FillContext::Aggregate(int id) const {
+  if (snapshot_ != nullptr) return aggregates_.Final(id, snapshot_->aggregates);
+  if (!aggregates_.IsComplete(id)) {
+    deferred = true;
+    return Value();
+  }
+  return aggregates_.Current(id);
+}
+
+std::shared_ptr<Snapshot> FillContext::Take() const {
+  auto snapshot = std::make_shared<Snapshot>();
+  snapshot->rows.resize(cursors_.size());
+  for (size_t q = 0; q < cursors_.size(); ++q) {
+    if (!cursors_[q].has_current()) continue;
+    // Only the columns fields read are copied, at their positions.
+    for (size_t f = 0; f < tables_.fields.size(); ++f) {
+      if (tables_.fields[f].query != static_cast<int>(q)) continue;
+      const int column = cursors_[q].Column(tables_.fields[f].name);
+      if (column < 0) continue;
+      auto& row = snapshot->rows[q];
+      if (row.size() <= static_cast<size_t>(column)) row.resize(static_cast<size_t>(column) + 1);
+      row[static_cast<size_t>(column)] = cursors_[q].Get(column);
+    }
+  }
+  snapshot->aggregates = aggregates_.Take();
+  snapshot->page = page;
+  snapshot->line = line;
+  return snapshot;
+}
+
+void FillContext::UseSnapshot(const Snapshot* snapshot) { snapshot_ = snapshot; }
+
+}  // namespace vantorel::report

@@ -1,0 +1,562 @@
+// The fill: bands in order (title, data bands with their groups, headers, footers and details,
+// summary) placed on pages with page headers and footers, repeated headers, keep-together,
+// columns, page breaks and texts completed at the end (total pages, totals printed above their
+// rows).
+#include <algorithm>
+#include <cctype>
+#include <limits>
+
+#include "report/fill/band_renderer.h"
+#include "report/fill/fill.h"
+#include "report/fill/fill_context.h"
+#include "report/fill/query_cursor.h"
+#include "vantorel/error.h"
+
+namespace vantorel::report {
+namespace {
+
+std::string Upper(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return upper;
+}
+
+data::ParamValue ToParam(const expr::Value& value) {
+  switch (value.kind()) {
+    case expr::Value::Kind::kNull: return std::monostate{};
+    case expr::Value::Kind::kBool: return int64_t{value.boolean() ? 1 : 0};
+    case expr::Value::Kind::kDecimal:
+      if (value.decimal().scale() == 0 && value.decimal().mantissa() <= INT64_MAX &&
+          value.decimal().mantissa() >= INT64_MIN) {
+        return static_cast<int64_t>(value.decimal().mantissa());
+      }
+      return value.number();
+    case expr::Value::Kind::kDouble: return value.number();
+    case expr::Value::Kind::kText: return value.text();
+    case expr::Value::Kind::kDate: return value.date();
+  }
+  return std::monostate{};
+}
+
+data::ParamValue DefaultParam(const CompiledParam& param) {
+  if (param.default_value.empty()) return std::monostate{};
+  const std::string& text = param.default_value;
+  switch (param.type) {
+    case ParamType::kInteger: {
+      char* end = nullptr;
+      const long long value = std::strtoll(text.c_str(), &end, 10);
+      if (end != nullptr && *end == '\0') return static_cast<int64_t>(value);
+      return text;
+    }
+    case ParamType::kNumber: {
+      if (auto decimal = expr::Decimal::Parse(text)) return decimal->ToDouble();
+      return text;
+    }
+    case ParamType::kDate:
+      if (auto date = Date::FromIso(text)) return *date;
+      return text;
+    case ParamType::kText: return text;
+  }
+  return text;
+}
+
+bool SameKey(const expr::Value& a, const expr::Value& b) {
+  if (a.is_null() || b.is_null()) return a.is_null() && b.is_null();
+  return CompareValues(a, b) == 0;
+}
+
+struct PlacedDeferred {
+  size_t page;
+  DeferredText text;
+};
+
+class Filler {
+ public:
+  Filler(const CompiledReport& report, const RunSettings& settings, const FillServices& services)
+      : report_(report),
+        settings_(settings),
+        services_(services),
+        tables_{report.fields, report.aggregates},
+        cursors_(report.queries.size()),
+        primed_(report.queries.size(), false),
+        memo_texts_(report.memos.size()) {}
+
+  FillResult Run() {
+    // Texts set at run time bind first: they may add fields and aggregates to the run's tables.
+    for (const auto& [memo, text] : settings_.memo_texts) {
+      if (memo >= 0 && static_cast<size_t>(memo) < memo_texts_.size()) {
+        memo_texts_[static_cast<size_t>(memo)] = CompileRunText(report_, memo, text, tables_);
+      }
+    }
+    std::vector<ExpressionPtr> variable_expressions(report_.variables.size());
+    std::vector<std::string> variable_texts(report_.variables.size());
+    for (size_t v = 0; v < report_.variables.size(); ++v) {
+      const auto set = settings_.variables.find(static_cast<int>(v));
+      variable_texts[v] = set != settings_.variables.end() ? set->second : report_.variables[v].value;
+      variable_expressions[v] = CompileRunExpression(report_, variable_texts[v], tables_);
+    }
+    tracker_ = std::make_unique<AggregateTracker>(tables_.aggregates, report_.data_count);
+    context_ = std::make_unique<FillContext>(report_, tables_, cursors_, *tracker_, services_,
+                                             std::vector<expr::Value>(report_.variables.size()));
+    // Variables are constants of the run: evaluated once, before any row is read.
+    std::vector<expr::Value> variables(report_.variables.size());
+    for (size_t v = 0; v < variables.size(); ++v) {
+      variables[v] = variable_expressions[v] ? variable_expressions[v]->Evaluate(*context_)
+                                             : expr::Value::Text(variable_texts[v]);
+    }
+    context_ = std::make_unique<FillContext>(report_, tables_, cursors_, *tracker_, services_,
+                                             std::move(variables));
+    renderer_ = std::make_unique<BandRenderer>(report_, memo_texts_, *context_, result_.document,
+                                               result_.warnings);
+    result_.document.metadata = report_.info;
+    if (result_.document.metadata.title.empty()) result_.document.metadata.title = report_.name;
+    if (result_.document.metadata.creator.empty()) result_.document.metadata.creator = "Vantorel";
+
+    // Queries that no detail band reruns are opened once, on their first row, so any band can
+    // show their fields.
+    std::vector<bool> detail_query(report_.queries.size(), false);
+    for (const CompiledData& data : report_.data) MarkDetails(data, detail_query, false);
+    for (size_t q = 0; q < report_.queries.size(); ++q) {
+      if (!detail_query[q]) {
+        OpenQuery(static_cast<int>(q));
+        cursors_[q].Next();
+        primed_[q] = true;
+      }
+    }
+
+    NewPage(/*first=*/true);
+    for (const CompiledData& data : report_.data) FillData(data);
+    tracker_->EndReport();
+    if (report_.summary) PlaceBand(*report_.summary, Flow::kFullWidth);
+    ClosePage(/*last=*/true);
+    Finish();
+    return std::move(result_);
+  }
+
+ private:
+  enum class Flow { kFullWidth, kColumn, kCell };
+
+  void MarkDetails(const CompiledData& data, std::vector<bool>& detail, bool nested) {
+    if (nested && data.query >= 0) detail[static_cast<size_t>(data.query)] = true;
+    for (const CompiledData& child : data.details) MarkDetails(child, detail, true);
+  }
+
+  void OpenQuery(int q) {
+    const CompiledQuery& query = report_.queries[static_cast<size_t>(q)];
+    const auto sql_it = settings_.query_sql.find(q);
+    const std::string& sql = sql_it != settings_.query_sql.end() ? sql_it->second : query.sql;
+    std::map<std::string, data::ParamValue> params;
+    const auto set = settings_.parameters.find(q);
+    for (const CompiledParam& param : query.params) {
+      const std::string key = Upper(param.name);
+      if (set != settings_.parameters.end() && set->second.count(key)) {
+        params[param.name] = set->second.at(key);
+      } else if (param.value) {
+        params[param.name] = ToParam(param.value->Evaluate(*context_));
+      } else {
+        params[param.name] = DefaultParam(param);
+      }
+    }
+    if (query.database < 0) {
+      throw Error(errnum::kEngineFailure, "Vantorel report engine",
+                  "query \"" + query.name + "\" has no database to run on");
+    }
+    try {
+      cursors_[static_cast<size_t>(q)].Open(services_.connection(query.database), sql, params);
+    } catch (const Error& error) {
+      throw Error(error.number(), error.source(),
+                  "query \"" + query.name + "\": " + error.description(), error.system_code());
+    }
+    primed_[static_cast<size_t>(q)] = false;
+  }
+
+  // The next row of query "q": the primed first row once, then the cursor's rows.
+  bool NextRow(int q) {
+    if (primed_[static_cast<size_t>(q)]) {
+      primed_[static_cast<size_t>(q)] = false;
+      return cursors_[static_cast<size_t>(q)].has_current();
+    }
+    return cursors_[static_cast<size_t>(q)].Next();
+  }
+
+  bool HasRows(int q) const {
+    const QueryCursor& cursor = cursors_[static_cast<size_t>(q)];
+    return primed_[static_cast<size_t>(q)] ? cursor.has_current() : cursor.has_next();
+  }
+
+  bool HasMoreRows(int q) const { return cursors_[static_cast<size_t>(q)].has_next(); }
+
+  void FillData(const CompiledData& data) {
+    if (data.query >= 0 && !primed_[static_cast<size_t>(data.query)]) OpenQuery(data.query);
+    tracker_->StartBand(data.index);
+    const bool empty = data.query >= 0 ? !HasRows(data.query) : data.rows <= 0;
+    if (empty) {
+      if (data.header && data.header->print_if_empty) PlaceBand(*data.header, Flow::kColumn);
+      tracker_->EndBand(data.index);
+      if (data.footer && data.footer->print_if_empty) PlaceBand(*data.footer, Flow::kColumn);
+      return;
+    }
+    const size_t repeat_mark = repeats_.size();
+    if (data.header) {
+      PlaceBand(*data.header, Flow::kColumn);
+      if (data.header->repeat) repeats_.push_back(&*data.header);
+    }
+    const int saved_line = context_->line;
+    const size_t levels = data.groups.size();
+    std::vector<expr::Value> keys(levels);
+    int line = 0;
+    bool more = data.query >= 0 ? NextRow(data.query) : true;
+    int static_rows = 1;
+    auto start_groups = [&](size_t from) {
+      for (size_t level = from; level < levels; ++level) {
+        const CompiledGroup& group = data.groups[level];
+        tracker_->StartGroup(data.index, static_cast<int>(level));
+        keys[level] = group.condition ? group.condition->Evaluate(*context_) : expr::Value();
+        // Every group but the first begins a page of its own.
+        if (group.start_new_page && line > 0 && page_has_body_) NewPage(false);
+        if (group.keep_together) BeginBuffer();
+        if (group.header) {
+          PlaceBand(*group.header, Flow::kColumn);
+          if (group.repeat_header) repeats_.push_back(&*group.header);
+        }
+      }
+    };
+    auto end_groups = [&](size_t down_to) {
+      for (size_t level = levels; level-- > down_to;) {
+        const CompiledGroup& group = data.groups[level];
+        tracker_->EndGroup(data.index, static_cast<int>(level));
+        if (group.footer) PlaceBand(*group.footer, Flow::kColumn);
+        if (group.repeat_header && group.header && !repeats_.empty() &&
+            repeats_.back() == &*group.header) {
+          repeats_.pop_back();
+        }
+        if (group.keep_together) EndBuffer();
+      }
+    };
+    start_groups(0);
+    while (more) {
+      context_->line = ++line;
+      tracker_->Row(data.index, *context_, false);
+      if (data.band.keep_together) BeginBuffer();
+      PlaceBand(data.band, report_.page.columns > 1 && report_.page.columns_across ? Flow::kCell
+                                                                                   : Flow::kColumn);
+      tracker_->Row(data.index, *context_, true);
+      for (const CompiledData& detail : data.details) FillData(detail);
+      if (data.band.keep_together) EndBuffer();
+
+      if (data.query >= 0) {
+        if (!HasMoreRows(data.query)) break;
+        size_t changed = levels;
+        cursors_[static_cast<size_t>(data.query)].PeekNext([&] {
+          for (size_t level = 0; level < levels; ++level) {
+            const CompiledGroup& group = data.groups[level];
+            const expr::Value key =
+                group.condition ? group.condition->Evaluate(*context_) : expr::Value();
+            if (!SameKey(key, keys[level])) {
+              changed = level;
+              break;
+            }
+          }
+          return 0;
+        });
+        end_groups(changed);
+        more = NextRow(data.query);
+        start_groups(changed);
+      } else {
+        more = ++static_rows <= data.rows;
+      }
+    }
+    end_groups(0);
+    EndCellRow();
+    tracker_->EndBand(data.index);
+    repeats_.resize(std::min(repeats_.size(), repeat_mark));
+    if (data.footer) PlaceBand(*data.footer, Flow::kColumn);
+    context_->line = saved_line;
+  }
+
+  // --- pages ------------------------------------------------------------------------------
+
+  float PageHeight() const {
+    return report_.page.roll ? std::numeric_limits<float>::max() / 4 : report_.page.size.height;
+  }
+
+  float BodyLimit() const {
+    float limit = PageHeight() - report_.page.margin_bottom;
+    if (report_.page_footer) limit -= report_.page_footer->height;
+    if (report_.column_footer) limit -= report_.column_footer->height;
+    return limit;
+  }
+
+  float ColumnWidth() const {
+    const PageSetup& page = report_.page;
+    const float content = page.size.width - page.margin_left - page.margin_right;
+    return (content - page.column_gap * static_cast<float>(page.columns - 1)) /
+           static_cast<float>(page.columns);
+  }
+
+  float ColumnX(int column) const {
+    return report_.page.margin_left +
+           static_cast<float>(column) * (ColumnWidth() + report_.page.column_gap);
+  }
+
+  void NewPage(bool first) {
+    if (!first) ClosePage(false);
+    EndCellRow();
+    Page page;
+    page.size = report_.page.size;
+    result_.document.pages.push_back(std::move(page));
+    page_number_ = static_cast<int>(result_.document.pages.size());
+    context_->page = page_number_;
+    tracker_->StartPage(page_number_);
+    y_ = report_.page.margin_top;
+    column_ = 0;
+    page_has_body_ = false;
+    header_range_ = {0, 0};
+    if (first && report_.title) PlaceBand(*report_.title, Flow::kFullWidth);
+    if (report_.page_header && (!first || report_.page_header->print_on_first_page)) {
+      const size_t begin = CurrentPage().items.size();
+      PlaceBand(*report_.page_header, Flow::kFullWidth);
+      header_range_ = {begin, CurrentPage().items.size()};
+    }
+    page_headers_.push_back(header_range_);
+    column_top_ = y_;
+    StartColumn();
+  }
+
+  // Column header and repeated headers at the top of a column.
+  void StartColumn() {
+    if (report_.column_header) PlaceBand(*report_.column_header, Flow::kColumn, true);
+    for (const CompiledBand* band : std::vector<const CompiledBand*>(repeats_)) {
+      PlaceBand(*band, Flow::kColumn, true);
+    }
+  }
+
+  void ClosePage(bool last) {
+    EndCellRow();
+    tracker_->EndPage();
+    Page& page = CurrentPage();
+    if (report_.page.roll) {
+      float height = y_ + report_.page.margin_bottom;
+      if (report_.page_footer) height += report_.page_footer->height;
+      if (report_.column_footer) height += report_.column_footer->height;
+      page.size.height = height;
+    }
+    const float footer_top = page.size.height - report_.page.margin_bottom -
+                             (report_.page_footer ? report_.page_footer->height : 0);
+    if (report_.column_footer) {
+      y_ = footer_top - report_.column_footer->height;
+      PlaceAt(*report_.column_footer, report_.page.margin_left, y_);
+    }
+    if (report_.page_footer && (page_number_ > 1 || report_.page_footer->print_on_first_page) &&
+        (!last || report_.page_footer->print_on_last_page)) {
+      PlaceAt(*report_.page_footer, report_.page.margin_left, footer_top);
+    }
+  }
+
+  Page& CurrentPage() { return result_.document.pages.back(); }
+
+  // --- placing blocks -------------------------------------------------------------------
+
+  void BeginBuffer() {
+    if (buffer_depth_++ == 0) buffer_.clear();
+  }
+
+  void EndBuffer() {
+    if (--buffer_depth_ > 0) return;
+    std::vector<std::pair<BandBlock, Flow>> blocks = std::move(buffer_);
+    buffer_.clear();
+    float total = 0;
+    for (const auto& [block, flow] : blocks) total += block.height;
+    if (y_ + total > BodyLimit() && page_has_body_ && total <= BodyLimit() - column_top_) {
+      NextColumnOrPage();
+    }
+    for (auto& [block, flow] : blocks) Place(std::move(block), flow, nullptr);
+  }
+
+  void PlaceBand(const CompiledBand& band, Flow flow, bool repeat = false) {
+    std::optional<BandBlock> block = renderer_->Render(band);
+    if (!block) return;
+    if (band.start_new_page && page_has_body_ && !repeat) NewPage(false);
+    Place(std::move(*block), flow, &band);
+    for (const CompiledBand& child : band.children) PlaceBand(child, flow, repeat);
+    if (!repeat && band.kind != BandKind::kPageHeader && band.kind != BandKind::kColumnHeader) {
+      page_has_body_ = true;
+    }
+  }
+
+  // Places a band at a fixed spot (page footer, column footer).
+  void PlaceAt(const CompiledBand& band, float x, float y) {
+    std::optional<BandBlock> block = renderer_->Render(band);
+    if (!block) return;
+    Emit(std::move(*block), x, y);
+  }
+
+  void NextColumnOrPage() {
+    if (report_.page.columns > 1 && !report_.page.columns_across &&
+        column_ + 1 < report_.page.columns) {
+      ++column_;
+      y_ = column_top_;
+      StartColumn();
+      return;
+    }
+    NewPage(false);
+  }
+
+  void Place(BandBlock block, Flow flow, const CompiledBand* band) {
+    if (buffer_depth_ > 0) {
+      buffer_.emplace_back(std::move(block), flow);
+      return;
+    }
+    if (flow == Flow::kCell) {
+      PlaceCell(std::move(block), band);
+      return;
+    }
+    EndCellRow();
+    if (y_ + block.height > BodyLimit() + 0.01f && page_has_body_) {
+      NextColumnOrPage();
+      // Page numbers shown in the band belong to the page it lands on.
+      if (block.uses_page && band != nullptr) {
+        if (std::optional<BandBlock> again = renderer_->Render(*band)) block = std::move(*again);
+      }
+    }
+    // Taller than the room left on a fresh page: print what fits and continue overleaf.
+    while (y_ + block.height > BodyLimit() + 0.01f) {
+      const float room = BodyLimit() - y_;
+      if (room < 1) {
+        NextColumnOrPage();
+        continue;
+      }
+      BandBlock rest = BandRenderer::Split(block, room, result_.document);
+      const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+      Emit(std::move(block), x, y_);
+      y_ = BodyLimit();
+      NextColumnOrPage();
+      block = std::move(rest);
+      if (block.items.empty() && block.height <= 0) return;
+    }
+    const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+    const float height = block.height;
+    Emit(std::move(block), x, y_);
+    y_ += height;
+  }
+
+  // Label sheets: rows of cells, left to right, then down.
+  void PlaceCell(BandBlock block, const CompiledBand* band) {
+    if (column_ == 0 && y_ + block.height > BodyLimit() + 0.01f && page_has_body_) {
+      NewPage(false);
+      if (block.uses_page && band != nullptr) {
+        if (std::optional<BandBlock> again = renderer_->Render(*band)) block = std::move(*again);
+      }
+    }
+    cell_row_height_ = std::max(cell_row_height_, block.height);
+    Emit(std::move(block), ColumnX(column_), y_);
+    page_has_body_ = true;
+    if (++column_ >= report_.page.columns) EndCellRow();
+  }
+
+  void EndCellRow() {
+    if (cell_row_height_ <= 0 && column_ == 0) return;
+    if (report_.page.columns_across) {
+      y_ += cell_row_height_;
+      column_ = 0;
+    }
+    cell_row_height_ = 0;
+  }
+
+  void Emit(BandBlock block, float x, float y) {
+    Page& page = CurrentPage();
+    const size_t base = page.items.size();
+    for (Item& item : block.items) {
+      if (auto* line = std::get_if<LineItem>(&item)) {
+        line->from.x += x;
+        line->to.x += x;
+        line->from.y += y;
+        line->to.y += y;
+      } else {
+        RectF* box = nullptr;
+        if (auto* t = std::get_if<TextItem>(&item)) box = &t->box;
+        if (auto* r = std::get_if<RectItem>(&item)) box = &r->box;
+        if (auto* i = std::get_if<ImageItem>(&item)) box = &i->box;
+        if (auto* b = std::get_if<BarcodeItem>(&item)) box = &b->box;
+        if (auto* g = std::get_if<GroupItem>(&item)) box = &g->clip;
+        if (box != nullptr) {
+          box->x += x;
+          box->y += y;
+        }
+      }
+      page.items.push_back(std::move(item));
+    }
+    for (DeferredText& deferred : block.deferred) {
+      deferred.item += base;
+      deferred_.push_back({result_.document.pages.size() - 1, std::move(deferred)});
+    }
+  }
+
+  // --- the end ------------------------------------------------------------------------------
+
+  void Finish() {
+    Document& document = result_.document;
+    // A page header that must not print on the last page comes off it again.
+    if (report_.page_header && !report_.page_header->print_on_last_page &&
+        document.pages.size() > 1) {
+      const auto [begin, end] = page_headers_.back();
+      auto& items = document.pages.back().items;
+      if (end > begin) {
+        items.erase(items.begin() + static_cast<ptrdiff_t>(begin),
+                    items.begin() + static_cast<ptrdiff_t>(end));
+        const size_t last = document.pages.size() - 1;
+        std::vector<PlacedDeferred> kept;
+        for (PlacedDeferred& entry : deferred_) {
+          if (entry.page == last && entry.text.item >= begin && entry.text.item < end) continue;
+          if (entry.page == last && entry.text.item >= end) entry.text.item -= end - begin;
+          kept.push_back(std::move(entry));
+        }
+        deferred_ = std::move(kept);
+      }
+    }
+    context_->total_pages = static_cast<int>(document.pages.size());
+    for (const PlacedDeferred& entry : deferred_) {
+      context_->UseSnapshot(entry.text.snapshot.get());
+      std::string text = entry.text.text ? renderer_->TextOf(*entry.text.text, entry.text.format,
+                                                             entry.text.hide_zero)
+                                         : std::string();
+      Item& item = document.pages[entry.page].items[entry.text.item];
+      if (auto* text_item = std::get_if<TextItem>(&item)) text_item->text = std::move(text);
+    }
+    context_->UseSnapshot(nullptr);
+  }
+
+  const CompiledReport& report_;
+  const RunSettings& settings_;
+  const FillServices& services_;
+  RunTables tables_;
+  std::vector<QueryCursor> cursors_;
+  std::vector<bool> primed_;
+  std::vector<TextTemplatePtr> memo_texts_;
+  std::unique_ptr<AggregateTracker> tracker_;
+  std::unique_ptr<FillContext> context_;
+  std::unique_ptr<BandRenderer> renderer_;
+  FillResult result_;
+
+  int page_number_ = 0;
+  float y_ = 0;
+  float column_top_ = 0;
+  int column_ = 0;
+  float cell_row_height_ = 0;
+  bool page_has_body_ = false;
+  std::pair<size_t, size_t> header_range_{0, 0};
+  std::vector<std::pair<size_t, size_t>> page_headers_;
+  std::vector<const CompiledBand*> repeats_;
+  int buffer_depth_ = 0;
+  std::vector<std::pair<BandBlock, Flow>> buffer_;
+  std::vector<PlacedDeferred> deferred_;
+};
+
+}  // namespace
+
+FillResult Fill(const CompiledReport& report, const RunSettings& settings,
+                const FillServices& services) {
+  return Filler(report, settings, services).Run();
+}
+
+}  // namespace vantorel::report

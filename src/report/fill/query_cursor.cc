@@ -1,0 +1,58 @@
+#include "report/fill/query_cursor.h"
+
+#include <cctype>
+
+namespace vantorel::report {
+namespace {
+
+std::string Upper(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return upper;
+}
+
+const data::Value kNull;
+
+}  // namespace
+
+void QueryCursor::Open(data::Connection& connection, const std::string& sql,
+                       const std::map<std::string, data::ParamValue>& params) {
+  cursor_.reset();
+  has_current_ = has_next_ = false;
+  current_.clear();
+  next_.clear();
+  columns_.clear();
+  ++generation_;
+  cursor_ = connection.Execute(sql, params);
+  opened_ = true;
+  const auto& columns = cursor_->columns();
+  for (size_t i = 0; i < columns.size(); ++i) {
+    columns_.emplace(Upper(columns[i].name), static_cast<int>(i));
+  }
+  ReadAhead();
+}
+
+void QueryCursor::ReadAhead() {
+  has_next_ = cursor_ != nullptr && cursor_->Next(next_);
+  if (!has_next_) cursor_.reset();  // the statement is done; free it early
+}
+
+bool QueryCursor::Next() {
+  if (!has_next_) return false;
+  std::swap(current_, next_);
+  has_current_ = true;
+  ReadAhead();
+  return true;
+}
+
+int QueryCursor::Column(std::string_view name) const {
+  const auto it = columns_.find(Upper(name));
+  return it == columns_.end() ? -1 : it->second;
+}
+
+const data::Value& QueryCursor::Get(int column) const {
+  if (!has_current_ || column < 0 || static_cast<size_t>(column) >= current_.size()) return kNull;
+  return current_[static_cast<size_t>(column)];
+}
+
+}  // namespace vantorel::report

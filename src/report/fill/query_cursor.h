@@ -1,0 +1,59 @@
+// One query of a fill: runs its SQL with typed parameters and walks the rows forwards, holding
+// the current row and the next one (group footers print with the last row of their group, so the
+// fill looks one row ahead).
+//
+// Thread-safety: belongs to one fill.
+#ifndef VANTOREL_REPORT_FILL_QUERY_CURSOR_H_
+#define VANTOREL_REPORT_FILL_QUERY_CURSOR_H_
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "data/connection.h"
+
+namespace vantorel::report {
+
+class QueryCursor {
+ public:
+  // Runs "sql" and reads the first row into the look-ahead; Next() makes it current.
+  void Open(data::Connection& connection, const std::string& sql,
+            const std::map<std::string, data::ParamValue>& params);
+  bool is_open() const { return cursor_ != nullptr || opened_; }
+  // Moves to the next row; false (and the current row kept) at the end.
+  bool Next();
+  bool has_current() const { return has_current_; }
+  bool has_next() const { return has_next_; }
+  // Makes the look-ahead row current for the duration of "look", then restores.
+  template <typename F>
+  auto PeekNext(F&& look) {
+    std::swap(current_, next_);
+    struct Restore {
+      QueryCursor* self;
+      ~Restore() { std::swap(self->current_, self->next_); }
+    } restore{this};
+    return look();
+  }
+  // The column of "name" (any case), or -1.
+  int Column(std::string_view name) const;
+  // The current row's value of "column"; NULL when there is no current row.
+  const data::Value& Get(int column) const;
+  // Bumped at every Open, so cached column numbers know when to look again.
+  int generation() const { return generation_; }
+
+ private:
+  void ReadAhead();
+
+  std::unique_ptr<data::Cursor> cursor_;
+  bool opened_ = false;
+  std::map<std::string, int> columns_;  // upper-cased name → index
+  std::vector<data::Value> current_, next_;
+  bool has_current_ = false;
+  bool has_next_ = false;
+  int generation_ = 0;
+};
+
+}  // namespace vantorel::report
+
+#endif  // VANTOREL_REPORT_FILL_QUERY_CURSOR_H_

@@ -1,0 +1,203 @@
+// The design of a report as its template file says it: page setup, database connections,
+// queries, variables, styles and bands holding objects. A mutable model, as read from and
+// written to the ".fr3" XML (docs/template-format.md); the compile stage validates it into a
+// read-only form.
+//
+// Thread-safety: plain values.
+#ifndef VANTOREL_REPORT_TEMPLATE_DESIGN_H_
+#define VANTOREL_REPORT_TEMPLATE_DESIGN_H_
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "report/document/document.h"
+
+namespace vantorel::report {
+
+constexpr int kTemplateFormatVersion = 1;
+
+// A text style as a template writes it: every field optional, so a named style, the object's
+// own attributes and the defaults combine.
+struct StyleSpec {
+  std::string based_on;
+  std::optional<std::string> font;
+  std::optional<float> size;
+  std::optional<bool> bold, italic, underline, strikeout;
+  std::optional<Color> color, fill;
+  std::optional<HAlign> halign;
+  std::optional<VAlign> valign;
+  std::optional<bool> wrap, clip, rich;
+  std::optional<int16_t> rotation;
+  std::optional<float> line_spacing, char_spacing;
+  std::optional<uint8_t> borders;
+  std::optional<float> border_width;
+  std::optional<Color> border_color;
+  std::optional<LineStyle> border_style;
+  std::optional<Padding> padding;
+};
+
+// How an object grows with its band: not at all, to fit its own content, or to the band's final
+// height (table cells whose borders must line up when a neighbour grows).
+enum class StretchMode { kNone, kGrow, kBand };
+
+struct ObjectCommon {
+  std::string name;
+  RectF box;               // points, relative to the band's top left
+  std::string print_when;  // expression; empty: always
+  int line = 0;            // in the template file
+};
+
+struct TextObject : ObjectCommon {
+  std::string text;        // literal text with [expressions]
+  std::string style_name;  // a named style, or empty
+  StyleSpec style;         // the object's own attributes
+  std::string format;      // display format of a single-expression text
+  StretchMode stretch = StretchMode::kNone;
+  bool shrink = false;      // may become shorter than its height when the text is short
+  bool hide_zero = false;   // a single-expression text whose value is zero prints nothing
+};
+
+struct PictureObject : ObjectCommon {
+  std::string source;  // a text template giving the file path ("[Company.logo]")
+  ImageFit fit = ImageFit::kContain;
+  uint8_t borders = 0;
+  Stroke border;
+};
+
+struct BarcodeObject : ObjectCommon {
+  std::string type = "qr";
+  std::string data;  // a text template
+  char qr_level = 'M';
+  bool show_text = true;
+  Color color = Color::Black();
+  Color background = Color::None();
+};
+
+struct LineObject : ObjectCommon {
+  PointF from, to;  // relative to the band
+  Stroke stroke;
+  bool grow_with_band = false;  // a vertical line that spans the band grows with it
+};
+
+struct RectObject : ObjectCommon {
+  Color fill = Color::None();
+  Stroke stroke;
+  float corner_radius = 0;
+  bool grow_with_band = false;
+};
+
+using DesignObject = std::variant<TextObject, PictureObject, BarcodeObject, LineObject, RectObject>;
+
+enum class BandKind {
+  kPageHeader,
+  kPageFooter,
+  kTitle,
+  kSummary,
+  kColumnHeader,
+  kColumnFooter,
+  kData,
+  kDataHeader,
+  kDataFooter,
+  kGroupHeader,
+  kGroupFooter,
+  kChild,
+};
+
+// The element name of a band kind ("pageHeader", "data", …).
+const char* BandElementName(BandKind kind);
+
+struct Band {
+  BandKind kind = BandKind::kData;
+  std::string name;
+  float height = 0;  // points
+  bool stretch = true;  // grows to hold stretching objects; false: a fixed box
+  bool keep_together = false;
+  bool start_new_page = false;
+  bool repeat = false;               // headers: print again at the top of each new page
+  bool print_on_first_page = true;   // page header and footer
+  bool print_on_last_page = true;    // page header and footer
+  bool print_if_empty = false;       // data headers and footers when the query has no rows
+  std::string print_when;
+  std::vector<DesignObject> objects;
+  std::vector<Band> children;  // child bands, printed right after this one
+  int line = 0;
+};
+
+struct Group {
+  std::string name;
+  std::string condition;  // expression; a new group starts when its value changes
+  bool keep_together = false;
+  bool start_new_page = false;
+  bool repeat_header = false;
+  std::optional<Band> header;
+  std::optional<Band> footer;
+  int line = 0;
+};
+
+struct DataBand {
+  Band band;           // kind kData
+  std::string query;   // empty: the band prints once
+  int rows = 1;        // times a query-less band prints
+  std::vector<Group> groups;  // outermost first
+  std::optional<Band> header;
+  std::optional<Band> footer;
+  std::vector<DataBand> details;  // printed after each row, for that row
+};
+
+enum class ParamType { kInteger, kNumber, kText, kDate };
+
+struct QueryParam {
+  std::string name;
+  ParamType type = ParamType::kText;
+  std::string default_value;  // as text in the type's form ("12", "2024-03-31"); empty: NULL
+  std::string value;          // expression evaluated when the query runs, e.g. "[Q_INV.id]"
+  int line = 0;
+};
+
+struct Query {
+  std::string name;
+  std::string database;  // empty: the template's first database
+  std::string sql;
+  std::vector<QueryParam> params;
+  int line = 0;
+};
+
+struct Variable {
+  std::string category;
+  std::string name;
+  std::string value;  // an expression ("\"C:\\Logos\\firm.png\"")
+  int line = 0;
+};
+
+struct PageSetup {
+  SizeF size{static_cast<float>(Mm(210)), static_cast<float>(Mm(297))};
+  bool landscape = false;
+  bool roll = false;  // roll paper: one page as tall as its content
+  float margin_left = static_cast<float>(Mm(10)), margin_top = static_cast<float>(Mm(10));
+  float margin_right = static_cast<float>(Mm(10)), margin_bottom = static_cast<float>(Mm(10));
+  int columns = 1;
+  float column_gap = 0;
+  bool columns_across = false;  // label sheets: fill rows left to right before moving down
+  std::string printer;          // a CUPS queue; empty: the default queue
+};
+
+struct Template {
+  int version = kTemplateFormatVersion;
+  std::string name;
+  Metadata info;
+  PageSetup page;
+  std::vector<std::string> databases;
+  std::vector<Query> queries;
+  std::vector<Variable> variables;
+  std::map<std::string, StyleSpec> styles;
+  std::optional<Band> page_header, page_footer, title, summary, column_header, column_footer;
+  std::vector<DataBand> data;
+};
+
+}  // namespace vantorel::report
+
+#endif  // VANTOREL_REPORT_TEMPLATE_DESIGN_H_

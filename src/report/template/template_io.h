@@ -1,0 +1,53 @@
+// Reading templates: the ".fr3" XML into the design model, reporting every problem at once with
+// its line and a hint.
+//
+// Thread-safety: pure functions.
+#ifndef VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_
+#define VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "report/template/design.h"
+
+namespace vantorel::report {
+
+struct Problem {
+  std::string file;
+  int line = 0;  // 0 when the problem concerns the whole file
+  std::string message;
+  std::string hint;
+};
+
+// Everything wrong with a template, formatted "file:line: message (hint)" one per line.
+std::string FormatProblems(const std::vector<Problem>& problems);
+
+// Thrown when a template cannot be used; holds every problem found.
+class TemplateError : public std::runtime_error {
+ public:
+  explicit TemplateError(std::vector<Problem> problems);
+  const std::vector<Problem>& problems() const { return problems_; }
+
+ private:
+  std::vector<Problem> problems_;
+};
+
+// Parses template XML; "file" names it in problems. Throws TemplateError with all problems.
+Template ParseTemplate(std::string_view xml, const std::string& file);
+
+// Reads and parses the template file at "path" (a host path).
+Template LoadTemplateFile(const std::string& path);
+
+// Lengths as templates write them: "12mm", "1.5cm", "0.5in", "10pt", or a bare number of
+// millimetres. Returns points; nullopt when the text is not a length.
+std::optional<float> ParseLength(std::string_view text);
+
+// Colours: "#rgb", "#rrggbb", "#rrggbbaa", or a name (black, white, red, green, blue, gray,
+// grey, silver, maroon, navy, transparent, none, …).
+std::optional<Color> ParseColor(std::string_view text);
+
+}  // namespace vantorel::report
+
+#endif  // VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_

@@ -1,0 +1,836 @@
+// Reads the ".fr3" XML into the design model. Every element and attribute is checked; unknown
+// ones, bad values and missing required values are collected with their line and a hint, and
+// reported together.
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <fstream>
+#include <initializer_list>
+#include <sstream>
+
+#include "host/native_path.h"
+#include "report/template/template_io.h"
+#include "vantorel/error.h"
+
+namespace vantorel::report {
+namespace {
+
+// Edit distance, for "did you mean" hints.
+size_t Distance(std::string_view a, std::string_view b) {
+  std::vector<size_t> row(b.size() + 1);
+  for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (size_t i = 1; i <= a.size(); ++i) {
+    size_t diagonal = row[0];
+    row[0] = i;
+    for (size_t j = 1; j <= b.size(); ++j) {
+      const size_t above = row[j];
+      const bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
+                        std::tolower(static_cast<unsigned char>(b[j - 1]));
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
+      diagonal = above;
+    }
+  }
+  return row[b.size()];
+}
+
+std::string Suggest(std::string_view word, std::initializer_list<const char*> known) {
+  const char* best = nullptr;
+  size_t best_distance = 3;
+  for (const char* candidate : known) {
+    const size_t d = Distance(word, candidate);
+    if (d < best_distance) {
+      best_distance = d;
+      best = candidate;
+    }
+  }
+  return best ? std::string("did you mean \"") + best + "\"?" : std::string();
+}
+
+std::string Trimmed(std::string_view text) {
+  const size_t begin = text.find_first_not_of(" \t\r\n");
+  if (begin == std::string_view::npos) return {};
+  const size_t end = text.find_last_not_of(" \t\r\n");
+  return std::string(text.substr(begin, end - begin + 1));
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) ==
+                  std::tolower(static_cast<unsigned char>(y));
+         });
+}
+
+std::optional<double> ParseNumber(std::string_view text) {
+  double value = 0;
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (ec != std::errc() || end != text.data() + text.size() || text.empty() ||
+      !std::isfinite(value)) {
+    return std::nullopt;
+  }
+  return value;
+}
+
+std::vector<std::string_view> Words(std::string_view text) {
+  std::vector<std::string_view> words;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    while (pos < text.size() && (text[pos] == ' ' || text[pos] == ',' || text[pos] == '\t')) ++pos;
+    const size_t start = pos;
+    while (pos < text.size() && text[pos] != ' ' && text[pos] != ',' && text[pos] != '\t') ++pos;
+    if (pos > start) words.push_back(text.substr(start, pos - start));
+  }
+  return words;
+}
+
+class Reader {
+ public:
+  Reader(std::string_view xml, std::string file) : xml_(xml), file_(std::move(file)) {
+    line_starts_.push_back(0);
+    for (size_t i = 0; i < xml.size(); ++i) {
+      if (xml[i] == '\n') line_starts_.push_back(i + 1);
+    }
+  }
+
+  Template Read() {
+    pugi::xml_document doc;
+    const pugi::xml_parse_result parsed = doc.load_buffer(
+        xml_.data(), xml_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single,
+        pugi::encoding_utf8);
+    if (!parsed) {
+      Add(LineOfOffset(static_cast<size_t>(std::max<ptrdiff_t>(parsed.offset, 0))),
+          std::string("not well-formed XML: ") + parsed.description(),
+          "check the tags and quotes around this line");
+      throw TemplateError(std::move(problems_));
+    }
+    const pugi::xml_node root = doc.document_element();
+    Template design;
+    if (std::string_view(root.name()) != "report") {
+      Add(Line(root), std::string("the root element is <") + root.name() + ">, not <report>",
+          "a template starts with <report format=\"vantorel-template\" version=\"1\">");
+      throw TemplateError(std::move(problems_));
+    }
+    ReadReport(root, design);
+    if (!problems_.empty()) throw TemplateError(std::move(problems_));
+    return design;
+  }
+
+ private:
+  int LineOfOffset(size_t offset) const {
+    const auto it = std::upper_bound(line_starts_.begin(), line_starts_.end(), offset);
+    return static_cast<int>(it - line_starts_.begin());
+  }
+  int Line(const pugi::xml_node& node) const {
+    return LineOfOffset(static_cast<size_t>(std::max<ptrdiff_t>(node.offset_debug(), 0)));
+  }
+  void Add(int line, std::string message, std::string hint = {}) {
+    problems_.push_back({file_, line, std::move(message), std::move(hint)});
+  }
+
+  void CheckAttributes(const pugi::xml_node& node, std::initializer_list<const char*> allowed) {
+    for (const pugi::xml_attribute& attribute : node.attributes()) {
+      const std::string_view name = attribute.name();
+      if (std::none_of(allowed.begin(), allowed.end(),
+                       [&](const char* a) { return name == a; })) {
+        Add(Line(node), "<" + std::string(node.name()) + "> has no attribute \"" +
+                            std::string(name) + "\"",
+            Suggest(name, allowed));
+      }
+    }
+  }
+
+  void Unknown(const pugi::xml_node& node, const char* where,
+               std::initializer_list<const char*> allowed) {
+    Add(Line(node), std::string("<") + node.name() + "> is not allowed in " + where,
+        Suggest(node.name(), allowed));
+  }
+
+  std::string Text(const pugi::xml_node& node, const char* name, bool required = false) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) {
+      if (required) {
+        Add(Line(node), "<" + std::string(node.name()) + "> needs the attribute \"" + name + "\"");
+      }
+      return {};
+    }
+    return attribute.value();
+  }
+
+  bool Flag(const pugi::xml_node& node, const char* name, bool fallback) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) return fallback;
+    const std::string_view value = attribute.value();
+    if (value == "true" || value == "yes" || value == "1") return true;
+    if (value == "false" || value == "no" || value == "0") return false;
+    Add(Line(node), "\"" + std::string(name) + "\" must be true or false, not \"" +
+                        std::string(value) + "\"");
+    return fallback;
+  }
+
+  std::optional<bool> OptionalFlag(const pugi::xml_node& node, const char* name) {
+    if (!node.attribute(name)) return std::nullopt;
+    return Flag(node, name, false);
+  }
+
+  std::optional<float> Length(const pugi::xml_node& node, const char* name, bool required = false) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) {
+      if (required) {
+        Add(Line(node), "<" + std::string(node.name()) + "> needs the attribute \"" + name + "\"",
+            "a length such as 12mm, 1.5cm, 0.5in or 10pt");
+      }
+      return std::nullopt;
+    }
+    const std::optional<float> length = ParseLength(attribute.value());
+    if (!length) {
+      Add(Line(node), "\"" + std::string(name) + "\" is not a length: \"" + attribute.value() + "\"",
+          "write a number with mm, cm, in or pt, e.g. 12.5mm");
+    }
+    return length;
+  }
+
+  std::optional<Color> ColorAttribute(const pugi::xml_node& node, const char* name) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) return std::nullopt;
+    const std::optional<Color> color = ParseColor(attribute.value());
+    if (!color) {
+      Add(Line(node), "\"" + std::string(name) + "\" is not a colour: \"" + attribute.value() + "\"",
+          "use #rrggbb, #rrggbbaa or a name such as black, gray, maroon, none");
+    }
+    return color;
+  }
+
+  template <typename T>
+  std::optional<T> Choice(const pugi::xml_node& node, const char* name,
+                          std::initializer_list<std::pair<const char*, T>> choices) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) return std::nullopt;
+    for (const auto& [text, value] : choices) {
+      if (EqualsNoCase(attribute.value(), text)) return value;
+    }
+    std::string allowed;
+    for (const auto& choice : choices) allowed += (allowed.empty() ? "" : ", ") + std::string(choice.first);
+    Add(Line(node), "\"" + std::string(name) + "\" cannot be \"" + attribute.value() + "\"",
+        "one of: " + allowed);
+    return std::nullopt;
+  }
+
+  std::optional<double> Number(const pugi::xml_node& node, const char* name) {
+    const pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute) return std::nullopt;
+    const std::optional<double> number = ParseNumber(attribute.value());
+    if (!number) Add(Line(node), "\"" + std::string(name) + "\" is not a number: \"" + attribute.value() + "\"");
+    return number;
+  }
+
+  // The attributes of a text style, shared by <style> and <text>.
+  void ReadStyle(const pugi::xml_node& node, StyleSpec& style) {
+    if (node.attribute("font")) style.font = node.attribute("font").value();
+    if (const auto size = Number(node, "size")) {
+      if (*size <= 0 || *size > 500) {
+        Add(Line(node), "font size must be between 0 and 500 points");
+      } else {
+        style.size = static_cast<float>(*size);
+      }
+    }
+    style.bold = OptionalFlag(node, "bold");
+    style.italic = OptionalFlag(node, "italic");
+    style.underline = OptionalFlag(node, "underline");
+    style.strikeout = OptionalFlag(node, "strikeout");
+    style.color = ColorAttribute(node, "color");
+    style.fill = ColorAttribute(node, "fill");
+    style.halign = Choice<HAlign>(node, "align",
+                                  {{"left", HAlign::kLeft}, {"center", HAlign::kCenter},
+                                   {"right", HAlign::kRight}, {"justify", HAlign::kJustify}});
+    style.valign = Choice<VAlign>(
+        node, "valign", {{"top", VAlign::kTop}, {"middle", VAlign::kMiddle}, {"bottom", VAlign::kBottom}});
+    style.wrap = OptionalFlag(node, "wrap");
+    style.clip = OptionalFlag(node, "clip");
+    style.rich = OptionalFlag(node, "rich");
+    if (const auto rotate = Number(node, "rotate")) {
+      if (*rotate != 0 && *rotate != 90 && *rotate != 270) {
+        Add(Line(node), "\"rotate\" must be 0, 90 or 270");
+      } else {
+        style.rotation = static_cast<int16_t>(*rotate);
+      }
+    }
+    if (const auto spacing = Number(node, "line-spacing")) style.line_spacing = static_cast<float>(*spacing);
+    if (const auto spacing = Length(node, "char-spacing")) style.char_spacing = *spacing;
+    if (node.attribute("border")) style.borders = Borders(node, node.attribute("border").value());
+    if (const auto width = Length(node, "border-width")) style.border_width = *width;
+    style.border_color = ColorAttribute(node, "border-color");
+    style.border_style = Choice<LineStyle>(node, "border-style",
+                                           {{"solid", LineStyle::kSolid}, {"dash", LineStyle::kDash},
+                                            {"dot", LineStyle::kDot}, {"dash-dot", LineStyle::kDashDot},
+                                            {"double", LineStyle::kDouble}});
+    if (node.attribute("padding")) {
+      const auto words = Words(node.attribute("padding").value());
+      std::vector<float> values;
+      for (auto word : words) {
+        if (auto length = ParseLength(word)) values.push_back(*length);
+      }
+      if (values.size() != words.size() || (values.size() != 1 && values.size() != 4)) {
+        Add(Line(node), "\"padding\" takes one length or four (left top right bottom)");
+      } else if (values.size() == 1) {
+        style.padding = Padding{values[0], values[0], values[0], values[0]};
+      } else {
+        style.padding = Padding{values[0], values[1], values[2], values[3]};
+      }
+    }
+  }
+
+  uint8_t Borders(const pugi::xml_node& node, std::string_view text) {
+    uint8_t sides = 0;
+    for (std::string_view word : Words(text)) {
+      if (word == "all") {
+        sides |= kBorderLeft | kBorderTop | kBorderRight | kBorderBottom;
+      } else if (word == "none") {
+      } else if (word == "left") {
+        sides |= kBorderLeft;
+      } else if (word == "top") {
+        sides |= kBorderTop;
+      } else if (word == "right") {
+        sides |= kBorderRight;
+      } else if (word == "bottom") {
+        sides |= kBorderBottom;
+      } else {
+        Add(Line(node), "\"border\" cannot name \"" + std::string(word) + "\"",
+            "use all, none, or any of left top right bottom");
+      }
+    }
+    return sides;
+  }
+
+  void ReadCommon(const pugi::xml_node& node, ObjectCommon& object) {
+    object.name = Text(node, "name");
+    object.print_when = Text(node, "print-when");
+    object.line = Line(node);
+    object.box.x = Length(node, "left").value_or(0);
+    object.box.y = Length(node, "top").value_or(0);
+    object.box.width = Length(node, "width", true).value_or(0);
+    object.box.height = Length(node, "height", true).value_or(0);
+    if (object.box.width < 0 || object.box.height < 0) {
+      Add(Line(node), "width and height cannot be negative");
+    }
+  }
+
+  StretchMode Stretch(const pugi::xml_node& node) {
+    return Choice<StretchMode>(node, "stretch",
+                               {{"none", StretchMode::kNone}, {"false", StretchMode::kNone},
+                                {"grow", StretchMode::kGrow}, {"true", StretchMode::kGrow},
+                                {"band", StretchMode::kBand}})
+        .value_or(StretchMode::kNone);
+  }
+
+  Stroke ReadStroke(const pugi::xml_node& node, const char* width, const char* color,
+                    const char* style, float default_width) {
+    Stroke stroke;
+    stroke.width = Length(node, width).value_or(default_width);
+    stroke.color = ColorAttribute(node, color).value_or(Color::Black());
+    stroke.style = Choice<LineStyle>(node, style,
+                                     {{"solid", LineStyle::kSolid}, {"dash", LineStyle::kDash},
+                                      {"dot", LineStyle::kDot}, {"dash-dot", LineStyle::kDashDot},
+                                      {"double", LineStyle::kDouble}})
+                       .value_or(LineStyle::kSolid);
+    return stroke;
+  }
+
+  std::optional<DesignObject> ReadObject(const pugi::xml_node& node) {
+    const std::string_view kind = node.name();
+    if (kind == "text") {
+      std::initializer_list<const char*> allowed = {
+          "name", "left", "top", "width", "height", "print-when", "style", "format", "stretch",
+          "shrink", "hide-zero", "font", "size", "bold", "italic", "underline", "strikeout",
+          "color", "fill", "align", "valign", "wrap", "clip", "rich", "rotate", "line-spacing",
+          "char-spacing", "border", "border-width", "border-color", "border-style", "padding"};
+      CheckAttributes(node, allowed);
+      TextObject text;
+      ReadCommon(node, text);
+      text.style_name = Text(node, "style");
+      text.format = Text(node, "format");
+      text.stretch = Stretch(node);
+      text.shrink = Flag(node, "shrink", false);
+      text.hide_zero = Flag(node, "hide-zero", false);
+      ReadStyle(node, text.style);
+      // Rich texts keep their markup; it is written escaped or as child elements.
+      std::ostringstream content;
+      for (const pugi::xml_node& child : node.children()) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+          content << child.value();
+        } else if (child.type() == pugi::node_element) {
+          child.print(content, "", pugi::format_raw);
+        }
+      }
+      text.text = Trimmed(content.str());
+      return text;
+    }
+    if (kind == "picture") {
+      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "source",
+                             "fit", "border", "border-width", "border-color", "border-style"});
+      PictureObject picture;
+      ReadCommon(node, picture);
+      picture.source = Text(node, "source");
+      picture.fit = Choice<ImageFit>(node, "fit",
+                                     {{"contain", ImageFit::kContain}, {"stretch", ImageFit::kStretch},
+                                      {"center", ImageFit::kCenter}, {"cover", ImageFit::kCover}})
+                        .value_or(ImageFit::kContain);
+      if (node.attribute("border")) picture.borders = Borders(node, node.attribute("border").value());
+      picture.border = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
+      return picture;
+    }
+    if (kind == "barcode") {
+      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "type", "data",
+                             "level", "show-text", "color", "background"});
+      BarcodeObject barcode;
+      ReadCommon(node, barcode);
+      barcode.type = node.attribute("type") ? node.attribute("type").value() : "qr";
+      barcode.data = Text(node, "data", true);
+      const std::string level = Text(node, "level");
+      if (!level.empty()) {
+        if (level.size() != 1 || std::string_view("LMQHlmqh").find(level[0]) == std::string_view::npos) {
+          Add(Line(node), "\"level\" must be L, M, Q or H");
+        } else {
+          barcode.qr_level = static_cast<char>(std::toupper(static_cast<unsigned char>(level[0])));
+        }
+      }
+      barcode.show_text = Flag(node, "show-text", true);
+      barcode.color = ColorAttribute(node, "color").value_or(Color::Black());
+      barcode.background = ColorAttribute(node, "background").value_or(Color::None());
+      return barcode;
+    }
+    if (kind == "line") {
+      CheckAttributes(node, {"name", "x1", "y1", "x2", "y2", "print-when", "width", "color",
+                             "style", "grow-with-band"});
+      LineObject line;
+      line.name = Text(node, "name");
+      line.print_when = Text(node, "print-when");
+      line.line = Line(node);
+      line.from = {Length(node, "x1", true).value_or(0), Length(node, "y1", true).value_or(0)};
+      line.to = {Length(node, "x2", true).value_or(0), Length(node, "y2", true).value_or(0)};
+      line.stroke = ReadStroke(node, "width", "color", "style", 0.5f);
+      line.grow_with_band = Flag(node, "grow-with-band", false);
+      line.box = {std::min(line.from.x, line.to.x), std::min(line.from.y, line.to.y),
+                  std::abs(line.to.x - line.from.x), std::abs(line.to.y - line.from.y)};
+      return line;
+    }
+    if (kind == "rect") {
+      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "fill",
+                             "border-width", "border-color", "border-style", "radius",
+                             "grow-with-band"});
+      RectObject rect;
+      ReadCommon(node, rect);
+      rect.fill = ColorAttribute(node, "fill").value_or(Color::None());
+      rect.stroke = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
+      rect.corner_radius = Length(node, "radius").value_or(0);
+      rect.grow_with_band = Flag(node, "grow-with-band", false);
+      return rect;
+    }
+    return std::nullopt;
+  }
+
+  // A band's attributes and objects; "extra" are the child elements the caller reads itself.
+  Band ReadBand(const pugi::xml_node& node, BandKind kind,
+                std::initializer_list<const char*> extra = {}) {
+    Band band;
+    band.kind = kind;
+    band.line = Line(node);
+    band.name = Text(node, "name");
+    band.height = Length(node, "height", true).value_or(0);
+    band.stretch = Flag(node, "stretch", true);
+    band.keep_together = Flag(node, "keep-together", false);
+    band.start_new_page = Flag(node, "start-new-page", false);
+    band.repeat = Flag(node, "repeat", kind == BandKind::kDataHeader);
+    band.print_on_first_page = Flag(node, "print-on-first-page", true);
+    band.print_on_last_page = Flag(node, "print-on-last-page", true);
+    band.print_if_empty = Flag(node, "print-if-empty", false);
+    band.print_when = Text(node, "print-when");
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() != pugi::node_element) continue;
+      const std::string_view name = child.name();
+      if (auto object = ReadObject(child)) {
+        band.objects.push_back(std::move(*object));
+      } else if (name == "child") {
+        CheckAttributes(child, kBandAttributes);
+        band.children.push_back(ReadBand(child, BandKind::kChild));
+      } else if (std::none_of(extra.begin(), extra.end(),
+                              [&](const char* e) { return name == e; })) {
+        Unknown(child, ("<" + std::string(node.name()) + ">").c_str(),
+                {"text", "picture", "barcode", "line", "rect", "child"});
+      }
+    }
+    return band;
+  }
+
+  static constexpr std::initializer_list<const char*> kBandAttributes = {
+      "name", "height", "stretch", "keep-together", "start-new-page", "repeat",
+      "print-on-first-page", "print-on-last-page", "print-if-empty", "print-when"};
+
+  DataBand ReadData(const pugi::xml_node& node) {
+    CheckAttributes(node, {"name", "height", "stretch", "keep-together", "start-new-page",
+                           "print-when", "query", "rows"});
+    DataBand data;
+    data.band = ReadBand(node, BandKind::kData, {"header", "footer", "group", "data"});
+    data.query = Text(node, "query");
+    if (const auto rows = Number(node, "rows")) {
+      if (*rows < 0 || *rows > 100000 || *rows != std::floor(*rows)) {
+        Add(Line(node), "\"rows\" must be a whole number from 0 to 100000");
+      } else {
+        data.rows = static_cast<int>(*rows);
+      }
+    }
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() != pugi::node_element) continue;
+      const std::string_view name = child.name();
+      if (name == "header") {
+        CheckAttributes(child, kBandAttributes);
+        if (data.header) Add(Line(child), "a data band has one <header>");
+        data.header = ReadBand(child, BandKind::kDataHeader);
+      } else if (name == "footer") {
+        CheckAttributes(child, kBandAttributes);
+        if (data.footer) Add(Line(child), "a data band has one <footer>");
+        data.footer = ReadBand(child, BandKind::kDataFooter);
+      } else if (name == "group") {
+        data.groups.push_back(ReadGroup(child));
+      } else if (name == "data") {
+        data.details.push_back(ReadData(child));
+      }
+    }
+    return data;
+  }
+
+  Group ReadGroup(const pugi::xml_node& node) {
+    CheckAttributes(node, {"name", "condition", "keep-together", "start-new-page", "repeat-header"});
+    Group group;
+    group.line = Line(node);
+    group.name = Text(node, "name");
+    group.condition = Text(node, "condition", true);
+    group.keep_together = Flag(node, "keep-together", false);
+    group.start_new_page = Flag(node, "start-new-page", false);
+    group.repeat_header = Flag(node, "repeat-header", false);
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() != pugi::node_element) continue;
+      const std::string_view name = child.name();
+      if (name == "header") {
+        CheckAttributes(child, kBandAttributes);
+        group.header = ReadBand(child, BandKind::kGroupHeader);
+      } else if (name == "footer") {
+        CheckAttributes(child, kBandAttributes);
+        group.footer = ReadBand(child, BandKind::kGroupFooter);
+      } else {
+        Unknown(child, "<group>", {"header", "footer"});
+      }
+    }
+    return group;
+  }
+
+  void ReadPage(const pugi::xml_node& node, PageSetup& page) {
+    CheckAttributes(node, {"size", "orientation", "margin", "margin-left", "margin-top",
+                           "margin-right", "margin-bottom", "columns", "column-gap",
+                           "column-order", "printer"});
+    if (node.attribute("size")) {
+      const std::string size = node.attribute("size").value();
+      struct Named {
+        const char* name;
+        double width, height;
+      };
+      static constexpr Named kSizes[] = {{"A3", 297, 420}, {"A4", 210, 297}, {"A5", 148, 210},
+                                         {"A6", 105, 148}, {"Letter", 215.9, 279.4},
+                                         {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
+      bool known = false;
+      for (const Named& named : kSizes) {
+        if (EqualsNoCase(size, named.name)) {
+          page.size = {static_cast<float>(Mm(named.width)), static_cast<float>(Mm(named.height))};
+          known = true;
+        }
+      }
+      if (!known) {
+        const auto words = Words(size);
+        std::optional<float> width = words.size() == 2 ? ParseLength(words[0]) : std::nullopt;
+        std::optional<float> height;
+        if (words.size() == 2 && words[1] == "auto") {
+          page.roll = true;
+          height = static_cast<float>(Mm(297));
+        } else if (words.size() == 2) {
+          height = ParseLength(words[1]);
+        }
+        if (!width || !height || *width <= 0 || *height <= 0) {
+          Add(Line(node), "page size \"" + size + "\" is not known",
+              "use A3, A4, A5, A6, B5, Letter, Legal, \"<width> <height>\" or \"<width> auto\" "
+              "for roll paper");
+        } else {
+          page.size = {*width, *height};
+        }
+      }
+    }
+    page.landscape = Choice<bool>(node, "orientation", {{"portrait", false}, {"landscape", true}})
+                         .value_or(false);
+    if (page.landscape && !page.roll) std::swap(page.size.width, page.size.height);
+    if (node.attribute("margin")) {
+      const auto words = Words(node.attribute("margin").value());
+      std::vector<float> values;
+      for (auto word : words) {
+        if (auto length = ParseLength(word)) values.push_back(*length);
+      }
+      if (values.size() != words.size() || (values.size() != 1 && values.size() != 4)) {
+        Add(Line(node), "\"margin\" takes one length or four (left top right bottom)");
+      } else if (values.size() == 1) {
+        page.margin_left = page.margin_top = page.margin_right = page.margin_bottom = values[0];
+      } else {
+        page.margin_left = values[0];
+        page.margin_top = values[1];
+        page.margin_right = values[2];
+        page.margin_bottom = values[3];
+      }
+    }
+    page.margin_left = Length(node, "margin-left").value_or(page.margin_left);
+    page.margin_top = Length(node, "margin-top").value_or(page.margin_top);
+    page.margin_right = Length(node, "margin-right").value_or(page.margin_right);
+    page.margin_bottom = Length(node, "margin-bottom").value_or(page.margin_bottom);
+    if (const auto columns = Number(node, "columns")) {
+      if (*columns < 1 || *columns > 50 || *columns != std::floor(*columns)) {
+        Add(Line(node), "\"columns\" must be a whole number from 1 to 50");
+      } else {
+        page.columns = static_cast<int>(*columns);
+      }
+    }
+    page.column_gap = Length(node, "column-gap").value_or(0);
+    page.columns_across =
+        Choice<bool>(node, "column-order", {{"down", false}, {"across", true}}).value_or(false);
+    page.printer = Text(node, "printer");
+    if (page.margin_left + page.margin_right >= page.size.width ||
+        (!page.roll && page.margin_top + page.margin_bottom >= page.size.height)) {
+      Add(Line(node), "the margins leave no room on the page");
+    }
+  }
+
+  void ReadQuery(const pugi::xml_node& node, Template& design) {
+    CheckAttributes(node, {"name", "database"});
+    Query query;
+    query.line = Line(node);
+    query.name = Text(node, "name", true);
+    query.database = Text(node, "database");
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() != pugi::node_element) continue;
+      const std::string_view name = child.name();
+      if (name == "sql") {
+        CheckAttributes(child, {});
+        query.sql = Trimmed(child.text().get());
+      } else if (name == "param") {
+        CheckAttributes(child, {"name", "type", "default", "value"});
+        QueryParam param;
+        param.line = Line(child);
+        param.name = Text(child, "name", true);
+        param.type = Choice<ParamType>(child, "type",
+                                       {{"integer", ParamType::kInteger},
+                                        {"number", ParamType::kNumber},
+                                        {"text", ParamType::kText}, {"date", ParamType::kDate}})
+                         .value_or(ParamType::kText);
+        param.default_value = Text(child, "default");
+        param.value = Text(child, "value");
+        query.params.push_back(std::move(param));
+      } else {
+        Unknown(child, "<query>", {"sql", "param"});
+      }
+    }
+    if (query.sql.empty()) {
+      Add(query.line, "query \"" + query.name + "\" has no <sql>",
+          "the print method may set it, but the template should hold a working default");
+    }
+    design.queries.push_back(std::move(query));
+  }
+
+  void ReadReport(const pugi::xml_node& root, Template& design) {
+    CheckAttributes(root, {"format", "version", "name"});
+    const std::string format = Text(root, "format");
+    if (format != "vantorel-template") {
+      Add(Line(root), "this is not a Vantorel template (format=\"" + format + "\")",
+          "the root element is <report format=\"vantorel-template\" version=\"1\">");
+      return;
+    }
+    const std::string version = Text(root, "version");
+    if (version != std::to_string(kTemplateFormatVersion)) {
+      Add(Line(root), "template format version \"" + version + "\" is not supported",
+          "this Vantorel reads version " + std::to_string(kTemplateFormatVersion) +
+              "; a newer template needs a newer Vantorel");
+      return;
+    }
+    design.name = Text(root, "name");
+    for (const pugi::xml_node& node : root.children()) {
+      if (node.type() != pugi::node_element) continue;
+      const std::string_view name = node.name();
+      if (name == "info") {
+        CheckAttributes(node, {"title", "author", "subject"});
+        design.info.title = Text(node, "title");
+        design.info.author = Text(node, "author");
+        design.info.subject = Text(node, "subject");
+      } else if (name == "page") {
+        ReadPage(node, design.page);
+      } else if (name == "database") {
+        CheckAttributes(node, {"name"});
+        design.databases.push_back(Text(node, "name", true));
+      } else if (name == "query") {
+        ReadQuery(node, design);
+      } else if (name == "variable") {
+        CheckAttributes(node, {"category", "name", "value"});
+        design.variables.push_back(
+            {Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node)});
+      } else if (name == "style") {
+        std::initializer_list<const char*> allowed = {
+            "name", "based-on", "font", "size", "bold", "italic", "underline", "strikeout",
+            "color", "fill", "align", "valign", "wrap", "clip", "rich", "rotate", "line-spacing",
+            "char-spacing", "border", "border-width", "border-color", "border-style", "padding"};
+        CheckAttributes(node, allowed);
+        StyleSpec style;
+        style.based_on = Text(node, "based-on");
+        ReadStyle(node, style);
+        const std::string style_name = Text(node, "name", true);
+        if (design.styles.count(style_name)) Add(Line(node), "style \"" + style_name + "\" is defined twice");
+        design.styles[style_name] = std::move(style);
+      } else if (name == "page-header") {
+        ReadSingleBand(node, BandKind::kPageHeader, design.page_header);
+      } else if (name == "page-footer") {
+        ReadSingleBand(node, BandKind::kPageFooter, design.page_footer);
+      } else if (name == "title") {
+        ReadSingleBand(node, BandKind::kTitle, design.title);
+      } else if (name == "summary") {
+        ReadSingleBand(node, BandKind::kSummary, design.summary);
+      } else if (name == "column-header") {
+        ReadSingleBand(node, BandKind::kColumnHeader, design.column_header);
+      } else if (name == "column-footer") {
+        ReadSingleBand(node, BandKind::kColumnFooter, design.column_footer);
+      } else if (name == "data") {
+        design.data.push_back(ReadData(node));
+      } else {
+        Unknown(node, "<report>",
+                {"info", "page", "database", "query", "variable", "style", "page-header",
+                 "page-footer", "title", "summary", "column-header", "column-footer", "data"});
+      }
+    }
+  }
+
+  void ReadSingleBand(const pugi::xml_node& node, BandKind kind, std::optional<Band>& slot) {
+    CheckAttributes(node, kBandAttributes);
+    if (slot) Add(Line(node), std::string("a template has one <") + node.name() + ">");
+    slot = ReadBand(node, kind);
+  }
+
+  std::string_view xml_;
+  std::string file_;
+  std::vector<size_t> line_starts_;
+  std::vector<Problem> problems_;
+};
+
+}  // namespace
+
+const char* BandElementName(BandKind kind) {
+  switch (kind) {
+    case BandKind::kPageHeader: return "page-header";
+    case BandKind::kPageFooter: return "page-footer";
+    case BandKind::kTitle: return "title";
+    case BandKind::kSummary: return "summary";
+    case BandKind::kColumnHeader: return "column-header";
+    case BandKind::kColumnFooter: return "column-footer";
+    case BandKind::kData: return "data";
+    case BandKind::kDataHeader: return "header";
+    case BandKind::kDataFooter: return "footer";
+    case BandKind::kGroupHeader: return "header";
+    case BandKind::kGroupFooter: return "footer";
+    case BandKind::kChild: return "child";
+  }
+  return "band";
+}
+
+std::string FormatProblems(const std::vector<Problem>& problems) {
+  std::string text;
+  for (const Problem& problem : problems) {
+    text += problem.file;
+    if (problem.line > 0) text += ":" + std::to_string(problem.line);
+    text += ": " + problem.message;
+    if (!problem.hint.empty()) text += " (" + problem.hint + ")";
+    text += '\n';
+  }
+  return text;
+}
+
+TemplateError::TemplateError(std::vector<Problem> problems)
+    : std::runtime_error(FormatProblems(problems)), problems_(std::move(problems)) {}
+
+Template ParseTemplate(std::string_view xml, const std::string& file) {
+  return Reader(xml, file).Read();
+}
+
+Template LoadTemplateFile(const std::string& path) {
+  std::ifstream in(NativePath(path), std::ios::binary);
+  if (!in) {
+    throw TemplateError({{path, 0, "cannot read the template file", "check the path and rights"}});
+  }
+  std::stringstream content;
+  content << in.rdbuf();
+  return ParseTemplate(content.str(), path);
+}
+
+std::optional<float> ParseLength(std::string_view text) {
+  text = std::string_view(text.data(), text.size());
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  struct Unit {
+    const char* suffix;
+    double points;
+  };
+  static constexpr Unit kUnits[] = {{"mm", 72.0 / 25.4}, {"cm", 72.0 / 2.54}, {"in", 72.0}, {"pt", 1.0}};
+  double factor = 72.0 / 25.4;
+  for (const Unit& unit : kUnits) {
+    const std::string_view suffix = unit.suffix;
+    if (text.size() > suffix.size() && text.substr(text.size() - suffix.size()) == suffix) {
+      text.remove_suffix(suffix.size());
+      factor = unit.points;
+      break;
+    }
+  }
+  const std::optional<double> number = ParseNumber(text);
+  if (!number || std::fabs(*number) > 100000) return std::nullopt;
+  return static_cast<float>(*number * factor);
+}
+
+std::optional<Color> ParseColor(std::string_view text) {
+  struct Named {
+    const char* name;
+    Color color;
+  };
+  static constexpr Named kNames[] = {
+      {"black", {0, 0, 0, 255}},        {"white", {255, 255, 255, 255}},
+      {"red", {220, 20, 20, 255}},      {"green", {0, 128, 0, 255}},
+      {"blue", {0, 0, 200, 255}},       {"gray", {128, 128, 128, 255}},
+      {"grey", {128, 128, 128, 255}},   {"lightgray", {211, 211, 211, 255}},
+      {"silver", {192, 192, 192, 255}}, {"maroon", {128, 0, 0, 255}},
+      {"navy", {0, 0, 128, 255}},       {"teal", {0, 128, 128, 255}},
+      {"orange", {255, 140, 0, 255}},   {"transparent", {0, 0, 0, 0}},
+      {"none", {0, 0, 0, 0}}};
+  for (const Named& named : kNames) {
+    if (EqualsNoCase(text, named.name)) return named.color;
+  }
+  if (text.empty() || text[0] != '#') return std::nullopt;
+  const std::string_view hex = text.substr(1);
+  auto digit = [](char c) -> int {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+  };
+  for (char c : hex) {
+    if (digit(c) < 0) return std::nullopt;
+  }
+  auto byte = [&](size_t i) { return static_cast<uint8_t>(digit(hex[i]) * 16 + digit(hex[i + 1])); };
+  if (hex.size() == 3) {
+    return Color{static_cast<uint8_t>(digit(hex[0]) * 17), static_cast<uint8_t>(digit(hex[1]) * 17),
+                 static_cast<uint8_t>(digit(hex[2]) * 17), 255};
+  }
+  if (hex.size() == 6) return Color{byte(0), byte(2), byte(4), 255};
+  if (hex.size() == 8) return Color{byte(0), byte(2), byte(4), byte(6)};
+  return std::nullopt;
+}
+
+}  // namespace vantorel::report

@@ -1,0 +1,54 @@
+// The two ways text gets laid out, behind LayOut: our own HarfBuzz shaping and greedy wrapping
+// for plain single-font text, and a PangoLayout for the rest. Both place lines by the same rules
+// (LineGeometry) so a text measures the same whichever way it went.
+//
+// Thread-safety: use the calling thread's fonts.
+#ifndef VANTOREL_REPORT_TEXT_LAYOUT_PATHS_H_
+#define VANTOREL_REPORT_TEXT_LAYOUT_PATHS_H_
+
+#include <string_view>
+
+#include "report/document/document.h"
+#include "report/text/fonts.h"
+#include "report/text/layout.h"
+#include "report/text/rich_text.h"
+
+namespace vantorel::report::text {
+
+// Where lines go: each line's natural height is its font's ascent plus descent; line spacing
+// multiplies the distance from one line's top to the next; alignment shifts a line within the
+// available width (justified lines are stretched by the path itself, so they align left).
+class LineGeometry {
+ public:
+  LineGeometry(const TextStyle& style, float width, bool bounded)
+      : style_(style), width_(width), bounded_(bounded) {}
+
+  // Adds a line and returns it placed; "width" excludes trailing spaces.
+  TextLine& Add(LaidOutText& out, float ascent, float descent, float width, uint32_t begin,
+                uint32_t end) const;
+
+  // True when a line may be wrapped at "width_" points.
+  bool bounded() const { return bounded_; }
+  float width() const { return width_; }
+
+ private:
+  const TextStyle& style_;
+  float width_;
+  bool bounded_;
+};
+
+// True when the fast path lays "text" out exactly as Pango would: valid UTF-8, no control
+// characters but line breaks, only scripts without shaping subtleties, every character in
+// "font".
+bool CanLayOutFast(std::string_view text, const FontInfo& font);
+
+LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const FontInfo& font,
+                       const LineGeometry& geometry);
+
+// "plain" laid out by Pango; line byte ranges are mapped back through plain.source.
+LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style,
+                            const FontInfo& primary, const LineGeometry& geometry);
+
+}  // namespace vantorel::report::text
+
+#endif  // VANTOREL_REPORT_TEXT_LAYOUT_PATHS_H_

@@ -1,0 +1,60 @@
+// The small markup of rich text boxes — <b> <i> <u> <br/> <font color="" size="" face=""> and the
+// entities &amp; &lt; &gt; &quot; &apos; &nbsp; &#N; &#xN; — read into plain text plus styled
+// spans. Anything else is text: an unknown or malformed tag is shown as written, never dropped
+// and never passed to Pango's markup parser.
+//
+// Thread-safety: pure functions.
+#ifndef VANTOREL_REPORT_TEXT_RICH_TEXT_H_
+#define VANTOREL_REPORT_TEXT_RICH_TEXT_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "report/document/geometry.h"
+
+namespace vantorel::report::text {
+
+struct RichSpan {
+  uint32_t begin = 0, end = 0;  // bytes of PlainText::text
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+  bool has_color = false;
+  Color color;
+  float size = 0;    // points; 0 keeps the style's size
+  std::string face;  // empty keeps the style's family
+};
+
+struct PlainText {
+  std::string text;
+  // source[i] is where the source's share of text bytes i… begins: the markup of byte i itself,
+  // with the opening tags just before it (closing tags stay with what they close);
+  // source[text.size()] is the source's size. Lets a line boundary be reported in the caller's
+  // text so that each side keeps its own markup.
+  std::vector<uint32_t> source;
+  std::vector<RichSpan> spans;  // only spans with some styling, in order, not overlapping
+};
+
+// Reads "markup". Never fails.
+PlainText ParseRichText(std::string_view markup);
+
+// "text" with invalid UTF-8 sequences replaced by U+FFFD, keeping the byte map to the source.
+PlainText ValidUtf8(std::string_view text);
+
+// The code point at byte "i" of "text", advancing "i" past it; -1 (advancing one byte) for an
+// invalid or truncated sequence, an overlong form or a surrogate.
+int32_t NextCodePoint(std::string_view text, size_t& i);
+
+// Appends code point "c" as UTF-8.
+void AppendUtf8(std::string& out, uint32_t c);
+
+// True when "text" holds no '<' and no '&': rich text that is plain after all.
+inline bool HasMarkup(std::string_view text) {
+  return text.find_first_of("<&") != std::string_view::npos;
+}
+
+}  // namespace vantorel::report::text
+
+#endif  // VANTOREL_REPORT_TEXT_RICH_TEXT_H_

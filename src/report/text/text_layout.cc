@@ -1,0 +1,184 @@
+#include "report/text/text_layout.h"
+
+#include <algorithm>
+#include <cstring>
+#include <list>
+#include <string>
+#include <unordered_map>
+
+#include "report/text/layout.h"
+#include "report/text/layout_paths.h"
+
+namespace vantorel::report::text {
+namespace {
+
+constexpr size_t kDefaultBudget = size_t{32} << 20;
+
+size_t ApproximateBytes(const LaidOutText& text, size_t key_size) {
+  size_t bytes = sizeof(LaidOutText) + key_size + 96;  // 96: list, index and control blocks
+  bytes += text.lines.capacity() * sizeof(TextLine);
+  for (const GlyphRun& run : text.runs) {
+    bytes += sizeof(GlyphRun) + run.glyphs.capacity() * sizeof(cairo_glyph_t) +
+             run.utf8.capacity() + run.clusters.capacity() * sizeof(cairo_text_cluster_t);
+  }
+  return bytes;
+}
+
+// Everything that changes where glyphs go — not colour, decorations, fill, borders, rotation or
+// clipping, which are applied when drawing.
+void AppendKey(std::string& key, std::string_view text, const TextStyle& style, float width) {
+  const float numbers[] = {width, style.size, style.line_spacing, style.char_spacing};
+  const char flags[] = {static_cast<char>(style.bold | style.italic << 1 | style.wrap << 2 |
+                                          style.rich << 3),
+                        static_cast<char>(style.halign)};
+  key.reserve(sizeof numbers + sizeof flags + style.font_family.size() + 1 + text.size());
+  key.append(reinterpret_cast<const char*>(numbers), sizeof numbers);
+  key.append(flags, sizeof flags);
+  key.append(style.font_family);
+  key += '\0';
+  key.append(text);
+}
+
+class LayoutCache {
+ public:
+  std::shared_ptr<const LaidOutText> Find(const std::string& key) {
+    const auto found = index_.find(key);
+    if (found == index_.end()) {
+      ++stats_.misses;
+      return nullptr;
+    }
+    ++stats_.hits;
+    entries_.splice(entries_.begin(), entries_, found->second);
+    return found->second->value;
+  }
+
+  void Insert(std::string key, std::shared_ptr<const LaidOutText> value) {
+    if (budget_ == 0 || value->bytes > budget_ / 4) return;
+    entries_.push_front({std::move(key), value});
+    index_.emplace(entries_.front().key, entries_.begin());
+    bytes_ += value->bytes;
+    while (bytes_ > budget_) {
+      const Entry& oldest = entries_.back();
+      bytes_ -= oldest.value->bytes;
+      index_.erase(oldest.key);
+      entries_.pop_back();
+    }
+  }
+
+  LayoutCacheStats Stats() const {
+    LayoutCacheStats stats = stats_;
+    stats.entries = entries_.size();
+    stats.bytes = bytes_;
+    return stats;
+  }
+
+  void Clear() {
+    index_.clear();
+    entries_.clear();
+    bytes_ = 0;
+    stats_ = {};
+  }
+
+  void SetBudget(size_t budget) {
+    budget_ = budget;
+    if (budget_ == 0) Clear();
+  }
+
+ private:
+  struct Entry {
+    std::string key;
+    std::shared_ptr<const LaidOutText> value;
+  };
+  std::list<Entry> entries_;  // most recently used first
+  std::unordered_map<std::string_view, std::list<Entry>::iterator> index_;
+  size_t bytes_ = 0;
+  size_t budget_ = kDefaultBudget;
+  LayoutCacheStats stats_;
+};
+
+LayoutCache& Cache() {
+  thread_local LayoutCache cache;
+  return cache;
+}
+
+LaidOutText LayOutUncached(std::string_view text, const TextStyle& style, float width) {
+  const LineGeometry geometry(style, width, width > 0);
+  if (text.empty() || !(style.size > 0)) return {};
+  const FontInfo& font =
+      ThreadFonts::Current().Primary(style.font_family, style.bold, style.italic, style.size);
+  const bool markup = style.rich && HasMarkup(text);
+  if (!markup && CanLayOutFast(text, font)) return LayOutFast(text, style, font, geometry);
+  return LayOutWithPango(markup ? ParseRichText(text) : ValidUtf8(text), style, font, geometry);
+}
+
+}  // namespace
+
+TextLine& LineGeometry::Add(LaidOutText& out, float ascent, float descent, float width,
+                            uint32_t begin, uint32_t end) const {
+  TextLine line;
+  if (!out.lines.empty()) {
+    const TextLine& previous = out.lines.back();
+    line.top = previous.top + previous.height * style_.line_spacing;
+  }
+  line.height = ascent + descent;
+  line.baseline = line.top + ascent;
+  line.width = width;
+  if (width_ > 0) {
+    switch (style_.halign) {
+      case HAlign::kCenter:
+        line.left = (width_ - width) / 2;
+        break;
+      case HAlign::kRight:
+        line.left = width_ - width;
+        break;
+      case HAlign::kLeft:
+      case HAlign::kJustify:
+        break;
+    }
+  }
+  line.begin = begin;
+  line.end = end;
+  out.size.width = std::max(out.size.width, width);
+  out.size.height = line.top + line.height;
+  out.lines.push_back(line);
+  return out.lines.back();
+}
+
+std::shared_ptr<const LaidOutText> LayOut(std::string_view text, const TextStyle& style,
+                                          float width) {
+  thread_local std::string key;
+  key.clear();
+  AppendKey(key, text, style, width);
+  LayoutCache& cache = Cache();
+  if (auto found = cache.Find(key)) return found;
+  auto laid_out = std::make_shared<LaidOutText>(LayOutUncached(text, style, width));
+  laid_out->bytes = ApproximateBytes(*laid_out, key.size());
+  cache.Insert(key, laid_out);
+  return laid_out;
+}
+
+LayoutCacheStats GetLayoutCacheStats() { return Cache().Stats(); }
+
+void ClearLayoutCache() { Cache().Clear(); }
+
+void SetLayoutCacheBudget(size_t bytes) { Cache().SetBudget(bytes); }
+
+SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
+  return LayOut(text, style, width)->size;
+}
+
+size_t FitText(std::string_view text, const TextStyle& style, float width, float height) {
+  const auto laid_out = LayOut(text, style, width);
+  const std::vector<TextLine>& lines = laid_out->lines;
+  constexpr float kTolerance = 0.01f;  // float rounding of heights that were summed elsewhere
+  size_t fitting = 0;
+  while (fitting < lines.size() &&
+         lines[fitting].top + lines[fitting].height <= height + kTolerance) {
+    ++fitting;
+  }
+  if (fitting == lines.size()) return text.size();
+  if (fitting == 0) return 0;
+  return std::min<size_t>(lines[fitting].begin, text.size());
+}
+
+}  // namespace vantorel::report::text

@@ -1,0 +1,31 @@
+// Text layout, shared by the fill stage (how tall a stretching memo must be, where a tall text
+// splits across pages) and the renderers (what to paint). Text is laid out with our own
+// deterministic font setup — 72 dpi, no hinting, hint metrics off, a private font configuration
+// holding only the fonts we install — so a line breaks at the same place in the preview, the PNG,
+// the PDF and on paper.
+//
+// Thread-safety: every function may be called from any thread; each thread keeps its own font
+// map and layout cache.
+#ifndef VANTOREL_REPORT_TEXT_TEXT_LAYOUT_H_
+#define VANTOREL_REPORT_TEXT_TEXT_LAYOUT_H_
+
+#include <cstddef>
+#include <string_view>
+
+#include "report/document/document.h"
+
+namespace vantorel::report::text {
+
+// The size of "text" laid out with "style" (font, wrapping, spacing, markup when style.rich) in a
+// line width of "width" points (the box's width less its padding; for rotated text, the box's
+// height less padding). Height is the sum of the line heights; width the widest line.
+SizeF MeasureText(std::string_view text, const TextStyle& style, float width);
+
+// For a text too tall for "height": the byte offset in "text" where the first part ends, at a
+// line boundary, so that text[0, offset) fits. Returns text.size() when everything fits and 0
+// when not even one line fits.
+size_t FitText(std::string_view text, const TextStyle& style, float width, float height);
+
+}  // namespace vantorel::report::text
+
+#endif  // VANTOREL_REPORT_TEXT_TEXT_LAYOUT_H_

@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+
+#include "data/connection.h"
+#include "temp_database.h"
+#include "vantorel/error.h"
+
+namespace vantorel::data {
+namespace {
+
+class DataSqlite : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    path_ = folder_.File("dms.db");
+    testing::CreateSqlite(path_, testing::kDealershipScript);
+  }
+
+  // Every row of "sql" run on a fresh connection.
+  std::vector<std::vector<Value>> Rows(const std::string& sql,
+                                       const std::map<std::string, ParamValue>& params = {}) {
+    const auto connection = Connection::Open(path_);
+    const auto cursor = connection->Execute(sql, params);
+    std::vector<std::vector<Value>> rows;
+    std::vector<Value> row;
+    while (cursor->Next(row)) rows.push_back(row);
+    return rows;
+  }
+
+  Value One(const std::string& sql, const std::map<std::string, ParamValue>& params = {}) {
+    const auto rows = Rows(sql, params);
+    EXPECT_EQ(rows.size(), 1u) << sql;
+    return rows.empty() || rows[0].empty() ? Value() : rows[0][0];
+  }
+
+  Error ErrorOf(const std::string& sql) {
+    try {
+      Rows(sql);
+    } catch (const Error& error) {
+      return error;
+    }
+    ADD_FAILURE() << "no error for " << sql;
+    return Error(0, "", "");
+  }
+
+  testing::TempFolder folder_;
+  std::string path_;
+};
+
+TEST_F(DataSqlite, ColumnsCarryNamesAndDeclaredTypes) {
+  const auto connection = Connection::Open("Provider=SQLite;Data Source=" + path_);
+  const auto cursor = connection->Execute(
+      "select enq_id, cname, amount, enq_id + 1 as next "
+      "from enquiry");
+  ASSERT_EQ(cursor->columns().size(), 4u);
+  EXPECT_EQ(cursor->columns()[0].name, "enq_id");
+  EXPECT_EQ(cursor->columns()[0].declared_type, "INTEGER");
+  EXPECT_EQ(cursor->columns()[2].declared_type, "NUMERIC(12,2)");
+  EXPECT_EQ(cursor->columns()[3].name, "next");
+  EXPECT_EQ(cursor->columns()[3].declared_type, "");
+}
+
+TEST_F(DataSqlite, ValuesComeTyped) {
+  const auto rows = Rows(
+      "select enq_id, cname, enq_date, amount, visited, hot, photo, rate "
+      "from enquiry order by enq_id");
+  ASSERT_EQ(rows.size(), 4u);
+  EXPECT_EQ(rows[0][0], Value::Integer(1));
+  EXPECT_EQ(rows[0][1], Value::Text("Ramesh Kumar"));
+  EXPECT_EQ(rows[0][2], Value::FromDate(Date::FromYmd(2024, 3, 30)));
+  EXPECT_EQ(rows[0][3], Value::Decimal("60000.1"));
+  EXPECT_EQ(rows[0][4], Value::FromDateTime(Date::FromParts({2024, 3, 30, 10, 15, 0})));
+  EXPECT_EQ(rows[0][5], Value::Boolean(true));
+  EXPECT_EQ(rows[0][6], Value::Blob(std::string("\x00\xff\x10", 3)));
+  EXPECT_EQ(rows[0][7], Value::Real(0.1));
+  EXPECT_EQ(rows[1][1], Value::Text("सुनीता देवी ₹"));
+  EXPECT_EQ(rows[1][5], Value::Boolean(false));
+}
+
+TEST_F(DataSqlite, NullsStayNull) {
+  const auto rows = Rows("select * from enquiry where enq_id = 4");
+  ASSERT_EQ(rows.size(), 1u);
+  for (size_t i = 1; i < rows[0].size(); ++i) EXPECT_TRUE(rows[0][i].is_null()) << i;
+}
+
+TEST_F(DataSqlite, MoneyStaysExact) {
+  EXPECT_EQ(ToText(One("select amount from enquiry where enq_id = 2")), "125000.5");
+  EXPECT_EQ(ToText(One("select amount from enquiry where enq_id = 3")), "99.99");
+  EXPECT_EQ(One("select sum(amount) from enquiry"), Value::Real(185100.59))
+      << "an expression has no declared type, so a sum is a plain double";
+}
+
+TEST_F(DataSqlite, WholeAmountsInDecimalColumnsAreDecimals) {
+  testing::CreateSqlite(path_,
+                        "create table price (p decimal(10,2), m money, t numeric);"
+                        "insert into price values ('60000.00', 15, '12.50');");
+  const auto rows = Rows("select p, m, t from price");
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0][0], Value::Decimal("60000"));
+  EXPECT_EQ(rows[0][1], Value::Decimal("15"));
+  EXPECT_EQ(rows[0][2], Value::Decimal("12.5"));
+}
+
+TEST_F(DataSqlite, DatesInOtherFormsStayText) {
+  testing::CreateSqlite(path_,
+                        "create table d (a date, b timestamp, c time);"
+                        "insert into d values ('31/03/2024', '2024/03/31 08:00', '10:30');");
+  const auto rows = Rows("select a, b, c from d");
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0][0], Value::Text("31/03/2024"));
+  EXPECT_EQ(rows[0][1], Value::FromDateTime(Date::FromParts({2024, 3, 31, 8, 0, 0})));
+  EXPECT_EQ(rows[0][2], Value::Text("10:30"));
+}
+
+TEST_F(DataSqlite, NamedParametersBindByNameWithoutCase) {
+  EXPECT_EQ(One("select cname from enquiry where enq_id = :ID", {{"id", int64_t{3}}}),
+            Value::Text("Amit"));
+  EXPECT_EQ(
+      One("select enq_id from enquiry where cname = :name", {{"Name", std::string("सुनीता देवी ₹")}}),
+      Value::Integer(2));
+  EXPECT_EQ(
+      One("select enq_id from enquiry where enq_date = :d", {{"d", Date::FromYmd(2024, 4, 1)}}),
+      Value::Integer(3));
+  EXPECT_EQ(One("select enq_id from enquiry where visited = :v",
+                {{"v", Date::FromParts({2024, 3, 30, 10, 15, 0})}}),
+            Value::Integer(1));
+  EXPECT_EQ(One("select enq_id from enquiry where rate = :r", {{"r", 2.5}}), Value::Integer(2));
+  EXPECT_EQ(One("select :x is null, :y is null", {{"y", std::monostate{}}}), Value::Integer(1));
+}
+
+TEST_F(DataSqlite, AllRowsAreRead) {
+  testing::CreateSqlite(path_,
+                        "create table many (n integer);"
+                        "with recursive c(n) as (select 1 union all select n + 1 from c "
+                        "where n < 2500) insert into many select n from c;");
+  EXPECT_EQ(Rows("select n from many").size(), 2500u);
+}
+
+TEST_F(DataSqlite, OpensReadOnly) {
+  for (const char* sql : {"insert into para_setup values ('x', 'y', 'z')", "delete from enquiry",
+                          "create table t (a)"}) {
+    const Error error = ErrorOf(sql);
+    EXPECT_EQ(error.number(), errnum::kCommandError) << sql;
+    EXPECT_EQ(error.source(), "SQLite");
+    EXPECT_EQ(error.description(), "attempt to write a readonly database");
+    EXPECT_EQ(error.system_code(), SQLITE_READONLY);
+  }
+  EXPECT_EQ(One("select count(*) from enquiry"), Value::Integer(4));
+}
+
+TEST_F(DataSqlite, BadSqlIsACommandErrorWithSqlitesText) {
+  Error error = ErrorOf("selec 1");
+  EXPECT_EQ(error.number(), errnum::kCommandError);
+  EXPECT_EQ(error.description(), "near \"selec\": syntax error");
+  EXPECT_EQ(error.system_code(), SQLITE_ERROR);
+  error = ErrorOf("select * from no_such_table");
+  EXPECT_EQ(error.description(), "no such table: no_such_table");
+  EXPECT_EQ(ErrorOf("  -- nothing\n").number(), errnum::kCommandError);
+}
+
+TEST_F(DataSqlite, MissingFileIsAnErrorAndCreatesNothing) {
+  const std::string missing = folder_.File("absent.db");
+  try {
+    Connection::Open(missing);
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errnum::kUnspecified);
+    EXPECT_EQ(error.source(), "SQLite");
+    EXPECT_NE(error.description().find("unable to open database file"), std::string::npos);
+    EXPECT_NE(error.description().find(missing), std::string::npos);
+    EXPECT_EQ(error.system_code(), SQLITE_CANTOPEN);
+  }
+  EXPECT_FALSE(std::filesystem::exists(missing));
+}
+
+TEST_F(DataSqlite, FolderOrNonDatabaseFileIsAnOpenError) {
+  EXPECT_THROW(Connection::Open("Provider=SQLite;Data Source=" + folder_.path().string()), Error);
+  const std::string text = folder_.File("notes.db");
+  { std::ofstream(text) << "this is not a database, just some text long enough to check\n"; }
+  try {
+    Connection::Open(text);
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errnum::kUnspecified);
+    EXPECT_NE(error.description().find("file is not a database"), std::string::npos);
+  }
+}
+
+TEST_F(DataSqlite, HostPathsWithBackslashesOpen) {
+  std::string host_path = path_;
+  for (char& c : host_path) {
+    if (c == '/') c = '\\';
+  }
+  const auto connection = Connection::Open("Provider=SQLite;Data Source=" + host_path);
+  EXPECT_NE(connection, nullptr);
+}
+
+// The dialect rewrites, end to end on a real file.
+
+TEST_F(DataSqlite, SlashDateFiltersMatchIsoDates) {
+  EXPECT_EQ(Rows("select enq_id from enquiry where enq_date>='2024/03/31' order by 1").size(), 2u);
+  EXPECT_EQ(Rows("select enq_id from enquiry where enq_date between '2024.03.30' and "
+                 "'2024.03.31'")
+                .size(),
+            2u);
+  EXPECT_EQ(One("select enq_id from enquiry where visited < '2024/03/30 11:00'"),
+            Value::Integer(1));
+}
+
+TEST_F(DataSqlite, CastToDateNormalisesYearFirstText) {
+  EXPECT_EQ(One("select cast('2024/03/31' as date)"), Value::Text("2024-03-31"));
+  EXPECT_EQ(One("select cast(:d as DATE)", {{"d", std::string("2024.3.5")}}),
+            Value::Text("2024-03-05"));
+  EXPECT_EQ(One("select cast('2024/03/31 10:30' as datetime)"), Value::Text("2024-03-31 10:30:00"));
+  EXPECT_EQ(One("select count(*) from enquiry where enq_date >= cast('2024/03/31' as date)"),
+            Value::Integer(2));
+  EXPECT_TRUE(One("select cast(null as date)").is_null());
+  EXPECT_EQ(One("select cast('31/03/2024' as date)"), Value::Text("31/03/2024"));
+}
+
+TEST_F(DataSqlite, LeftAndRightCountCharacters) {
+  EXPECT_EQ(One("select left(cname, 6) from enquiry where enq_id = 1"), Value::Text("Ramesh"));
+  EXPECT_EQ(One("select right(cname, 5) from enquiry where enq_id = 1"), Value::Text("Kumar"));
+  EXPECT_EQ(One("select left(cname, 3) from enquiry where enq_id = 2"), Value::Text("सुन"));
+  EXPECT_EQ(One("select right(cname, 1) from enquiry where enq_id = 2"), Value::Text("₹"));
+  EXPECT_EQ(One("select left('abc', 10) || right('abc', 0)"), Value::Text("abc"));
+  EXPECT_EQ(One("select left(12345, 2)"), Value::Text("12"));
+  EXPECT_TRUE(One("select left(cname, 2) from enquiry where enq_id = 4").is_null());
+  EXPECT_TRUE(One("select right('abc', null)").is_null());
+  EXPECT_EQ(ErrorOf("select left('abc', -1)").number(), errnum::kCommandError);
+  EXPECT_EQ(
+      Rows("select e.enq_id from enquiry e left join para_setup p on p.para_flag = e.cname").size(),
+      4u);
+}
+
+TEST_F(DataSqlite, HabitualFunctionsWork) {
+  EXPECT_EQ(One("select isnull(cname, 'none') from enquiry where enq_id = 4"), Value::Text("none"));
+  EXPECT_EQ(One("select len('Amit  ')"), Value::Integer(4));
+  EXPECT_EQ(One("select len('सुनीता')"), Value::Integer(6));
+  EXPECT_EQ(One("select year(enq_date) * 10000 + month(enq_date) * 100 + day(enq_date) "
+                "from enquiry where enq_id = 2"),
+            Value::Integer(20240331));
+  EXPECT_TRUE(One("select year('not a date')").is_null());
+  EXPECT_EQ(ToText(One("select length(getdate())")), "19");
+}
+
+}  // namespace
+}  // namespace vantorel::data

@@ -1,0 +1,360 @@
+#include "report/text/text_layout.h"
+
+#include <gtest/gtest.h>
+#include <pango/pangocairo.h>
+
+#include <cmath>
+#include <string>
+#include <thread>
+
+#include "report/text/fonts.h"
+#include "report/text/layout.h"
+#include "report/text/layout_paths.h"
+
+namespace vantorel::report::text {
+namespace {
+
+constexpr char kPangram[] = "The quick brown fox jumps over the lazy dog";
+constexpr char kDevanagari[] = "श्री गणेश मोटर्स";
+
+TextStyle Style(float size = 10) {
+  TextStyle style;
+  style.size = size;
+  return style;
+}
+
+std::string FamilyOf(PangoFont* font) {
+  PangoFontDescription* description = pango_font_describe(font);
+  std::string family = pango_font_description_get_family(description);
+  pango_font_description_free(description);
+  return family;
+}
+
+float LineHeight(const TextStyle& style) {
+  const FontInfo& font =
+      ThreadFonts::Current().Primary(style.font_family, style.bold, style.italic, style.size);
+  return font.ascent + font.descent;
+}
+
+TEST(FontsTest, AliasesPickOurFonts) {
+  ThreadFonts& fonts = ThreadFonts::Current();
+  const struct {
+    const char* asked;
+    const char* expected;
+  } kCases[] = {
+      {"Arial", "Liberation Sans"},          {"Helvetica", "Liberation Sans"},
+      {"MS Sans Serif", "Liberation Sans"},  {"Tahoma", "Liberation Sans"},
+      {"Verdana", "Liberation Sans"},        {"Calibri", "Liberation Sans"},
+      {"sans-serif", "Liberation Sans"},     {"Times New Roman", "Liberation Serif"},
+      {"Times", "Liberation Serif"},         {"serif", "Liberation Serif"},
+      {"Courier New", "Liberation Mono"},    {"Courier", "Liberation Mono"},
+      {"monospace", "Liberation Mono"},      {"No Such Family", "Liberation Sans"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(FamilyOf(fonts.Primary(c.asked, false, false, 10).font.get()), c.expected)
+        << c.asked;
+  }
+  EXPECT_EQ(FamilyOf(fonts.Primary("Arial", true, true, 10).font.get()), "Liberation Sans");
+}
+
+TEST(FontsTest, RupeeAndDevanagariFallBackToNoto) {
+  const TextStyle style = Style();
+  const auto laid_out = LayOut("₹ 1,05,630.00", style, 0);
+  EXPECT_FALSE(laid_out->fast_path) << "Liberation Sans has no rupee sign";
+  for (const GlyphRun& run : laid_out->runs) {
+    for (const cairo_glyph_t& glyph : run.glyphs) EXPECT_NE(glyph.index, 0u) << run.utf8;
+  }
+  const auto hindi = LayOut(kDevanagari, style, 0);
+  ASSERT_FALSE(hindi->runs.empty());
+  size_t glyphs = 0;
+  for (const GlyphRun& run : hindi->runs) {
+    for (const cairo_glyph_t& glyph : run.glyphs) EXPECT_NE(glyph.index, 0u) << run.utf8;
+    glyphs += run.glyphs.size();
+  }
+  // Conjuncts and vowel signs shape into fewer glyphs than code points.
+  EXPECT_LT(glyphs, std::string_view(kDevanagari).size() / 3);
+}
+
+TEST(MeasureTextTest, EmptyTextIsNothing) {
+  const SizeF size = MeasureText("", Style(), 100);
+  EXPECT_EQ(size.width, 0);
+  EXPECT_EQ(size.height, 0);
+}
+
+TEST(MeasureTextTest, OneLineIsTheFontsLineHeight) {
+  const TextStyle style = Style();
+  const SizeF size = MeasureText("Invoice", style, 200);
+  EXPECT_GT(size.width, 25);
+  EXPECT_LT(size.width, 40);
+  EXPECT_FLOAT_EQ(size.height, LineHeight(style));
+  EXPECT_NEAR(size.height, 11.17, 0.01);  // Liberation Sans: ascent 0.905 + descent 0.212 em
+}
+
+TEST(MeasureTextTest, WrapsAtSpacesWithinTheWidth) {
+  const TextStyle style = Style();
+  const auto laid_out = LayOut(kPangram, style, 100);
+  ASSERT_GT(laid_out->lines.size(), 1u);
+  for (const TextLine& line : laid_out->lines) EXPECT_LE(line.width, 100.01f);
+  EXPECT_FLOAT_EQ(laid_out->size.height,
+                  LineHeight(style) * static_cast<float>(laid_out->lines.size()));
+  // Lines end at word boundaries: every line but the first starts after a space.
+  const std::string_view text = kPangram;
+  for (size_t i = 1; i < laid_out->lines.size(); ++i) {
+    EXPECT_EQ(text[laid_out->lines[i].begin - 1], ' ');
+  }
+}
+
+TEST(MeasureTextTest, BreaksAWordLongerThanTheLine) {
+  const auto laid_out = LayOut("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789", Style(), 50);
+  EXPECT_GT(laid_out->lines.size(), 3u);
+  for (const TextLine& line : laid_out->lines) {
+    EXPECT_LE(line.width, 50.01f);
+    EXPECT_GT(line.width, 30);
+  }
+}
+
+TEST(MeasureTextTest, NoWrapKeepsOneLine) {
+  TextStyle style = Style();
+  style.wrap = false;
+  const SizeF size = MeasureText(kPangram, style, 50);
+  EXPECT_GT(size.width, 150);
+  EXPECT_FLOAT_EQ(size.height, LineHeight(style));
+}
+
+TEST(MeasureTextTest, ExplicitLineBreaks) {
+  const TextStyle style = Style();
+  const float line = LineHeight(style);
+  EXPECT_FLOAT_EQ(MeasureText("one\ntwo\nthree", style, 200).height, 3 * line);
+  EXPECT_FLOAT_EQ(MeasureText("one\r\ntwo", style, 200).height, 2 * line);
+  EXPECT_FLOAT_EQ(MeasureText("one\rtwo", style, 200).height, 2 * line);
+  EXPECT_FLOAT_EQ(MeasureText("one\n\nthree", style, 200).height, 3 * line);
+  EXPECT_FLOAT_EQ(MeasureText("trailing\n", style, 200).height, 2 * line);
+}
+
+TEST(MeasureTextTest, LineSpacingMultipliesTheDistanceBetweenLines) {
+  TextStyle style = Style();
+  const float line = LineHeight(style);
+  style.line_spacing = 1.5f;
+  EXPECT_FLOAT_EQ(MeasureText("a\nb\nc", style, 200).height, 2 * 1.5f * line + line);
+  EXPECT_FLOAT_EQ(MeasureText("single", style, 200).height, line);
+}
+
+TEST(MeasureTextTest, CharacterSpacingWidens) {
+  TextStyle style = Style();
+  const float plain = MeasureText("ABCDE", style, 0).width;
+  style.char_spacing = 2;
+  EXPECT_NEAR(MeasureText("ABCDE", style, 0).width, plain + 4 * 2, 0.01);
+}
+
+TEST(MeasureTextTest, BiggerAndBolderIsWider) {
+  TextStyle style = Style();
+  const float regular = MeasureText("Total Amount", style, 0).width;
+  style.bold = true;
+  EXPECT_GT(MeasureText("Total Amount", style, 0).width, regular);
+  style = Style(20);
+  EXPECT_NEAR(MeasureText("Total Amount", style, 0).width, 2 * regular, 0.05);
+}
+
+TEST(LayOutTest, AlignsWithinTheWidth) {
+  TextStyle style = Style();
+  const float width = MeasureText("Total", style, 200).width;
+  style.halign = HAlign::kCenter;
+  EXPECT_NEAR(LayOut("Total", style, 200)->lines[0].left, (200 - width) / 2, 0.01);
+  style.halign = HAlign::kRight;
+  EXPECT_NEAR(LayOut("Total", style, 200)->lines[0].left, 200 - width, 0.01);
+  // Trailing spaces do not push right-aligned text left.
+  EXPECT_NEAR(LayOut("Total   ", style, 200)->lines[0].left, 200 - width, 0.01);
+}
+
+TEST(LayOutTest, JustifyStretchesAllButTheLastLine) {
+  TextStyle style = Style();
+  style.halign = HAlign::kJustify;
+  const std::string text = std::string(kPangram) + " " + kPangram;
+  for (const bool fast : {true, false}) {
+    const FontInfo& font = ThreadFonts::Current().Primary(style.font_family, false, false, 10);
+    const LineGeometry geometry(style, 120, true);
+    const LaidOutText laid_out = fast ? LayOutFast(text, style, font, geometry)
+                                      : LayOutWithPango(ValidUtf8(text), style, font, geometry);
+    ASSERT_GT(laid_out.lines.size(), 2u);
+    for (size_t i = 0; i + 1 < laid_out.lines.size(); ++i) {
+      EXPECT_NEAR(laid_out.lines[i].width, 120, 0.05) << "fast=" << fast << " line " << i;
+    }
+    EXPECT_LT(laid_out.lines.back().width, 119) << "fast=" << fast;
+    // The stretched line's last glyph ends at the right edge.
+    const GlyphRun& run = laid_out.runs.front();
+    EXPECT_GT(run.glyphs.back().x, 0);
+  }
+}
+
+TEST(LayOutTest, FastPathAndPangoAgreeOnPlainLatin) {
+  const char* kTexts[] = {"Tax Invoice", "AVERAGE VALUE 1,05,630.00", kPangram,
+                          "Wave Type AV Yo", "naïve café — “quoted” ©"};
+  for (const char* family : {"Arial", "Times New Roman", "Courier New"}) {
+    for (const bool bold : {false, true}) {
+      TextStyle style = Style(9.5f);
+      style.font_family = family;
+      style.bold = bold;
+      const FontInfo& font = ThreadFonts::Current().Primary(family, bold, false, 9.5f);
+      for (const char* text : kTexts) {
+        ASSERT_TRUE(CanLayOutFast(text, font)) << text;
+        const LineGeometry geometry(style, 0, false);
+        const LaidOutText fast = LayOutFast(text, style, font, geometry);
+        const LaidOutText pango = LayOutWithPango(ValidUtf8(text), style, font, geometry);
+        EXPECT_NEAR(fast.size.width, pango.size.width, 0.5) << family << ": " << text;
+        EXPECT_FLOAT_EQ(fast.size.height, pango.size.height) << family << ": " << text;
+      }
+    }
+  }
+}
+
+TEST(LayOutTest, FastPathTakesPlainTextOnly) {
+  const FontInfo& font = ThreadFonts::Current().Primary("Arial", false, false, 10);
+  EXPECT_TRUE(CanLayOutFast("Rs. 1,234.50 (Net)", font));
+  EXPECT_TRUE(CanLayOutFast("line one\nline two", font));
+  EXPECT_FALSE(CanLayOutFast(kDevanagari, font));
+  EXPECT_FALSE(CanLayOutFast("₹ 100", font));
+  EXPECT_FALSE(CanLayOutFast("tab\there", font));
+  EXPECT_FALSE(CanLayOutFast("bad \xff utf-8", font));
+  TextStyle rich = Style();
+  rich.rich = true;
+  EXPECT_FALSE(LayOut("<b>Total</b>", rich, 0)->fast_path);
+  EXPECT_TRUE(LayOut("Total", rich, 0)->fast_path) << "rich text without markup is plain";
+}
+
+TEST(LayOutTest, GlyphRunsCoverTheirTextExactly) {
+  for (const char* text : {"plain words here", "₹ 1,05,630.00", kDevanagari, "a\nb\r\nc"}) {
+    const auto laid_out = LayOut(text, Style(), 60);
+    for (const GlyphRun& run : laid_out->runs) {
+      int bytes = 0, glyphs = 0;
+      for (const cairo_text_cluster_t& cluster : run.clusters) {
+        bytes += cluster.num_bytes;
+        glyphs += cluster.num_glyphs;
+      }
+      EXPECT_EQ(static_cast<size_t>(bytes), run.utf8.size()) << text;
+      EXPECT_EQ(static_cast<size_t>(glyphs), run.glyphs.size()) << text;
+    }
+  }
+}
+
+TEST(LayOutTest, DevanagariWrapsThroughPango) {
+  const TextStyle style = Style(12);
+  const auto one_line = LayOut(kDevanagari, style, 0);
+  EXPECT_FALSE(one_line->fast_path);
+  EXPECT_EQ(one_line->lines.size(), 1u);
+  const auto wrapped = LayOut(kDevanagari, style, one_line->size.width * 0.6f);
+  EXPECT_EQ(wrapped->lines.size(), 2u);
+  // Noto Sans Devanagari's lines are taller than Liberation Sans's.
+  EXPECT_GT(one_line->size.height, LineHeight(style));
+}
+
+TEST(LayOutTest, RichTextStylesRuns) {
+  TextStyle style = Style();
+  style.rich = true;
+  const float plain = MeasureText("Total Amount", Style(), 0).width;
+  EXPECT_GT(MeasureText("<b>Total Amount</b>", style, 0).width, plain);
+  EXPECT_NEAR(MeasureText("<font size=\"20\">Total Amount</font>", style, 0).width, 2 * plain,
+              0.1);
+  EXPECT_FLOAT_EQ(MeasureText("one<br/>two<BR>three", style, 200).height,
+                  3 * LineHeight(Style()));
+
+  const auto colored = LayOut("Net <font color=\"#ff0000\">Due</font> <u>now</u>", style, 0);
+  bool red = false, underlined = false;
+  for (const GlyphRun& run : colored->runs) {
+    if (run.utf8 == "Due") red = run.has_color && run.color == Color{255, 0, 0, 255};
+    if (run.utf8 == "now") underlined = run.underline;
+  }
+  EXPECT_TRUE(red);
+  EXPECT_TRUE(underlined);
+}
+
+TEST(LayOutTest, RichTextShowsWhatIsNotMarkup) {
+  TextStyle style = Style();
+  style.rich = true;
+  const auto laid_out = LayOut("a < b & <x>c</x> &lt;d&gt;", style, 0);
+  std::string shown;
+  for (const GlyphRun& run : laid_out->runs) shown += run.utf8;
+  EXPECT_EQ(shown, "a < b & <x>c</x> <d>");
+}
+
+TEST(LayOutTest, SurvivesBadInput) {
+  const TextStyle style = Style();
+  EXPECT_GT(MeasureText(std::string("nul\0inside", 10), style, 100).width, 0);
+  EXPECT_GT(MeasureText("bad \xff\xfe utf-8 \xe0\x80", style, 100).width, 0);
+  EXPECT_EQ(MeasureText("zero size", Style(0), 100).height, 0);
+}
+
+TEST(FitTextTest, SplitsAtALineBoundary) {
+  const TextStyle style = Style();
+  const std::string text = "first line\nsecond line\nthird line\nfourth line";
+  const float line = LineHeight(style);
+  EXPECT_EQ(FitText(text, style, 200, 100), text.size());
+  EXPECT_EQ(FitText(text, style, 200, line / 2), 0u);
+  const size_t offset = FitText(text, style, 200, 2 * line + 1);
+  EXPECT_EQ(text.substr(0, offset), "first line\nsecond line\n");
+  EXPECT_EQ(FitText(text, style, 200, 2 * line), offset) << "an exact fit fits";
+}
+
+TEST(FitTextTest, SplitsWrappedTextBetweenWords) {
+  const TextStyle style = Style();
+  const std::string text = std::string(kPangram) + " " + kPangram;
+  const size_t offset = FitText(text, style, 80, LineHeight(style) * 2.5f);
+  ASSERT_GT(offset, 0u);
+  ASSERT_LT(offset, text.size());
+  EXPECT_EQ(text[offset - 1], ' ');
+  EXPECT_FLOAT_EQ(MeasureText(text.substr(0, offset), style, 80).height, 2 * LineHeight(style));
+}
+
+TEST(FitTextTest, ReportsOffsetsInTheMarkup) {
+  TextStyle style = Style();
+  style.rich = true;
+  const std::string text = "<b>first</b><br/><i>second</i>";
+  const size_t offset = FitText(text, style, 200, LineHeight(Style()) + 1);
+  EXPECT_EQ(text.substr(offset), "<i>second</i>");
+}
+
+TEST(LayoutCacheTest, MeasureFitAndDrawShareOneLayout) {
+  ClearLayoutCache();
+  const TextStyle style = Style();
+  MeasureText("Chassis No", style, 80);
+  EXPECT_EQ(GetLayoutCacheStats().misses, 1u);
+  MeasureText("Chassis No", style, 80);
+  FitText("Chassis No", style, 80, 100);
+  const auto first = LayOut("Chassis No", style, 80);
+  EXPECT_EQ(GetLayoutCacheStats().hits, 3u);
+  EXPECT_EQ(GetLayoutCacheStats().entries, 1u);
+  // Colour, borders and rotation do not change the layout; width and font do.
+  TextStyle painted = style;
+  painted.color = {200, 0, 0, 255};
+  painted.borders = kBorderLeft;
+  painted.rotation = 90;
+  EXPECT_EQ(LayOut("Chassis No", painted, 80), first);
+  EXPECT_NE(LayOut("Chassis No", style, 81), first);
+  TextStyle bold = style;
+  bold.bold = true;
+  EXPECT_NE(LayOut("Chassis No", bold, 80), first);
+}
+
+TEST(LayoutCacheTest, StaysWithinItsBudget) {
+  ClearLayoutCache();
+  SetLayoutCacheBudget(64 * 1024);
+  for (int i = 0; i < 2000; ++i) MeasureText("Row " + std::to_string(i), Style(), 100);
+  const LayoutCacheStats stats = GetLayoutCacheStats();
+  EXPECT_LE(stats.bytes, 64u * 1024);
+  EXPECT_GT(stats.entries, 50u);
+  SetLayoutCacheBudget(size_t{32} << 20);
+}
+
+TEST(LayoutCacheTest, EachThreadHasItsOwn) {
+  ClearLayoutCache();
+  MeasureText("shared?", Style(), 100);
+  std::shared_ptr<const LaidOutText> other;
+  std::thread([&] { other = LayOut("shared?", Style(), 100); }).join();
+  EXPECT_EQ(GetLayoutCacheStats().entries, 1u);
+  // Made by a thread that has finished, and still usable: its fonts are counted references.
+  ASSERT_TRUE(other);
+  EXPECT_EQ(cairo_scaled_font_status(other->runs.front().font.get()), CAIRO_STATUS_SUCCESS);
+  EXPECT_EQ(other->size, LayOut("shared?", Style(), 100)->size);
+}
+
+}  // namespace
+}  // namespace vantorel::report::text
