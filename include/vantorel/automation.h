@@ -32,6 +32,7 @@
 #define COBJMACROS
 #endif
 #include <windows.h>
+
 #include <oaidl.h>
 #include <olectl.h>
 
@@ -356,6 +357,8 @@ typedef struct tagEXCEPINFO {
 #define DISP_E_BADPARAMCOUNT ((HRESULT)0x8002000Eu)
 #define DISP_E_PARAMNOTOPTIONAL ((HRESULT)0x8002000Fu)
 
+/* The tables of entries, wrapped as the standard's headers wrap them. */
+/* clang-format off */
 typedef struct IUnknownVtbl {
   HRESULT(STDMETHODCALLTYPE* QueryInterface)(IUnknown* This, REFIID riid, void** ppvObject);
   ULONG(STDMETHODCALLTYPE* AddRef)(IUnknown* This);
@@ -418,6 +421,7 @@ typedef struct ISupportErrorInfoVtbl {
 struct ISupportErrorInfo {
   const ISupportErrorInfoVtbl* lpVtbl;
 };
+/* clang-format on */
 
 /* The standard interface identifiers. Each file that includes this header has its own copy;
  * compare identifiers by value (IsEqualGUID), never by address. */

@@ -197,6 +197,9 @@ class VANTOREL_EXPORT CRepoter {
   const std::string& text_buffer() const { return text_buffer_; }
 
  private:
+  // Print methods reach the run, the text buffer and the steps below through it.
+  friend struct PrintSteps;
+
   // The shared steps every print method is made of. PrepareTemplate returns the success flag.
   bool PrepareTemplate();
   void RenderReport();

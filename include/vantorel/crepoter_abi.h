@@ -8,6 +8,8 @@
 #ifndef VANTOREL_CREPOTER_ABI_H_
 #define VANTOREL_CREPOTER_ABI_H_
 
+/* clang-format off */
+
 #include "vantorel/automation.h"
 #include "vantorel/export.h"
 #include "vantorel/identity.h"
@@ -338,5 +340,7 @@ VANTOREL_EXPORT HRESULT STDAPICALLTYPE DllUnregisterServer(void);
 #ifdef __cplusplus
 } /* extern "C" */
 #endif
+
+/* clang-format on */
 
 #endif /* VANTOREL_CREPOTER_ABI_H_ */

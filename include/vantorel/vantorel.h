@@ -36,14 +36,14 @@ typedef struct vantorel_repoter vantorel_repoter;
 /* Value types: the automation type codes. */
 enum {
   VANTOREL_EMPTY = 0,
-  VANTOREL_I2 = 2,      /* i2: 16-bit integer (document identifiers) */
-  VANTOREL_I4 = 3,      /* i4: 32-bit integer */
-  VANTOREL_R8 = 5,      /* r8: double (amounts) */
-  VANTOREL_DATE = 7,    /* date: days since 1899-12-30, the fraction being the time of day */
-  VANTOREL_STRING = 8,  /* str: UTF-8, NUL-terminated; NULL is the empty text */
+  VANTOREL_I2 = 2,       /* i2: 16-bit integer (document identifiers) */
+  VANTOREL_I4 = 3,       /* i4: 32-bit integer */
+  VANTOREL_R8 = 5,       /* r8: double (amounts) */
+  VANTOREL_DATE = 7,     /* date: days since 1899-12-30, the fraction being the time of day */
+  VANTOREL_STRING = 8,   /* str: UTF-8, NUL-terminated; NULL is the empty text */
   VANTOREL_MISSING = 10, /* an omitted optional argument */
-  VANTOREL_BOOL = 11,   /* boolean: true is -1, false 0 */
-  VANTOREL_UI1 = 17     /* ui1: unsigned 8-bit integer */
+  VANTOREL_BOOL = 11,    /* boolean: true is -1, false 0 */
+  VANTOREL_UI1 = 17      /* ui1: unsigned 8-bit integer */
 };
 
 typedef struct vantorel_value {
@@ -97,8 +97,7 @@ enum { VANTOREL_ICON_NONE = 0, VANTOREL_ICON_CRITICAL = 16 };
  * desktop, otherwise a line on stderr): it receives "user", the UTF-8 text and the icon, and is
  * called on the thread that prints. The call stands for a modal box with an OK button: printing
  * goes on when it returns. NULL restores the default. */
-VANTOREL_EXPORT void vantorel_set_message_box_handler(void (*handler)(void* user,
-                                                                      const char* text,
+VANTOREL_EXPORT void vantorel_set_message_box_handler(void (*handler)(void* user, const char* text,
                                                                       int icon),
                                                       void* user);
 

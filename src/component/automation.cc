@@ -67,23 +67,40 @@ Variant Fail(VariantProblem* problem, VariantProblem why) {
 Variant ReadValue(VARTYPE type, const void* data, VariantProblem* problem, int depth) {
   if (data == nullptr) return Fail(problem, VariantProblem::kBadVarType);
   switch (type) {
-    case VT_EMPTY: return Variant();
-    case VT_NULL: return Variant::Null();
-    case VT_I2: return Variant::I2(*static_cast<const SHORT*>(data));
-    case VT_I4: return Variant::I4(*static_cast<const LONG*>(data));
-    case VT_R4: return Variant::R8(*static_cast<const FLOAT*>(data));
-    case VT_R8: return Variant::R8(*static_cast<const DOUBLE*>(data));
-    case VT_CY: return Variant::R8(CurrencyValue(*static_cast<const CY*>(data)));
-    case VT_DATE: return Variant::FromDate(Date{*static_cast<const DATE*>(data)});
-    case VT_BSTR: return Variant::String(BstrToUtf8(*static_cast<const BSTR*>(data)));
-    case VT_ERROR: return Variant::ErrorValue(*static_cast<const SCODE*>(data));
-    case VT_BOOL: return Variant::Bool(*static_cast<const VARIANT_BOOL*>(data));
-    case VT_DECIMAL: return Variant::R8(DecimalValue(*static_cast<const DECIMAL*>(data)));
-    case VT_I1: return Variant::I2(*static_cast<const signed char*>(data));
-    case VT_UI1: return Variant::UI1(*static_cast<const BYTE*>(data));
-    case VT_UI2: return Variant::I4(*static_cast<const USHORT*>(data));
-    case VT_UI4: return Variant::I8(*static_cast<const ULONG*>(data));
-    case VT_I8: return Variant::I8(*static_cast<const LONGLONG*>(data));
+    case VT_EMPTY:
+      return Variant();
+    case VT_NULL:
+      return Variant::Null();
+    case VT_I2:
+      return Variant::I2(*static_cast<const SHORT*>(data));
+    case VT_I4:
+      return Variant::I4(*static_cast<const LONG*>(data));
+    case VT_R4:
+      return Variant::R8(*static_cast<const FLOAT*>(data));
+    case VT_R8:
+      return Variant::R8(*static_cast<const DOUBLE*>(data));
+    case VT_CY:
+      return Variant::R8(CurrencyValue(*static_cast<const CY*>(data)));
+    case VT_DATE:
+      return Variant::FromDate(Date{*static_cast<const DATE*>(data)});
+    case VT_BSTR:
+      return Variant::String(BstrToUtf8(*static_cast<const BSTR*>(data)));
+    case VT_ERROR:
+      return Variant::ErrorValue(*static_cast<const SCODE*>(data));
+    case VT_BOOL:
+      return Variant::Bool(*static_cast<const VARIANT_BOOL*>(data));
+    case VT_DECIMAL:
+      return Variant::R8(DecimalValue(*static_cast<const DECIMAL*>(data)));
+    case VT_I1:
+      return Variant::I2(*static_cast<const signed char*>(data));
+    case VT_UI1:
+      return Variant::UI1(*static_cast<const BYTE*>(data));
+    case VT_UI2:
+      return Variant::I4(*static_cast<const USHORT*>(data));
+    case VT_UI4:
+      return Variant::I8(*static_cast<const ULONG*>(data));
+    case VT_I8:
+      return Variant::I8(*static_cast<const LONGLONG*>(data));
     case VT_UI8: {
       const ULONGLONG value = *static_cast<const ULONGLONG*>(data);
       if (value > static_cast<ULONGLONG>(std::numeric_limits<int64_t>::max())) {
@@ -91,8 +108,10 @@ Variant ReadValue(VARTYPE type, const void* data, VariantProblem* problem, int d
       }
       return Variant::I8(static_cast<int64_t>(value));
     }
-    case VT_INT: return Variant::I4(*static_cast<const INT*>(data));
-    case VT_UINT: return Variant::I8(*static_cast<const UINT*>(data));
+    case VT_INT:
+      return Variant::I4(*static_cast<const INT*>(data));
+    case VT_UINT:
+      return Variant::I8(*static_cast<const UINT*>(data));
     case VT_VARIANT:
       if (depth > 0) return Fail(problem, VariantProblem::kBadVarType);
       return ReadValue(V_VT(static_cast<const VARIANT*>(data)) & ~VT_BYREF,
@@ -102,8 +121,10 @@ Variant ReadValue(VARTYPE type, const void* data, VariantProblem* problem, int d
                        problem, depth + 1);
     case VT_DISPATCH:
     case VT_UNKNOWN:
-    case VT_RECORD: return Fail(problem, VariantProblem::kTypeMismatch);
-    default: return Fail(problem, VariantProblem::kBadVarType);
+    case VT_RECORD:
+      return Fail(problem, VariantProblem::kTypeMismatch);
+    default:
+      return Fail(problem, VariantProblem::kBadVarType);
   }
 }
 
@@ -212,8 +233,11 @@ Variant FromVariant(const VARIANT& value, VariantProblem* problem) {
 void ToVariant(const Variant& value, VARIANT* out) {
   VariantInit(out);
   switch (value.type()) {
-    case VarType::kEmpty: break;
-    case VarType::kNull: V_VT(out) = VT_NULL; break;
+    case VarType::kEmpty:
+      break;
+    case VarType::kNull:
+      V_VT(out) = VT_NULL;
+      break;
     case VarType::kI2:
       V_VT(out) = VT_I2;
       V_I2(out) = static_cast<SHORT>(value.integer());
@@ -250,7 +274,8 @@ void ToVariant(const Variant& value, VARIANT* out) {
       V_VT(out) = VT_ERROR;
       V_ERROR(out) = static_cast<SCODE>(value.integer());
       break;
-    case VarType::kVariant: break;
+    case VarType::kVariant:
+      break;
   }
 }
 
@@ -321,8 +346,8 @@ class ErrorInfoObject {
     return S_OK;
   }
 
-  static constexpr IErrorInfoVtbl kVtbl = {&QueryInterface, &AddRef,      &Release,
-                                           &GetGUID,        &GetSource,   &GetDescription,
+  static constexpr IErrorInfoVtbl kVtbl = {&QueryInterface, &AddRef,        &Release,
+                                           &GetGUID,        &GetSource,     &GetDescription,
                                            &GetHelpFile,    &GetHelpContext};
 
   Face face_{{&kVtbl}, this};

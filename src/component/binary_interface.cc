@@ -1,7 +1,5 @@
 #include "component/binary_interface.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
@@ -136,9 +134,12 @@ Error NullArgument(const EntryInfo& entry, size_t index) {
 
 int32_t DispatchCode(VariantProblem problem) {
   switch (problem) {
-    case VariantProblem::kOverflow: return disp::kOverflow;
-    case VariantProblem::kBadVarType: return disp::kBadVarType;
-    default: return disp::kTypeMismatch;
+    case VariantProblem::kOverflow:
+      return disp::kOverflow;
+    case VariantProblem::kBadVarType:
+      return disp::kBadVarType;
+    default:
+      return disp::kTypeMismatch;
   }
 }
 
@@ -191,8 +192,9 @@ struct Abi<VarType::kVariant> {
     VariantProblem problem;
     Variant converted = FromVariant(value, &problem);
     if (problem != VariantProblem::kNone) {
-      throw DispatchError(DispatchCode(problem), "A variant argument holds a type the interface "
-                                                 "does not take");
+      throw DispatchError(DispatchCode(problem),
+                          "A variant argument holds a type the interface "
+                          "does not take");
     }
     return converted;
   }
@@ -288,8 +290,12 @@ HRESULT STDMETHODCALLTYPE GetTypeInfo(_CRepoter*, UINT, LCID, ITypeInfo** info) 
   return E_NOTIMPL;
 }
 
+// Interface names are ASCII, and hosts may spell them in any case.
 bool SameName(const char* name, const std::string& text) {
-  return std::strlen(name) == text.size() && ::strncasecmp(name, text.data(), text.size()) == 0;
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  return std::strlen(name) == text.size() &&
+         std::equal(text.begin(), text.end(), name,
+                    [&](char a, char b) { return lower(a) == lower(b); });
 }
 
 HRESULT STDMETHODCALLTYPE GetIDsOfNames(_CRepoter* This, REFIID riid, LPOLESTR* names, UINT count,
@@ -461,8 +467,7 @@ HRESULT STDMETHODCALLTYPE Invoke(_CRepoter* This, DISPID member, REFIID riid, LC
   return status;
 }
 
-HRESULT STDMETHODCALLTYPE SupportQueryInterface(ISupportErrorInfo* This, REFIID riid,
-                                                void** out) {
+HRESULT STDMETHODCALLTYPE SupportQueryInterface(ISupportErrorInfo* This, REFIID riid, void** out) {
   return RepoterObject::From(This).QueryInterface(riid, out);
 }
 

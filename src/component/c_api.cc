@@ -30,19 +30,28 @@ constexpr int32_t kUnexpected = static_cast<int32_t>(0x8000FFFFu);   // E_UNEXPE
 
 Variant FromValue(const vantorel_value& value, int position) {
   switch (value.type) {
-    case VANTOREL_EMPTY: return Variant();
-    case VANTOREL_I2: return Variant::I2(value.i2);
-    case VANTOREL_I4: return Variant::I4(value.i4);
-    case VANTOREL_UI1: return Variant::UI1(value.ui1);
-    case VANTOREL_R8: return Variant::R8(value.r8);
-    case VANTOREL_DATE: return Variant::FromDate(Date{value.date});
-    case VANTOREL_STRING: return Variant::String(value.str != nullptr ? value.str : "");
-    case VANTOREL_BOOL: return Variant::Bool(value.boolean);
-    case VANTOREL_MISSING: return Variant::Missing();
+    case VANTOREL_EMPTY:
+      return Variant();
+    case VANTOREL_I2:
+      return Variant::I2(value.i2);
+    case VANTOREL_I4:
+      return Variant::I4(value.i4);
+    case VANTOREL_UI1:
+      return Variant::UI1(value.ui1);
+    case VANTOREL_R8:
+      return Variant::R8(value.r8);
+    case VANTOREL_DATE:
+      return Variant::FromDate(Date{value.date});
+    case VANTOREL_STRING:
+      return Variant::String(value.str != nullptr ? value.str : "");
+    case VANTOREL_BOOL:
+      return Variant::Bool(value.boolean);
+    case VANTOREL_MISSING:
+      return Variant::Missing();
     default:
-      throw DispatchError(disp::kBadVarType,
-                          "Value type " + std::to_string(value.type) + " is not a vantorel_value type",
-                          position);
+      throw DispatchError(
+          disp::kBadVarType,
+          "Value type " + std::to_string(value.type) + " is not a vantorel_value type", position);
   }
 }
 
@@ -78,7 +87,9 @@ void ToValue(const Variant& value, vantorel_repoter& r, vantorel_value* out) {
       out->type = VANTOREL_BOOL;
       out->boolean = static_cast<int16_t>(value.integer());
       break;
-    default: out->type = VANTOREL_EMPTY; break;
+    default:
+      out->type = VANTOREL_EMPTY;
+      break;
   }
 }
 

@@ -27,8 +27,7 @@ ULONG STDMETHODCALLTYPE FactoryRelease(IClassFactory*) {
   return 1;
 }
 
-HRESULT STDMETHODCALLTYPE CreateInstance(IClassFactory*, IUnknown* outer, REFIID riid,
-                                         void** out) {
+HRESULT STDMETHODCALLTYPE CreateInstance(IClassFactory*, IUnknown* outer, REFIID riid, void** out) {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
@@ -52,8 +51,8 @@ HRESULT STDMETHODCALLTYPE LockServer(IClassFactory*, BOOL lock) {
   return S_OK;
 }
 
-constexpr IClassFactoryVtbl kFactoryVtbl = {&FactoryQueryInterface, &FactoryAddRef,
-                                            &FactoryRelease, &CreateInstance, &LockServer};
+constexpr IClassFactoryVtbl kFactoryVtbl = {&FactoryQueryInterface, &FactoryAddRef, &FactoryRelease,
+                                            &CreateInstance, &LockServer};
 IClassFactory g_factory = {&kFactoryVtbl};
 
 HRESULT STDMETHODCALLTYPE FactoryQueryInterface(IClassFactory* This, REFIID riid, void** out) {
@@ -88,9 +87,7 @@ HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID rclsid, REFIID riid, void** pp
   return vantorel::FactoryQueryInterface(&vantorel::g_factory, riid, ppv);
 }
 
-HRESULT STDAPICALLTYPE DllCanUnloadNow(void) {
-  return vantorel::ModuleInUse() ? S_FALSE : S_OK;
-}
+HRESULT STDAPICALLTYPE DllCanUnloadNow(void) { return vantorel::ModuleInUse() ? S_FALSE : S_OK; }
 
 HRESULT STDAPICALLTYPE DllRegisterServer(void) {
   try {

@@ -267,6 +267,7 @@ std::string InterfaceCHeader() {
       " * Made from the component's interface description; do not edit. */\n"
       "#ifndef VANTOREL_CREPOTER_ABI_H_\n"
       "#define VANTOREL_CREPOTER_ABI_H_\n\n"
+      "/* clang-format off */\n\n"
       "#include \"vantorel/automation.h\"\n"
       "#include \"vantorel/export.h\"\n"
       "#include \"vantorel/identity.h\"\n\n"
@@ -329,6 +330,7 @@ std::string InterfaceCHeader() {
       "#ifdef __cplusplus\n"
       "} /* extern \"C\" */\n"
       "#endif\n\n"
+      "/* clang-format on */\n\n"
       "#endif /* VANTOREL_CREPOTER_ABI_H_ */\n";
   return text;
 }

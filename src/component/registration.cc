@@ -31,6 +31,7 @@ using nlohmann::json;
 constexpr char kSource[] = "Vantorel.CRepoter";
 constexpr char kVersion[] = "1.0";
 constexpr int kFormat = 1;
+constexpr char kSoname[] = "libvantorel.so.1";  // the shared library's SOVERSION is 1
 
 [[noreturn]] void Fail(const std::string& what, const fs::path& path, int error) {
   throw Error(errnum::kPathFileAccess, kSource,
@@ -97,8 +98,7 @@ json ReadRegistry(const fs::path& path) {
 // Writes "document" to "path" through a temporary file in the same folder renamed over it, so
 // readers see the old file or the new one, never a part.
 void WriteRegistry(const fs::path& path, const json& document) {
-  const std::string text =
-      document.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+  const std::string text = document.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
   std::string temp = (path.parent_path() / ("." + path.filename().string() + ".XXXXXX")).string();
   const int fd = ::mkstemp(temp.data());
   if (fd < 0) Fail("Cannot write the registry file", path, errno);
@@ -174,8 +174,8 @@ json& Section(json& document, const char* name) {
 // The IDL file installed next to the library, if there is one.
 std::optional<std::string> InstalledIdl(const fs::path& library) {
   const fs::path folder = library.parent_path();
-  for (const fs::path& candidate : {folder / "../share/vantorel/vantorel.idl",
-                                    folder / "../../share/vantorel/vantorel.idl"}) {
+  for (const fs::path& candidate :
+       {folder / "../share/vantorel/vantorel.idl", folder / "../../share/vantorel/vantorel.idl"}) {
     std::error_code error;
     if (fs::is_regular_file(candidate, error)) return candidate.lexically_normal().string();
   }
@@ -219,8 +219,9 @@ std::string RegistryPath(RegistryScope scope) {
   if (!explicit_path.empty()) return explicit_path;
   // The XDG rules: a relative XDG_CONFIG_HOME is ignored.
   const std::string config = Environment("XDG_CONFIG_HOME");
-  const fs::path base =
-      !config.empty() && config.front() == '/' ? fs::path(config) : fs::path(HomeDirectory()) / ".config";
+  const fs::path base = !config.empty() && config.front() == '/'
+                            ? fs::path(config)
+                            : fs::path(HomeDirectory()) / ".config";
   return (base / "vantorel" / "registry.json").string();
 }
 
@@ -239,8 +240,26 @@ std::string ComponentLibraryPath() {
   return error ? file : absolute.lexically_normal().string();
 }
 
+std::string LibraryToRegister() {
+  const std::string own = ComponentLibraryPath();
+  std::error_code error;
+  if (!fs::equivalent(own, "/proc/self/exe", error)) return own;
+  // A program with the component linked in: hosts need the shared library instead.
+  void* handle = ::dlopen(kSoname, RTLD_LAZY | RTLD_LOCAL);
+  if (handle == nullptr) return own;
+  std::string shared;
+  Dl_info info{};
+  void* symbol = ::dlsym(handle, "DllGetClassObject");
+  if (symbol != nullptr && ::dladdr(symbol, &info) != 0 && info.dli_fname != nullptr) {
+    const fs::path absolute = fs::absolute(info.dli_fname, error);
+    if (!error) shared = absolute.lexically_normal().string();
+  }
+  ::dlclose(handle);
+  return shared.empty() ? own : shared;
+}
+
 void Register(RegistryScope scope) {
-  const std::string library = ComponentLibraryPath();
+  const std::string library = LibraryToRegister();
   Update(scope, true, [&](json& document) {
     if (!document.contains("format")) document["format"] = kFormat;
     json entry = {{"name", "CRepoter"},

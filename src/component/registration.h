@@ -29,9 +29,16 @@ std::string RegistryPath(RegistryScope scope);
 // itself when linked statically), as an absolute path.
 std::string ComponentLibraryPath();
 
-// Adds the component's entries to the registry file of "scope", creating the file and its folder
-// when needed. Entries of other components stay as they are; registering again changes nothing.
-// Throws vantorel::Error when the file cannot be read, is not a registry, or cannot be written.
+// The library that registration records for hosts to load: this code's own file when it is the
+// shared library; from a statically linked program (the command-line tool) the shared library
+// the dynamic loader finds by its soname, libvantorel.so.1, or the program itself when there is
+// none.
+std::string LibraryToRegister();
+
+// Adds the component's entries to the registry file of "scope", naming LibraryToRegister() as
+// the server, and creates the file and its folder when needed. Entries of other components stay
+// as they are; registering again changes nothing. Throws vantorel::Error when the file cannot be
+// read, is not a registry, or cannot be written.
 void Register(RegistryScope scope);
 
 // Removes the component's entries from the registry file of "scope" and nothing else. A missing

@@ -65,6 +65,29 @@ bool IsDecimalText(std::string_view text) {
   return digits > 0 && pos == text.size();
 }
 
+// The scale a column declares ("NUMERIC(12,2)" → 2), or -1.
+int DeclaredScale(const std::string& declared) {
+  const size_t comma = declared.find(',');
+  if (comma == std::string::npos) return -1;
+  int scale = 0;
+  const char* begin = declared.data() + comma + 1;
+  while (*begin == ' ') ++begin;
+  const auto [end, ec] = std::from_chars(begin, declared.data() + declared.size(), scale);
+  return ec == std::errc() && scale >= 0 && scale <= 18 ? scale : -1;
+}
+
+// SQLite keeps no scale, so 60000.10 comes back as 60000.1: pad it back to the declared scale
+// (never cutting digits that are there).
+std::string WithScale(std::string digits, int scale) {
+  if (scale < 0) return digits;
+  const size_t point = digits.find('.');
+  const size_t have = point == std::string::npos ? 0 : digits.size() - point - 1;
+  if (have >= static_cast<size_t>(scale)) return digits;
+  if (point == std::string::npos && scale > 0) digits += '.';
+  digits.append(static_cast<size_t>(scale) - have, '0');
+  return digits;
+}
+
 std::string ShortestFixed(double value) {
   char buffer[400];
   const auto result =
@@ -81,8 +104,9 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declare
       if (Contains(declared, "BOOL")) return Value::Boolean(number != 0);
       if (IsDecimalType(declared)) {
         char buffer[24];
-        return Value::Decimal(
-            std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr));
+        return Value::Decimal(WithScale(
+            std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr),
+            DeclaredScale(declared)));
       }
       return Value::Integer(number);
     }
@@ -90,7 +114,7 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declare
       const double number = sqlite3_column_double(statement, column);
       // The shortest digits that read back as the stored double are the amount that was written.
       if (IsDecimalType(declared) && std::isfinite(number)) {
-        return Value::Decimal(ShortestFixed(number));
+        return Value::Decimal(WithScale(ShortestFixed(number), DeclaredScale(declared)));
       }
       return Value::Real(number);
     }
@@ -103,7 +127,9 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declare
           return iso->size() == 10 ? Value::FromDate(*date) : Value::FromDateTime(*date);
         }
       }
-      if (IsDecimalType(declared) && IsDecimalText(text)) return Value::Decimal(std::move(text));
+      if (IsDecimalType(declared) && IsDecimalText(text)) {
+        return Value::Decimal(WithScale(std::move(text), DeclaredScale(declared)));
+      }
       return Value::Text(std::move(text));
     }
     default: {

@@ -199,6 +199,10 @@ class Report final : public ReportObject {
 
 }  // namespace
 
+ScriptedEngine::ScriptedEngine() : shared_(std::make_shared<Shared>()) {}
+
+ScriptedEngine::~ScriptedEngine() = default;
+
 void ScriptedEngine::AddTemplate(const std::string& name, Template script) {
   shared_->templates[name] = std::move(script);
 }

@@ -39,6 +39,9 @@ class ScriptedEngine final : public Engine {
     std::vector<int> preview_features;
   };
 
+  ScriptedEngine();
+  ~ScriptedEngine() override;
+
   // Scripts template "name": it is what LoadTemplate loads for any file whose name, without
   // folders, is "name.fr3".
   void AddTemplate(const std::string& name, Template script);
@@ -53,7 +56,7 @@ class ScriptedEngine final : public Engine {
   struct Shared;  // the scripts, failures and observations every object of this engine shares
 
  private:
-  std::shared_ptr<Shared> shared_ = std::make_shared<Shared>();
+  std::shared_ptr<Shared> shared_;
   std::shared_ptr<Observed> observed_ = std::make_shared<Observed>();
 };
 

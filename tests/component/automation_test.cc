@@ -14,8 +14,8 @@
 namespace vantorel {
 namespace {
 
-using ::testing::HasSubstr;
 using testing::Bstr;
+using ::testing::HasSubstr;
 using testing::OwnedVariant;
 using testing::TakeErrorInfo;
 
@@ -86,13 +86,17 @@ TEST(Utf, InvalidUtf8BecomesOneReplacementPerMaximalSubpart) {
     std::u16string expected;
   };
   const Case cases[] = {
-      {"\xC0\xAF", u"\uFFFD\uFFFD"},                // overlong lead, then a stray byte
-      {"\xE0\x80\x80", u"\uFFFD\uFFFD\uFFFD"},      // overlong three-byte form
-      {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},      // an encoded surrogate
+      {"\xC0\xAF", u"\uFFFD\uFFFD"},                      // overlong lead, then a stray byte
+      {"\xE0\x80\x80", u"\uFFFD\uFFFD\uFFFD"},            // overlong three-byte form
+      {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},            // an encoded surrogate
       {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
-      {"\xE2\x82" "A", u"\uFFFDA"},                 // truncated euro sign
-      {"a\xFF" "b", u"a\uFFFDb"},
-      {"\xE2\x82\xB9", u"\u20B9"},                  // the rupee sign itself is fine
+      {"\xE2\x82"
+       "A",
+       u"\uFFFDA"},  // truncated euro sign
+      {"a\xFF"
+       "b",
+       u"a\uFFFDb"},
+      {"\xE2\x82\xB9", u"\u20B9"},  // the rupee sign itself is fine
   };
   for (const Case& c : cases) EXPECT_EQ(Utf8ToUtf16(c.input), c.expected) << c.input;
 }
@@ -270,8 +274,7 @@ TEST(ErrorInfo, AnswersQueryInterfaceForItsInterfaces) {
   testing::Ref<IUnknown> unknown;
   EXPECT_EQ(info->lpVtbl->QueryInterface(info.get(), IID_IUnknown, unknown.out()), S_OK);
   testing::Ref<IUnknown> dispatch;
-  EXPECT_EQ(info->lpVtbl->QueryInterface(info.get(), IID_IDispatch, dispatch.out()),
-            E_NOINTERFACE);
+  EXPECT_EQ(info->lpVtbl->QueryInterface(info.get(), IID_IDispatch, dispatch.out()), E_NOINTERFACE);
   EXPECT_FALSE(dispatch);
 }
 

@@ -1,10 +1,6 @@
 #include "component/binary_interface.h"
 
-#include <stdlib.h>
-
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -17,7 +13,7 @@
 #include "component/interface.h"
 #include "component/interface_list.h"
 #include "engine/port.h"
-#include "host/recording_platform.h"
+#include "support/test_support.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/crepoter_abi.h"
 #include "vantorel/error.h"
@@ -26,9 +22,9 @@
 namespace vantorel {
 namespace {
 
+using testing::Bstr;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::Bstr;
 using testing::OwnedVariant;
 using testing::Ref;
 using testing::TakeErrorInfo;
@@ -68,7 +64,8 @@ class RecordingEngine final : public engine::Engine {
   const Observed& observed() const { return *observed_; }
 
  private:
-  class Report final : public engine::ReportObject, public engine::EngineOptions,
+  class Report final : public engine::ReportObject,
+                       public engine::EngineOptions,
                        public engine::PreviewOptions {
    public:
     explicit Report(std::shared_ptr<Observed> observed) : observed_(std::move(observed)) {}
@@ -82,8 +79,7 @@ class RecordingEngine final : public engine::Engine {
     std::shared_ptr<engine::Component> LocateComponent(const std::string&) override {
       return nullptr;
     }
-    void SetTemplateVariable(const std::string&, const std::string&,
-                             const std::string&) override {}
+    void SetTemplateVariable(const std::string&, const std::string&, const std::string&) override {}
     void OpenDesigner() override { observed_->outputs.push_back("OpenDesigner"); }
     void ShowPreview() override { observed_->outputs.push_back("ShowPreview"); }
     void PrepareReport(bool) override { observed_->outputs.push_back("PrepareReport"); }
@@ -104,11 +100,7 @@ class RecordingEngine final : public engine::Engine {
 
 class BinaryInterfaceTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    SetPlatform(platform_);
-    SetErrorInfo(0, nullptr);
-  }
-  void TearDown() override { SetPlatform(nullptr); }
+  void SetUp() override { SetErrorInfo(0, nullptr); }
 
   static Ref<_CRepoter> Make(std::unique_ptr<CRepoter> repoter = std::make_unique<CRepoter>()) {
     Ref<_CRepoter> object;
@@ -132,7 +124,7 @@ class BinaryInterfaceTest : public ::testing::Test {
                                     result, info, arg_err);
   }
 
-  std::shared_ptr<RecordingPlatform> platform_ = std::make_shared<RecordingPlatform>();
+  testing::PlatformScope platform_;  // message boxes are recorded, not shown
 };
 
 VARIANT I2(SHORT value) {
@@ -169,7 +161,8 @@ std::string ReadBstr(HRESULT (*get)(_CRepoter*, BSTR*), _CRepoter* object) {
 }
 
 TEST(Vtable, IsIDispatchThenTheEntriesInPublishedOrder) {
-  EXPECT_EQ(sizeof(_CRepoterVtbl), (kDispatchEntryCount + InterfaceEntries().size()) * sizeof(void*));
+  EXPECT_EQ(sizeof(_CRepoterVtbl),
+            (kDispatchEntryCount + InterfaceEntries().size()) * sizeof(void*));
   EXPECT_EQ(InterfaceEntries().size(), 124u);
   EXPECT_EQ(offsetof(_CRepoterVtbl, Invoke), 6 * sizeof(void*));
   EXPECT_EQ(offsetof(_CRepoterVtbl, get_LastMsg), 7 * sizeof(void*));
@@ -366,15 +359,13 @@ TEST_F(BinaryInterfaceTest, SupportsErrorInfoForItsOwnInterface) {
   ASSERT_EQ(object->lpVtbl->QueryInterface(object.get(), IID_ISupportErrorInfo, support.out()),
             S_OK);
   EXPECT_EQ(support->lpVtbl->InterfaceSupportsErrorInfo(support.get(), IID__CRepoter), S_OK);
-  EXPECT_EQ(support->lpVtbl->InterfaceSupportsErrorInfo(support.get(), IID_IClassFactory),
-            S_FALSE);
+  EXPECT_EQ(support->lpVtbl->InterfaceSupportsErrorInfo(support.get(), IID_IClassFactory), S_FALSE);
 }
 
 TEST_F(BinaryInterfaceTest, EarlyBoundSuperReportPrintsThroughTheEngine) {
-  char folder_template[] = "/tmp/vantorel-abi-XXXXXX";
-  ASSERT_NE(::mkdtemp(folder_template), nullptr);
-  const std::string folder = std::string(folder_template) + "/";
-  std::ofstream(folder + "probe.fr3") << "<TfrxReport/>";
+  const testing::TempDir dir;
+  const std::string folder = dir.folder();
+  dir.Write("probe.fr3", "<TfrxReport/>");
   auto engine = std::make_shared<RecordingEngine>();
   Ref<_CRepoter> object = Make(std::make_unique<CRepoter>(engine));
   const auto path = Bstr(folder);
@@ -386,7 +377,6 @@ TEST_F(BinaryInterfaceTest, EarlyBoundSuperReportPrintsThroughTheEngine) {
   EXPECT_THAT(engine->observed().outputs, ElementsAre("ShowPreview"));
   EXPECT_EQ(object->lpVtbl->SuperReport(object.get(), nullptr), S_OK);  // empty: nothing
   EXPECT_EQ(engine->observed().loaded.size(), 1u);
-  std::filesystem::remove_all(folder_template);
 }
 
 TEST_F(BinaryInterfaceTest, QueryInterfaceKeepsOneIdentity) {
@@ -472,9 +462,9 @@ TEST_F(BinaryInterfaceTest, GetIDsOfNamesIgnoresCase) {
   for (const Case& c : cases) {
     OLECHAR* names[] = {const_cast<OLECHAR*>(c.name)};
     DISPID id = 0;
-    EXPECT_EQ(object->lpVtbl->GetIDsOfNames(object.get(), IID_NULL, names, 1, LOCALE_USER_DEFAULT,
-                                            &id),
-              S_OK);
+    EXPECT_EQ(
+        object->lpVtbl->GetIDsOfNames(object.get(), IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id),
+        S_OK);
     EXPECT_EQ(id, c.id);
   }
 }
@@ -518,8 +508,8 @@ TEST_F(BinaryInterfaceTest, InvokePutsWithTheNamedPropertyPutArgumentAndGets) {
   VARIANT value = Text(path.get());
   DISPID named = DISPID_PROPERTYPUT;
   DISPPARAMS params{&value, &named, 1, 1};
-  ASSERT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x40030008, IID_NULL, 0,
-                                     DISPATCH_PROPERTYPUT, &params, nullptr, nullptr, nullptr),
+  ASSERT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x40030008, IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                                     &params, nullptr, nullptr, nullptr),
             S_OK);
   OwnedVariant result;
   ASSERT_EQ(Invoke(dispatch.get(), 0x40030008, DISPATCH_PROPERTYGET, {}, result.get()), S_OK);
@@ -532,9 +522,8 @@ TEST_F(BinaryInterfaceTest, InvokePutsWithTheNamedPropertyPutArgumentAndGets) {
   V_VT(&firm) = VT_R8;
   V_R8(&firm) = 3.5;
   DISPPARAMS firm_params{&firm, &named, 1, 1};
-  ASSERT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x4003000F, IID_NULL, 0,
-                                     DISPATCH_PROPERTYPUT, &firm_params, nullptr, nullptr,
-                                     nullptr),
+  ASSERT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x4003000F, IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                                     &firm_params, nullptr, nullptr, nullptr),
             S_OK);
   OwnedVariant firm_result;
   ASSERT_EQ(Invoke(dispatch.get(), 0x4003000F, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {},
@@ -590,12 +579,12 @@ TEST_F(BinaryInterfaceTest, InvokeReportsTheArgumentOfATypeMismatch) {
   const auto many = Bstr(u"many");
   UINT arg_err = 99;
   // VehSticker(ID, NoofStickers): rgvarg holds NoofStickers first.
-  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {I2(5), Text(many.get())},
-                   nullptr, nullptr, &arg_err),
+  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {I2(5), Text(many.get())}, nullptr,
+                   nullptr, &arg_err),
             DISP_E_TYPEMISMATCH);
   EXPECT_EQ(arg_err, 0u);
-  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {Text(many.get()), I2(5)},
-                   nullptr, nullptr, &arg_err),
+  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {Text(many.get()), I2(5)}, nullptr,
+                   nullptr, &arg_err),
             DISP_E_TYPEMISMATCH);
   EXPECT_EQ(arg_err, 1u);
 }
@@ -604,13 +593,13 @@ TEST_F(BinaryInterfaceTest, InvokeReportsOverflow) {
   Ref<_CRepoter> object = Make();
   Ref<IDispatch> dispatch = Dispatch(object);
   UINT arg_err = 99;
-  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {I2(5), I4(300)}, nullptr,
-                   nullptr, &arg_err),
-            DISP_E_OVERFLOW);
-  EXPECT_EQ(arg_err, 0u);
-  EXPECT_EQ(Invoke(dispatch.get(), 0x60030004, DISPATCH_METHOD, {I4(40000)}, nullptr, nullptr,
+  EXPECT_EQ(Invoke(dispatch.get(), 0x60030017, DISPATCH_METHOD, {I2(5), I4(300)}, nullptr, nullptr,
                    &arg_err),
             DISP_E_OVERFLOW);
+  EXPECT_EQ(arg_err, 0u);
+  EXPECT_EQ(
+      Invoke(dispatch.get(), 0x60030004, DISPATCH_METHOD, {I4(40000)}, nullptr, nullptr, &arg_err),
+      DISP_E_OVERFLOW);
   EXPECT_EQ(arg_err, 0u);
 }
 
@@ -622,17 +611,16 @@ TEST_F(BinaryInterfaceTest, InvokeRefusesAnExplicitlyMissingRequiredArgument) {
   V_VT(&missing) = VT_ERROR;
   V_ERROR(&missing) = DISP_E_PARAMNOTFOUND;
   UINT arg_err = 99;
-  EXPECT_EQ(Invoke(dispatch.get(), 0x60030004, DISPATCH_METHOD, {missing}, nullptr, nullptr,
-                   &arg_err),
-            DISP_E_PARAMNOTOPTIONAL);
+  EXPECT_EQ(
+      Invoke(dispatch.get(), 0x60030004, DISPATCH_METHOD, {missing}, nullptr, nullptr, &arg_err),
+      DISP_E_PARAMNOTOPTIONAL);
   EXPECT_EQ(arg_err, 0u);
 }
 
 TEST_F(BinaryInterfaceTest, InvokeBindsNamedArguments) {
-  char folder_template[] = "/tmp/vantorel-abi-XXXXXX";
-  ASSERT_NE(::mkdtemp(folder_template), nullptr);
-  const std::string folder = std::string(folder_template) + "/";
-  std::ofstream(folder + "probe.fr3") << "<TfrxReport/>";
+  const testing::TempDir dir;
+  const std::string folder = dir.folder();
+  dir.Write("probe.fr3", "<TfrxReport/>");
   auto engine = std::make_shared<RecordingEngine>();
   Ref<_CRepoter> object = Make(std::make_unique<CRepoter>(engine));
   Ref<IDispatch> dispatch = Dispatch(object);
@@ -656,10 +644,9 @@ TEST_F(BinaryInterfaceTest, InvokeBindsNamedArguments) {
                                      &wrong_params, nullptr, nullptr, &arg_err),
             DISP_E_PARAMNOTFOUND);
   EXPECT_EQ(arg_err, 0u);
-  EXPECT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x40030000, IID_NULL, 0,
-                                     DISPATCH_PROPERTYGET, &params, nullptr, nullptr, nullptr),
+  EXPECT_EQ(dispatch->lpVtbl->Invoke(dispatch.get(), 0x40030000, IID_NULL, 0, DISPATCH_PROPERTYGET,
+                                     &params, nullptr, nullptr, nullptr),
             DISP_E_NONAMEDARGS);
-  std::filesystem::remove_all(folder_template);
 }
 
 TEST_F(BinaryInterfaceTest, InvokeTurnsAMethodFailureIntoAnException) {

@@ -16,14 +16,14 @@
 
 static int failures = 0;
 
-#define CHECK(condition, ...)                                                    \
-  do {                                                                           \
-    if (!(condition)) {                                                          \
-      fprintf(stderr, "c_host:%d: check failed: %s: ", __LINE__, #condition);   \
-      fprintf(stderr, __VA_ARGS__);                                              \
-      fputc('\n', stderr);                                                       \
-      ++failures;                                                                \
-    }                                                                            \
+#define CHECK(condition, ...)                                                 \
+  do {                                                                        \
+    if (!(condition)) {                                                       \
+      fprintf(stderr, "c_host:%d: check failed: %s: ", __LINE__, #condition); \
+      fprintf(stderr, __VA_ARGS__);                                           \
+      fputc('\n', stderr);                                                    \
+      ++failures;                                                             \
+    }                                                                         \
   } while (0)
 
 /* What the host takes from the library, found by name as a loader finds them. */
@@ -62,13 +62,12 @@ static int Find(void* handle, const char* name, void* target, size_t size) {
 static int LoadLibrary(void* handle) {
   return FIND(get_class_object, "DllGetClassObject") & FIND(can_unload_now, "DllCanUnloadNow") &
          FIND(register_server, "DllRegisterServer") &
-         FIND(unregister_server, "DllUnregisterServer") &
-         FIND(alloc_string, "SysAllocString") & FIND(free_string, "SysFreeString") &
-         FIND(get_error_info, "GetErrorInfo") & FIND(variant_init, "VariantInit") &
-         FIND(variant_clear, "VariantClear") & FIND(create, "vantorel_create") &
-         FIND(destroy, "vantorel_destroy") & FIND(set_property, "vantorel_set_property") &
-         FIND(get_property, "vantorel_get_property") & FIND(invoke, "vantorel_invoke") &
-         FIND(last_error_number, "vantorel_last_error_number") &
+         FIND(unregister_server, "DllUnregisterServer") & FIND(alloc_string, "SysAllocString") &
+         FIND(free_string, "SysFreeString") & FIND(get_error_info, "GetErrorInfo") &
+         FIND(variant_init, "VariantInit") & FIND(variant_clear, "VariantClear") &
+         FIND(create, "vantorel_create") & FIND(destroy, "vantorel_destroy") &
+         FIND(set_property, "vantorel_set_property") & FIND(get_property, "vantorel_get_property") &
+         FIND(invoke, "vantorel_invoke") & FIND(last_error_number, "vantorel_last_error_number") &
          FIND(last_error_text, "vantorel_last_error_text") &
          FIND(set_message_box_handler, "vantorel_set_message_box_handler");
 }
@@ -191,8 +190,8 @@ static void LateBound(_CRepoter* rep) {
 
   OLECHAR* names[] = {(OLECHAR*)u"rptname"};
   DISPID id = 0;
-  CHECK(dispatch->lpVtbl->GetIDsOfNames(dispatch, &IID_NULL, names, 1, LOCALE_USER_DEFAULT,
-                                        &id) == S_OK &&
+  CHECK(dispatch->lpVtbl->GetIDsOfNames(dispatch, &IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id) ==
+                S_OK &&
             id == 0x40030009,
         "RptName is 0x40030009, got 0x%08x", (unsigned)id);
 
@@ -236,8 +235,8 @@ static void LateBound(_CRepoter* rep) {
   lib.free_string(info.bstrHelpFile);
   lib.variant_clear(&args[0]);
 
-  CHECK(dispatch->lpVtbl->Invoke(dispatch, 0x60030002, &IID_NULL, 0, DISPATCH_METHOD, &none,
-                                 NULL, NULL, NULL) == DISP_E_MEMBERNOTFOUND,
+  CHECK(dispatch->lpVtbl->Invoke(dispatch, 0x60030002, &IID_NULL, 0, DISPATCH_METHOD, &none, NULL,
+                                 NULL, NULL) == DISP_E_MEMBERNOTFOUND,
         "0x60030002 belongs to nothing");
   dispatch->lpVtbl->Release(dispatch);
 }
@@ -313,10 +312,10 @@ int main(int argc, char** argv) {
   CHECK(lib.can_unload_now() == S_OK, "nothing in use at the start");
 
   void* out = &out;
-  CHECK(lib.get_class_object(&IID_IDispatch, &IID_IClassFactory, &out) ==
-                CLASS_E_CLASSNOTAVAILABLE &&
-            out == NULL,
-        "only our class is served");
+  CHECK(
+      lib.get_class_object(&IID_IDispatch, &IID_IClassFactory, &out) == CLASS_E_CLASSNOTAVAILABLE &&
+          out == NULL,
+      "only our class is served");
   IClassFactory* factory = NULL;
   CHECK(lib.get_class_object(&CLSID_CRepoter, &IID_IClassFactory, (void**)&factory) == S_OK,
         "DllGetClassObject");

@@ -1,8 +1,5 @@
 #include <stdlib.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -11,13 +8,14 @@
 #include "com_test_support.h"
 #include "component/binary_interface.h"
 #include "component/registration.h"
+#include "support/test_support.h"
 #include "vantorel/crepoter_abi.h"
 
 namespace vantorel {
 namespace {
 
-using ::testing::HasSubstr;
 using testing::Bstr;
+using ::testing::HasSubstr;
 using testing::Ref;
 using testing::TakeErrorInfo;
 
@@ -88,29 +86,23 @@ TEST(ClassFactory, CanUnloadOnlyWhenNothingIsInUse) {
 class SelfRegistrationTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    char folder[] = "/tmp/vantorel-reg-XXXXXX";
-    ASSERT_NE(::mkdtemp(folder), nullptr);
-    folder_ = folder;
-    ::setenv("VANTOREL_REGISTRY", (folder_ + "/registry.json").c_str(), 1);
+    ::setenv("VANTOREL_REGISTRY", (dir_.path() / "registry.json").c_str(), 1);
   }
-  void TearDown() override {
-    ::unsetenv("VANTOREL_REGISTRY");
-    std::filesystem::remove_all(folder_);
-  }
+  void TearDown() override { ::unsetenv("VANTOREL_REGISTRY"); }
 
-  std::string folder_;
+  testing::TempDir dir_;
 };
 
 TEST_F(SelfRegistrationTest, RegistersAndUnregistersThePerUserFile) {
   ASSERT_EQ(DllRegisterServer(), S_OK);
-  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), ComponentLibraryPath());
+  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), LibraryToRegister());
   ASSERT_EQ(DllUnregisterServer(), S_OK);
   EXPECT_EQ(LookupLibrary(VANTOREL_CLSID_TEXT), std::nullopt);
 }
 
 TEST_F(SelfRegistrationTest, FailsWithTheSelfRegistrationStatus) {
-  std::ofstream(folder_ + "/file") << "in the way";
-  ::setenv("VANTOREL_REGISTRY", (folder_ + "/file/registry.json").c_str(), 1);
+  const std::string in_the_way = dir_.Write("file", "in the way");
+  ::setenv("VANTOREL_REGISTRY", (in_the_way + "/registry.json").c_str(), 1);
   EXPECT_EQ(DllRegisterServer(), SELFREG_E_CLASS);
   const auto info = TakeErrorInfo();
   ASSERT_TRUE(info.has_value());

@@ -68,8 +68,7 @@ TEST(GeneratedFiles, AbiHeaderSpellsEveryParameterWithItsCType) {
   EXPECT_NE(header.find("(_CRepoter* This, short ID, unsigned char NoofStickers);"),
             std::string::npos);
   EXPECT_NE(header.find("VARIANT* LogoFile);"), std::string::npos);
-  EXPECT_NE(header.find("get_FirmID)(_CRepoter* This, unsigned char* FirmID);"),
-            std::string::npos);
+  EXPECT_NE(header.find("get_FirmID)(_CRepoter* This, unsigned char* FirmID);"), std::string::npos);
   EXPECT_NE(header.find("put_Export)(_CRepoter* This, VARIANT_BOOL Export);"), std::string::npos);
   for (size_t start = 0, end; start < header.size(); start = end + 1) {
     end = header.find('\n', start);

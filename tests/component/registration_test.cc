@@ -1,7 +1,6 @@
 #include "component/registration.h"
 
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cctype>
@@ -15,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/test_support.h"
 #include "vantorel/error.h"
 #include "vantorel/identity.h"
 
@@ -43,17 +43,13 @@ std::string ReadFile(const fs::path& path) {
 class RegistrationTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    char folder[] = "/tmp/vantorel-reg-XXXXXX";
-    ASSERT_NE(::mkdtemp(folder), nullptr);
-    folder_ = folder;
-    file_ = folder_ / "user" / "registry.json";
+    file_ = dir_.path() / "user" / "registry.json";
     ::setenv("VANTOREL_REGISTRY", file_.c_str(), 1);
-    ::setenv("VANTOREL_SYSTEM_REGISTRY", (folder_ / "system" / "registry.json").c_str(), 1);
+    ::setenv("VANTOREL_SYSTEM_REGISTRY", (dir_.path() / "system" / "registry.json").c_str(), 1);
   }
   void TearDown() override {
     ::unsetenv("VANTOREL_REGISTRY");
     ::unsetenv("VANTOREL_SYSTEM_REGISTRY");
-    fs::remove_all(folder_);
   }
 
   json Document() const { return json::parse(ReadFile(file_)); }
@@ -62,7 +58,7 @@ class RegistrationTest : public ::testing::Test {
     std::ofstream(file_) << kForeign;
   }
 
-  fs::path folder_;
+  testing::TempDir dir_;
   fs::path file_;
 };
 
@@ -89,12 +85,18 @@ TEST(ComponentLibraryPath, IsAnAbsolutePathToAFile) {
   EXPECT_TRUE(fs::is_regular_file(path)) << path;
 }
 
+TEST(LibraryToRegister, FromAStaticProgramIsTheSharedLibraryOrTheProgram) {
+  const fs::path library = LibraryToRegister();
+  EXPECT_TRUE(library.filename() == "libvantorel.so.1" || fs::equivalent(library, "/proc/self/exe"))
+      << library;
+}
+
 TEST_F(RegistrationTest, RegisterWritesTheClassProgIdInterfaceAndTypeLibrary) {
   Register(RegistryScope::kUser);
   const json document = Document();
   const json& entry = document["classes"][VANTOREL_CLSID_TEXT];
   EXPECT_EQ(entry["progid"], "Vantorel.CRepoter");
-  EXPECT_EQ(entry["library"], ComponentLibraryPath());
+  EXPECT_EQ(entry["library"], LibraryToRegister());
   EXPECT_EQ(entry["threading_model"], "Apartment");
   EXPECT_EQ(entry["typelib"], VANTOREL_LIBID_TEXT);
   EXPECT_EQ(entry["version"], "1.0");
@@ -196,7 +198,7 @@ TEST_F(RegistrationTest, WritesAreAtomicAndLeaveNoTemporaryFiles) {
 TEST_F(RegistrationTest, LookupFindsTheLibraryByProgIdOrClassIdentifier) {
   EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), std::nullopt);
   Register(RegistryScope::kUser);
-  const std::string library = ComponentLibraryPath();
+  const std::string library = LibraryToRegister();
   EXPECT_EQ(LookupLibrary("vantorel.crepoter"), library);
   EXPECT_EQ(LookupLibrary("{4147de95-3106-42fb-b4ed-74a90ffaa307}"), library);
   EXPECT_EQ(LookupLibrary("Other.Thing"), std::nullopt);
@@ -205,9 +207,9 @@ TEST_F(RegistrationTest, LookupFindsTheLibraryByProgIdOrClassIdentifier) {
 TEST_F(RegistrationTest, LookupFallsBackToTheSystemFile) {
   Register(RegistryScope::kSystem);
   EXPECT_FALSE(fs::exists(file_));
-  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), ComponentLibraryPath());
+  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), LibraryToRegister());
   WriteForeign();  // a per-user file without our class does not hide the system one
-  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), ComponentLibraryPath());
+  EXPECT_EQ(LookupLibrary("Vantorel.CRepoter"), LibraryToRegister());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #                             STOPPED_PDF  the same, but disabled (cupsdisable): it accepts jobs
 #                                          and never prints them
 #                             REJECTING    the same, but refusing jobs (cupsreject)
+#                             HELD         the same, but holding every job until released
 #                           and writes "127.0.0.1:PORT" (what CUPS_SERVER takes) to DIR/server
 #   cups.sh stop DIR        stops the server, waits for it to exit and removes its files
 # Needs root: cupsd starts as root, and the cups-pdf backend reads its per-queue settings only
@@ -118,13 +119,16 @@ EOF
     exit 1
   fi
 
-  local ppd=lsb/usr/cups-pdf/CUPS-PDF_noopt.ppd uri
-  uri=cups-pdf:/$(pdf_conf_name "$port")
-  lpadmin -p VIRTUAL_PDF -E -v "$uri" -m "$ppd" 2>/dev/null
-  lpadmin -p STOPPED_PDF -E -v "$uri" -m "$ppd" 2>/dev/null
+  # cups-pdf takes PostScript. Poppler's pdftops keeps the text as text on the way there, so the
+  # tests can read it back; Ghostscript, the usual choice, turns it into outlines.
+  local queue=(-E -v "cups-pdf:/$(pdf_conf_name "$port")" -m lsb/usr/cups-pdf/CUPS-PDF_noopt.ppd
+               -o pdftops-renderer-default=pdftops)
+  lpadmin -p VIRTUAL_PDF "${queue[@]}" 2>/dev/null
+  lpadmin -p STOPPED_PDF "${queue[@]}" 2>/dev/null
   cupsdisable -r "stopped by the test fixture" STOPPED_PDF
-  lpadmin -p REJECTING -E -v "$uri" -m "$ppd" 2>/dev/null
+  lpadmin -p REJECTING "${queue[@]}" 2>/dev/null
   cupsreject -r "rejecting by the test fixture" REJECTING
+  lpadmin -p HELD "${queue[@]}" -o job-hold-until-default=indefinite 2>/dev/null
   lpadmin -d VIRTUAL_PDF
 
   echo "127.0.0.1:$port" >"$dir/server"

@@ -183,6 +183,7 @@ struct CompiledReport {
       column_footer;
   std::vector<CompiledData> data;
   int data_count = 0;  // data bands including details
+  std::vector<int> data_groups;  // per data band: how many group levels it has
   // Memos by index (pointers into the bands above) with the place each sits in.
   std::vector<const CompiledText*> memos;
   std::vector<BandPlace> memo_places;

@@ -101,6 +101,7 @@ class ReportBinder final : public expr::Binder {
       spec.scope = AggregateScope::kBand;
     } else if (scope_name == "RUNNING") {
       spec.scope = AggregateScope::kRunning;
+      spec.group_level = InnermostGroup(spec.data);
     } else {
       switch (place.kind) {
         case BandKind::kPageHeader:
@@ -117,6 +118,7 @@ class ReportBinder final : public expr::Binder {
         case BandKind::kData:
         case BandKind::kChild:
           spec.scope = own_band ? AggregateScope::kRunning : AggregateScope::kReport;
+          spec.group_level = own_band ? InnermostGroup(spec.data) : -1;
           break;
         default: spec.scope = AggregateScope::kReport;
       }
@@ -126,6 +128,13 @@ class ReportBinder final : public expr::Binder {
   }
 
  private:
+  // Running totals start again with each group of the innermost level.
+  int InnermostGroup(int data) const {
+    return data >= 0 && static_cast<size_t>(data) < report_.data_groups.size()
+               ? report_.data_groups[static_cast<size_t>(data)] - 1
+               : -1;
+  }
+
   const CompiledReport& report_;
   std::vector<FieldSpec>& fields_;
   std::vector<AggregateSpec>& aggregates_;
@@ -301,6 +310,7 @@ class Compiler {
   void NumberData(const DataBand& data) {
     const int index = static_cast<int>(data_names_.size());
     data_names_.push_back(data.band.name);
+    report_->data_groups.push_back(static_cast<int>(data.groups.size()));
     if (!data.query.empty()) {
       const int query = report_->FindQuery(data.query);
       if (query < 0) {

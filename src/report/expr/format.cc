@@ -175,11 +175,7 @@ DigitText RoundedDigits(const Value& value, bool percent, int decimals) {
   } else {
     double x = value.number();
     if (percent) x *= 100;
-    // The shortest digits that read back as x (1.5e25 is 15 and 24 zeros, not the binary
-    // value's 15000000000000000905969664), rounded below as text.
-    char buffer[400];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed);
-    if (result.ec == std::errc()) text.assign(buffer, result.ptr);
+    text = ShortestPlainDigits(x);
   }
   DigitText d;
   if (!text.empty() && text[0] == '-') {

@@ -280,7 +280,7 @@ Value CallPlain(Function function, const Value* args, int count) {
       return RoundNumber(x, *decimals);
     }
     case Function::kAbs: {
-      const Value x = ToNumber(args[0]);
+      Value x = ToNumber(args[0]);
       if (x.kind() == Kind::kDecimal && x.decimal().mantissa() < 0) return Negate(x);
       if (x.kind() == Kind::kDouble) return Value::Number(std::fabs(x.number()));
       return x;
@@ -290,7 +290,7 @@ Value CallPlain(Function function, const Value* args, int count) {
     case Function::kTrunc:
     case Function::kCeil: {
       const Value x = ToNumber(args[0]);
-      if (x.is_null()) return x;
+      if (x.is_null()) return Value();
       const int direction = function == Function::kCeil ? 1 : function == Function::kTrunc ? 0 : -1;
       return WholeNumber(x, direction);
     }
@@ -312,7 +312,7 @@ Value CallPlain(Function function, const Value* args, int count) {
     }
     case Function::kAmountInWords: {
       const Value x = ToNumber(args[0]);
-      if (x.is_null()) return x;
+      if (x.is_null()) return Value();
       try {
         return Value::Text(AmountInWords(x.number()));
       } catch (...) {

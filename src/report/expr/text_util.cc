@@ -16,13 +16,52 @@ void AppendPadded(std::string& out, int64_t value, int width) {
   out.append(buffer, result.ptr);
 }
 
+std::string ShortestPlainDigits(double value) {
+  // Fixed notation of std::to_chars writes every digit of a large binary value
+  // (15000000000000000905969664); the shortest scientific form has only the digits that matter.
+  if (!std::isfinite(value)) return {};
+  char buffer[64];
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific);
+  if (result.ec != std::errc()) return {};
+  const std::string_view text(buffer, static_cast<size_t>(result.ptr - buffer));
+  const size_t e = text.find('e');
+  if (e == std::string_view::npos || e + 1 >= text.size()) return {};
+  std::string digits;
+  bool negative = false;
+  for (const char c : text.substr(0, e)) {
+    if (c == '-') negative = true;
+    if (c >= '0' && c <= '9') digits += c;
+  }
+  int exponent = 0;
+  std::from_chars(text.data() + e + (text[e + 1] == '+' ? 2 : 1), text.data() + text.size(),
+                  exponent);
+  // The point goes after digit number exponent + 1.
+  const int point = exponent + 1;
+  std::string out = negative ? "-" : "";
+  const int count = static_cast<int>(digits.size());
+  if (point <= 0) {
+    out += "0.";
+    out.append(static_cast<size_t>(-point), '0');
+    out += digits;
+  } else if (point >= count) {
+    out += digits;
+    out.append(static_cast<size_t>(point - count), '0');
+  } else {
+    out.append(digits, 0, static_cast<size_t>(point));
+    out += '.';
+    out.append(digits, static_cast<size_t>(point), std::string::npos);
+  }
+  return out;
+}
+
 std::string DoubleText(double value) {
-  char buffer[512];
   const double magnitude = std::fabs(value);
-  const auto format = magnitude == 0 || (magnitude >= 1e-6 && magnitude < 1e21)
-                          ? std::chars_format::fixed
-                          : std::chars_format::scientific;
-  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, format);
+  if (magnitude == 0) return "0";
+  if (magnitude >= 1e-6 && magnitude < 1e21) return ShortestPlainDigits(value);
+  char buffer[64];
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific);
   if (result.ec != std::errc()) return {};
   return std::string(buffer, result.ptr);
 }

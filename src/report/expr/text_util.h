@@ -14,6 +14,10 @@ namespace vantorel::report::expr {
 // "value" in decimal with at least "width" digits (zero padded); a minus sign for negatives.
 void AppendPadded(std::string& out, int64_t value, int width);
 
+// The shortest digits that read back as "value", written out without an exponent
+// ("15000000000000000000000000" for 1.5e25, "0.0000001" for 1e-7).
+std::string ShortestPlainDigits(double value);
+
 // A double in shortest round-trip form: plain digits between 1e-6 and 1e21, otherwise with an
 // exponent ("1.5e+25").
 std::string DoubleText(double value);

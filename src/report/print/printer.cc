@@ -3,9 +3,8 @@
 #include <cups/cups.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <thread>
@@ -40,15 +39,22 @@ std::string LastCupsError() {
   return text != nullptr && *text != '\0' ? text : ippErrorString(cupsLastError());
 }
 
-// A connection of our own to the scheduler cupsServer() names (CUPS_SERVER, client.conf or the
-// local socket), so one job's requests share it and threads never share one.
+// The server cupsServer() names (CUPS_SERVER, client.conf or the local socket), for messages.
+std::string ServerName() {
+  const std::string server = cupsServer();
+  if (server.empty() || server[0] == '/') return server;
+  return server + ":" + std::to_string(ippPort());
+}
+
+// A connection of our own to the scheduler, so one job's requests share it and threads never
+// share one.
 Http Connect() {
-  const char* server = cupsServer();
-  http_t* http = httpConnect2(server, ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, 30000,
-                              nullptr);
+  http_t* http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1,
+                              30000, nullptr);
   if (http == nullptr) {
-    Fail(std::string("Cannot reach the CUPS print server at ") + server + ": " +
-         std::strerror(errno) + ". Check that CUPS is running (systemctl status cups).");
+    Fail("Cannot connect to the CUPS print server at " + ServerName() +
+         ". Check that CUPS is running (systemctl status cups) and, when CUPS_SERVER is set, "
+         "that it names the right server.");
   }
   return Http(http);
 }
@@ -260,21 +266,27 @@ class Job {
   int id_ = 0;
 };
 
-// The queue "options" names, or the user's default (lpoptions, then the server's default).
+// The queue "requested" names, or when it is empty the user's default: LPDEST or PRINTER, then
+// lpoptions, then the server's default, as every CUPS client chooses.
 std::string ResolveQueue(http_t* http, const std::string& requested) {
   Dest dest(cupsGetNamedDest(http, requested.empty() ? nullptr : requested.c_str(), nullptr));
-  if (dest == nullptr) {
-    if (requested.empty()) {
-      Fail(std::string("No printer was named and there is no default printer on the CUPS server "
-                       "at ") +
-           cupsServer() +
-           ". Name a queue in the template's printer setting or in VANTOREL_PRINTER, or choose a "
-           "default with \"lpoptions -d QUEUE\" (\"lpstat -p\" lists the queues).");
-    }
+  if (dest != nullptr) return dest->name;
+  const std::string listing = " (\"lpstat -p\" lists the queues).";
+  if (!requested.empty()) {
     Fail("Printer queue \"" + requested + "\" does not exist on the CUPS server at " +
-         cupsServer() + " (\"lpstat -p\" lists the queues).");
+         ServerName() + listing);
   }
-  return dest->name;
+  for (const char* variable : {"LPDEST", "PRINTER"}) {
+    const char* value = std::getenv(variable);
+    if (value != nullptr && *value != '\0') {
+      Fail(std::string("The default printer queue \"") + value + "\", named by " + variable +
+           ", does not exist on the CUPS server at " + ServerName() + listing);
+    }
+  }
+  Fail("No printer was named and there is no default printer on the CUPS server at " +
+       ServerName() +
+       ". Name a queue in the template's printer setting or in VANTOREL_PRINTER, or choose a "
+       "default with \"lpoptions -d QUEUE\"" + listing);
 }
 
 }  // namespace

@@ -51,6 +51,18 @@ void PaintText(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style)
   }
 }
 
+bool IsVector(cairo_surface_t* surface) {
+  switch (cairo_surface_get_type(surface)) {
+    case CAIRO_SURFACE_TYPE_PDF:
+    case CAIRO_SURFACE_TYPE_PS:
+    case CAIRO_SURFACE_TYPE_SVG:
+    case CAIRO_SURFACE_TYPE_RECORDING:
+      return true;
+    default:
+      return false;
+  }
+}
+
 bool Overflows(const LaidOutText& laid_out, float width, float height) {
   if (laid_out.size.height > height + kSlack) return true;
   return std::any_of(laid_out.lines.begin(), laid_out.lines.end(), [&](const text::TextLine& l) {
@@ -89,11 +101,20 @@ void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::str
 
     cairo_save(cr);
     // Clipping costs a save, a path and a restore in every output, so only text that needs it
-    // gets it. Clipped text stays in a PDF's text layer all the same.
-    if (style.clip && Overflows(*laid_out, frame_width, frame_height)) {
+    // gets it.
+    const bool clip = style.clip && Overflows(*laid_out, frame_width, frame_height);
+    // Cairo drops glyphs lying more than ten font sizes outside the clip, which would take
+    // clipped text out of a PDF's text layer too. On vector surfaces the text is drawn unclipped
+    // into a group (a form in the PDF) and the group is painted through the clip; every glyph
+    // stays in the file, as hidden data must not rely on clipping.
+    const bool grouped = clip && IsVector(cairo_get_target(cr));
+    if (grouped) {
+      cairo_push_group(cr);
+    } else if (clip) {
       cairo_rectangle(cr, box.x, box.y, box.width, box.height);
       cairo_clip(cr);
     }
+    cairo_save(cr);
     constexpr double kQuarterTurn = std::numbers::pi / 2;
     if (rotation == 90) {
       cairo_translate(cr, inner_x, inner_y + inner_height);
@@ -109,6 +130,13 @@ void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::str
     }
     cairo_translate(cr, 0, y);
     PaintText(cr, *laid_out, style);
+    cairo_restore(cr);
+    if (grouped) {
+      cairo_pop_group_to_source(cr);
+      cairo_rectangle(cr, box.x, box.y, box.width, box.height);
+      cairo_clip(cr);
+      cairo_paint(cr);
+    }
     cairo_restore(cr);
   }
   render::StrokeBorders(cr, box, style.borders, style.border);

@@ -1,0 +1,698 @@
+-- The demo dealership database: a two-wheeler and cycle dealer in Pune with two branches and
+-- six sub-dealers. The same text runs on SQLite 3.40 and PostgreSQL 15: plain types, explicit
+-- ids, unquoted lower-case names, views of joins, coalesce and case only.
+-- docs/demo-database.md describes every table and view and which document reads it.
+-- Statements end with a semicolon at the end of a line and comments sit on lines of their own,
+-- so a loader may split the text on line-final semicolons.
+
+drop view if exists vu_vintrf;
+drop view if exists vu_btveh;
+drop view if exists vu_purveh;
+drop view if exists vu_bulkreceipt;
+drop view if exists vu_receipt;
+drop view if exists vu_tempnumber;
+drop view if exists vu_invoicehead;
+drop view if exists vu_invoice;
+drop view if exists vu_challan;
+drop table if exists numbers;
+drop table if exists hsrp;
+drop table if exists tempreg;
+drop table if exists bulkrecdet;
+drop table if exists bulkrec;
+drop table if exists receipt;
+drop table if exists enqdata;
+drop table if exists purdata;
+drop table if exists invoice;
+drop table if exists challan;
+drop table if exists vintrfdet;
+drop table if exists vintrf;
+drop table if exists btdetveh;
+drop table if exists btmstveh;
+drop table if exists purveh;
+drop table if exists vehicle;
+drop table if exists purchase;
+drop table if exists pricelist;
+drop table if exists item;
+drop table if exists color;
+drop table if exists vehmodel;
+drop table if exists customer;
+drop table if exists branch;
+drop table if exists fa_acmaster;
+drop table if exists para_setup;
+drop table if exists firm;
+
+-- The dealer firm; templates read it by coid (query "mst" of the wrc template).
+create table firm (
+  coid integer primary key,
+  name varchar(80) not null,
+  name_local varchar(80),
+  tagline varchar(120),
+  add1 varchar(80),
+  add2 varchar(80),
+  add3 varchar(80),
+  city varchar(40),
+  district varchar(40),
+  state varchar(40),
+  state_code varchar(2),
+  pin varchar(6),
+  phone varchar(40),
+  mobile varchar(20),
+  email varchar(80),
+  website varchar(80),
+  gstin varchar(15),
+  pan varchar(10),
+  dealer_code varchar(20),
+  trade_cert varchar(40),
+  bank_name varchar(60),
+  bank_branch varchar(60),
+  bank_acno varchar(20),
+  bank_ifsc varchar(11),
+  jurisdiction varchar(60),
+  logo varchar(80),
+  terms varchar(400)
+);
+
+-- Application settings. ('CHALLAN','GATEPASS') = 'Y' prints customer challans as gate passes.
+create table para_setup (
+  para_flag varchar(20) not null,
+  para_type varchar(20) not null,
+  para_value varchar(100),
+  para_desc varchar(120),
+  primary key (para_flag, para_type)
+);
+
+-- The account master: suppliers, sub-dealers, branch accounts, financiers, banks, cash.
+-- It has no column named id: the branch-transfer print joins it with btmstveh by bare "id".
+create table fa_acmaster (
+  am_id integer primary key,
+  am_name varchar(80) not null,
+  am_group varchar(20) not null,
+  am_add1 varchar(80),
+  am_add2 varchar(80),
+  am_add3 varchar(80),
+  am_town varchar(40),
+  am_district varchar(40),
+  am_state varchar(40),
+  am_statecode varchar(2),
+  am_pin varchar(6),
+  am_gst varchar(15),
+  am_pan varchar(10),
+  am_phone varchar(40),
+  am_mobile varchar(20),
+  am_email varchar(80),
+  am_contact varchar(60),
+  am_opbal numeric(12,2)
+);
+
+create table branch (
+  br_id integer primary key,
+  coid integer not null references firm (coid),
+  br_code varchar(6) not null,
+  br_name varchar(60) not null,
+  br_add1 varchar(80),
+  br_add2 varchar(80),
+  br_city varchar(40),
+  br_pin varchar(6),
+  br_phone varchar(40),
+  br_rto varchar(40),
+  br_manager varchar(60),
+  am_id integer not null references fa_acmaster (am_id)
+);
+
+create table customer (
+  cust_id integer primary key,
+  ctitle varchar(6),
+  first_name varchar(40),
+  surname varchar(40),
+  cname varchar(80) not null,
+  relation varchar(3),
+  cfname varchar(80),
+  cadd1 varchar(80),
+  cadd2 varchar(80),
+  cadd3 varchar(80),
+  ccity varchar(40),
+  cdistrict varchar(40),
+  cstate varchar(40),
+  cstatecode varchar(2),
+  cpin varchar(6),
+  cmobile varchar(10),
+  cphone varchar(20),
+  cemail varchar(80),
+  cgstin varchar(15),
+  cpan varchar(10),
+  caadhaar varchar(14),
+  cdob date,
+  coccupation varchar(40)
+);
+
+-- One row per sellable model and variant.
+create table vehmodel (
+  model_id integer primary key,
+  make varchar(40) not null,
+  model_code varchar(12) not null,
+  model varchar(40) not null,
+  variant varchar(40),
+  vcat varchar(2) not null,
+  vclass varchar(60),
+  body_type varchar(30),
+  fuel varchar(20),
+  hsn varchar(8) not null,
+  cc numeric(6,1),
+  cylinders integer,
+  max_power varchar(30),
+  seating integer,
+  wheelbase integer,
+  unladen_wt integer,
+  gross_wt integer,
+  emission_norms varchar(20),
+  noise_db numeric(5,1),
+  battery_kwh numeric(4,2),
+  motor_kw numeric(4,2),
+  wheel_size varchar(10),
+  gears integer,
+  type_approval varchar(30),
+  mfr_name varchar(80),
+  mfr_add varchar(120),
+  exsh_price numeric(12,2),
+  subsidy_eligible varchar(1)
+);
+
+-- Ex-showroom prices (GST included) by period; to_date null means "still in force".
+create table pricelist (
+  model_id integer not null references vehmodel (model_id),
+  from_date date not null,
+  to_date date,
+  exsh_price numeric(12,2) not null,
+  primary key (model_id, from_date)
+);
+
+create table color (
+  color_id integer primary key,
+  color_name varchar(30) not null,
+  color_code varchar(6)
+);
+
+-- Helmets, accessories and cycle fittings sold on vehicle invoices and challans.
+create table item (
+  item_id integer primary key,
+  item_code varchar(12) not null,
+  item_name varchar(60) not null,
+  icat varchar(10) not null,
+  hsn varchar(8) not null,
+  mrp numeric(12,2)
+);
+
+-- Purchase bills from the manufacturers (the vehicle purchase print joins supid to am_id).
+create table purchase (
+  id integer primary key,
+  supid integer not null references fa_acmaster (am_id),
+  billno varchar(30) not null,
+  billdate date not null,
+  recdate date,
+  grn_no varchar(20),
+  br_id integer references branch (br_id),
+  nveh integer,
+  taxable numeric(12,2),
+  cgst numeric(12,2),
+  sgst numeric(12,2),
+  igst numeric(12,2),
+  total numeric(12,2),
+  transporter varchar(60),
+  lr_no varchar(20),
+  lr_date date,
+  truck_no varchar(12),
+  ewb_no varchar(12),
+  remarks varchar(120)
+);
+
+create table vehicle (
+  veh_id integer primary key,
+  model_id integer not null references vehmodel (model_id),
+  color_id integer not null references color (color_id),
+  chassis varchar(17) not null unique,
+  engine varchar(20) unique,
+  battery_no varchar(20),
+  battery_make varchar(30),
+  charger_no varchar(20),
+  key_no varchar(10),
+  mfg_month integer,
+  mfg_year integer,
+  purid integer references purchase (id),
+  br_id integer references branch (br_id),
+  status varchar(10),
+  kit_items varchar(120)
+);
+
+create table purveh (
+  purid integer not null references purchase (id),
+  line integer not null,
+  veh_id integer not null references vehicle (veh_id),
+  hsn varchar(8),
+  rate numeric(12,2),
+  taxable numeric(12,2),
+  cgst_rate numeric(5,2),
+  cgst_amt numeric(12,2),
+  sgst_rate numeric(5,2),
+  sgst_amt numeric(12,2),
+  igst_rate numeric(5,2),
+  igst_amt numeric(12,2),
+  amount numeric(12,2),
+  primary key (purid, line)
+);
+
+-- Branch transfers of vehicles; btto is the receiving branch's account (fa_acmaster.am_id).
+create table btmstveh (
+  id integer primary key,
+  btno varchar(20) not null,
+  btdate date not null,
+  btfrom integer not null references fa_acmaster (am_id),
+  btto integer not null references fa_acmaster (am_id),
+  from_br integer references branch (br_id),
+  to_br integer references branch (br_id),
+  nveh integer,
+  btvalue numeric(12,2),
+  vehicle_no varchar(12),
+  driver varchar(40),
+  remarks varchar(120)
+);
+
+create table btdetveh (
+  btid integer not null references btmstveh (id),
+  line integer not null,
+  veh_id integer not null references vehicle (veh_id),
+  rate numeric(12,2),
+  primary key (btid, line)
+);
+
+-- Vehicle transfer notes between stock points (godown, showroom floor, yards), by tid.
+create table vintrf (
+  tid integer primary key,
+  tno varchar(20) not null,
+  tdate date not null,
+  from_loc varchar(60),
+  to_loc varchar(60),
+  reason varchar(80),
+  authorised_by varchar(40),
+  remarks varchar(120)
+);
+
+create table vintrfdet (
+  tid integer not null references vintrf (tid),
+  line integer not null,
+  veh_id integer not null references vehicle (veh_id),
+  remarks varchar(60),
+  primary key (tid, line)
+);
+
+-- Delivery challans: type 'C' to a customer, 'S' to a sub-dealer. amt = sum of the lines'
+-- chlamt. invid is the invoice the challan was later billed on (no constraint: invoices point
+-- back at their challan).
+create table challan (
+  id integer primary key,
+  type varchar(1) not null,
+  num varchar(20) not null,
+  cdate date not null,
+  br_id integer references branch (br_id),
+  cust_id integer references customer (cust_id),
+  am_id integer references fa_acmaster (am_id),
+  amt numeric(12,2) not null,
+  gp_no varchar(20),
+  transporter varchar(60),
+  truck_no varchar(12),
+  prepared_by varchar(40),
+  invid integer,
+  remarks varchar(120)
+);
+
+-- Vehicle sale invoices: itype 'R' retail (a customer), 'S' a sub-dealer. Totals are the sums
+-- of the invoice's purdata lines; payable = invamt - tot_subsidy.
+create table invoice (
+  id integer primary key,
+  itype varchar(1) not null,
+  num varchar(16) not null,
+  idate date not null,
+  br_id integer references branch (br_id),
+  cust_id integer references customer (cust_id),
+  am_id integer references fa_acmaster (am_id),
+  chlid integer references challan (id),
+  veh_id integer references vehicle (veh_id),
+  vcat varchar(2),
+  hypothecation varchar(80),
+  fin_id integer references fa_acmaster (am_id),
+  booking_no varchar(20),
+  booking_date date,
+  executive varchar(40),
+  pos_state varchar(40),
+  pos_code varchar(2),
+  reverse_charge varchar(1),
+  tot_taxable numeric(12,2),
+  tot_cgst numeric(12,2),
+  tot_sgst numeric(12,2),
+  tot_igst numeric(12,2),
+  invamt numeric(12,2),
+  tot_subsidy numeric(12,2),
+  payable numeric(12,2),
+  irn varchar(64),
+  ack_no varchar(20),
+  ack_date timestamp,
+  qr_text varchar(1000),
+  ewb_no varchar(12),
+  ewb_date timestamp,
+  transporter varchar(60),
+  lr_no varchar(20),
+  truck_no varchar(12),
+  regno varchar(12),
+  reg_date date,
+  rto varchar(40),
+  ins_company varchar(60),
+  ins_policy varchar(30),
+  ins_from date,
+  ins_upto date,
+  remarks varchar(120)
+);
+
+-- Item lines of invoices (invid) and challans (chlid); each row belongs to exactly one of them.
+-- netprice is the line total including tax (taxable + cgst + sgst + igst); chlamt repeats it on
+-- challan lines. subsidyamt is the EV subsidy of the line, 0 on other vehicle lines from
+-- October 2024 and null on older lines and on accessory lines.
+create table purdata (
+  pd_id integer primary key,
+  invid integer references invoice (id),
+  chlid integer references challan (id),
+  line integer not null,
+  item_kind varchar(1) not null,
+  veh_id integer references vehicle (veh_id),
+  model_id integer references vehmodel (model_id),
+  item_id integer references item (item_id),
+  description varchar(80) not null,
+  hsn varchar(8) not null,
+  qty integer not null,
+  uom varchar(4),
+  rate numeric(12,2),
+  amount numeric(12,2),
+  discount numeric(12,2),
+  taxable numeric(12,2),
+  cgst_rate numeric(5,2),
+  cgst_amt numeric(12,2),
+  sgst_rate numeric(5,2),
+  sgst_amt numeric(12,2),
+  igst_rate numeric(5,2),
+  igst_amt numeric(12,2),
+  netprice numeric(12,2) not null,
+  subsidyamt numeric(12,2),
+  chlamt numeric(12,2)
+);
+create index ix_purdata_invid on purdata (invid, line);
+create index ix_purdata_chlid on purdata (chlid, line);
+
+-- Customer enquiries. enq_status: 0 pending, 1 matured, 2 lost; enq_booking 1 when booked.
+create table enqdata (
+  enq_id integer primary key,
+  enq_no varchar(20),
+  enq_date date not null,
+  br_id integer references branch (br_id),
+  enq_name varchar(80) not null,
+  enq_add varchar(80),
+  enq_city varchar(40),
+  enq_mobile varchar(10),
+  enq_model varchar(60) not null,
+  enq_model_id integer references vehmodel (model_id),
+  enq_color varchar(30),
+  enq_source varchar(20),
+  enq_exec varchar(40),
+  enq_status integer not null,
+  enq_booking integer not null,
+  enq_bookdate date,
+  enq_bookamt numeric(12,2),
+  enq_followup date,
+  enq_expected date,
+  enq_finance varchar(1),
+  enq_exchange varchar(1),
+  enq_lost_reason varchar(60),
+  enq_remarks varchar(120),
+  enq_custid integer references customer (cust_id),
+  enq_invid integer references invoice (id)
+);
+create index ix_enqdata_date on enqdata (enq_date);
+
+-- Money receipts. ptype: 'C' customer, 'F' financier (loan disbursed), 'S' sub-dealer.
+-- mode: CASH, CHEQUE, UPI, NEFT or FINANCE.
+create table receipt (
+  id integer primary key,
+  num varchar(20) not null,
+  rdate date not null,
+  br_id integer references branch (br_id),
+  ptype varchar(1) not null,
+  cust_id integer references customer (cust_id),
+  am_id integer references fa_acmaster (am_id),
+  pname varchar(80) not null,
+  amt numeric(12,2) not null,
+  mode varchar(8) not null,
+  chqno varchar(10),
+  chqdate date,
+  bank varchar(60),
+  refno varchar(30),
+  invid integer references invoice (id),
+  against varchar(10),
+  narration varchar(160),
+  cashier varchar(40)
+);
+create index ix_receipt_rdate on receipt (rdate);
+
+-- Bulk receipts: one payment (a financier's or a sub-dealer's) against several invoices.
+create table bulkrec (
+  id integer primary key,
+  num varchar(20) not null,
+  bdate date not null,
+  br_id integer references branch (br_id),
+  am_id integer not null references fa_acmaster (am_id),
+  amt numeric(12,2) not null,
+  mode varchar(8) not null,
+  chqno varchar(10),
+  chqdate date,
+  bank varchar(60),
+  refno varchar(30),
+  narration varchar(160)
+);
+
+create table bulkrecdet (
+  brid integer not null references bulkrec (id),
+  line integer not null,
+  invid integer not null references invoice (id),
+  amt numeric(12,2) not null,
+  remarks varchar(60),
+  primary key (brid, line)
+);
+
+-- Temporary registrations, one per certificate line (tline).
+create table tempreg (
+  tline integer primary key,
+  tno varchar(20) not null,
+  tdate date not null,
+  valid_upto date not null,
+  invid integer not null references invoice (id),
+  rto varchar(40),
+  reg_state varchar(40),
+  fee numeric(12,2),
+  reason varchar(80)
+);
+
+-- High-security registration plates ordered for registered vehicles.
+create table hsrp (
+  hsrp_id integer primary key,
+  invid integer not null references invoice (id),
+  order_no varchar(20) not null,
+  order_date date,
+  vendor varchar(60),
+  front_laser varchar(12),
+  rear_laser varchar(12),
+  snap_lock varchar(12),
+  fit_date date,
+  fee numeric(12,2)
+);
+
+-- 1 to 100, for templates that repeat a row (stickers: "n <= :XNO").
+create table numbers (
+  n integer primary key
+);
+
+-- Challans, one row per item line, with the party (customer or sub-dealer) and the vehicle.
+create view vu_challan as
+select c.id, c.type, c.num, c.cdate, c.br_id, b.br_name, b.coid, c.cust_id, c.am_id, c.amt,
+  c.gp_no, c.transporter, c.truck_no, c.prepared_by, c.invid, c.remarks,
+  coalesce(cu.ctitle, 'M/s') as ctitle, coalesce(cu.cname, a.am_name) as cname,
+  cu.relation, cu.cfname,
+  coalesce(cu.cadd1, a.am_add1) as cadd1, coalesce(cu.cadd2, a.am_add2) as cadd2,
+  coalesce(cu.cadd3, a.am_add3) as cadd3, coalesce(cu.ccity, a.am_town) as ccity,
+  coalesce(cu.cdistrict, a.am_district) as cdistrict, coalesce(cu.cstate, a.am_state) as cstate,
+  coalesce(cu.cstatecode, a.am_statecode) as cstatecode, coalesce(cu.cpin, a.am_pin) as cpin,
+  coalesce(cu.cmobile, a.am_mobile) as cmobile, coalesce(cu.cgstin, a.am_gst) as cgstin,
+  d.line, d.item_kind, d.description, d.hsn, d.qty, d.uom, d.rate, d.amount, d.discount,
+  d.taxable, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt,
+  d.netprice, d.chlamt,
+  m.make, m.model, m.variant, m.vcat, k.color_name as color, v.chassis, v.engine,
+  v.battery_no, v.key_no, v.mfg_month, v.mfg_year, v.kit_items
+from challan c
+join purdata d on d.chlid = c.id
+left join branch b on b.br_id = c.br_id
+left join customer cu on cu.cust_id = c.cust_id
+left join fa_acmaster a on a.am_id = c.am_id
+left join vehicle v on v.veh_id = d.veh_id
+left join vehmodel m on m.model_id = d.model_id
+left join color k on k.color_id = v.color_id;
+
+-- Invoices, one row per item line (line 1 of a retail invoice is its vehicle; accessory lines
+-- have null vehicle columns). Carries everything the invoice forms, gate passes, sale letters,
+-- form 21/22, HSRP and sticker templates print.
+create view vu_invoice as
+select i.id, i.itype, i.num, i.idate, i.br_id, b.br_name, b.br_rto, b.coid, i.cust_id, i.am_id,
+  i.chlid, i.vcat as inv_vcat, i.hypothecation, i.fin_id, i.booking_no, i.booking_date,
+  i.executive, i.pos_state, i.pos_code, i.reverse_charge,
+  i.tot_taxable, i.tot_cgst, i.tot_sgst, i.tot_igst, i.invamt, i.tot_subsidy, i.payable,
+  i.irn, i.ack_no, i.ack_date, i.qr_text, i.ewb_no, i.ewb_date, i.transporter, i.lr_no,
+  i.truck_no, i.regno, i.reg_date, i.rto, i.ins_company, i.ins_policy, i.ins_from, i.ins_upto,
+  i.remarks,
+  coalesce(cu.ctitle, 'M/s') as ctitle, coalesce(cu.cname, a.am_name) as cname,
+  cu.relation, cu.cfname,
+  coalesce(cu.cadd1, a.am_add1) as cadd1, coalesce(cu.cadd2, a.am_add2) as cadd2,
+  coalesce(cu.cadd3, a.am_add3) as cadd3, coalesce(cu.ccity, a.am_town) as ccity,
+  coalesce(cu.cdistrict, a.am_district) as cdistrict, coalesce(cu.cstate, a.am_state) as cstate,
+  coalesce(cu.cstatecode, a.am_statecode) as cstatecode, coalesce(cu.cpin, a.am_pin) as cpin,
+  coalesce(cu.cmobile, a.am_mobile) as cmobile, coalesce(cu.cemail, a.am_email) as cemail,
+  coalesce(cu.cgstin, a.am_gst) as cgstin, coalesce(cu.cpan, a.am_pan) as cpan,
+  cu.cdob, cu.caadhaar,
+  d.line, d.item_kind, d.description, d.hsn, d.qty, d.uom, d.rate, d.amount, d.discount,
+  d.taxable, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt,
+  d.netprice, d.subsidyamt,
+  d.veh_id, m.make, m.model_code, m.model, m.variant, m.vcat, m.vclass, m.body_type, m.fuel,
+  m.cc, m.cylinders, m.max_power, m.seating, m.wheelbase, m.unladen_wt, m.gross_wt,
+  m.emission_norms, m.noise_db, m.battery_kwh, m.motor_kw, m.wheel_size, m.gears,
+  m.type_approval, m.mfr_name, m.mfr_add,
+  k.color_name as color, v.chassis, v.engine, v.battery_no, v.battery_make, v.charger_no,
+  v.key_no, v.mfg_month, v.mfg_year, v.kit_items,
+  h.order_no as hsrp_order_no, h.order_date as hsrp_order_date, h.vendor as hsrp_vendor,
+  h.front_laser as hsrp_front_laser, h.rear_laser as hsrp_rear_laser,
+  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee
+from invoice i
+join purdata d on d.invid = i.id
+left join branch b on b.br_id = i.br_id
+left join customer cu on cu.cust_id = i.cust_id
+left join fa_acmaster a on a.am_id = i.am_id
+left join vehicle v on v.veh_id = d.veh_id
+left join vehmodel m on m.model_id = d.model_id
+left join color k on k.color_id = v.color_id
+left join hsrp h on h.invid = i.id;
+
+-- Invoices, one row each, with the vehicle of a retail invoice (null for sub-dealer invoices,
+-- whose vehicles are on their lines): for one-page documents that select by a parameter.
+create view vu_invoicehead as
+select i.id, i.itype, i.num, i.idate, i.br_id, b.br_name, b.br_rto, b.coid, i.cust_id, i.am_id,
+  i.chlid, i.vcat, i.hypothecation, i.fin_id, i.booking_no, i.booking_date, i.executive,
+  i.pos_state, i.pos_code, i.tot_taxable, i.tot_cgst, i.tot_sgst, i.tot_igst, i.invamt,
+  i.tot_subsidy, i.payable, i.irn, i.ack_no, i.ack_date, i.qr_text, i.ewb_no, i.regno,
+  i.reg_date, i.rto, i.ins_company, i.ins_policy, i.ins_from, i.ins_upto,
+  coalesce(cu.ctitle, 'M/s') as ctitle, coalesce(cu.cname, a.am_name) as cname,
+  cu.relation, cu.cfname,
+  coalesce(cu.cadd1, a.am_add1) as cadd1, coalesce(cu.cadd2, a.am_add2) as cadd2,
+  coalesce(cu.cadd3, a.am_add3) as cadd3, coalesce(cu.ccity, a.am_town) as ccity,
+  coalesce(cu.cdistrict, a.am_district) as cdistrict, coalesce(cu.cstate, a.am_state) as cstate,
+  coalesce(cu.cpin, a.am_pin) as cpin, coalesce(cu.cmobile, a.am_mobile) as cmobile,
+  coalesce(cu.cgstin, a.am_gst) as cgstin, cu.cdob,
+  i.veh_id, m.make, m.model_code, m.model, m.variant, m.vclass, m.body_type, m.fuel, m.cc,
+  m.cylinders, m.max_power, m.seating, m.wheelbase, m.unladen_wt, m.gross_wt,
+  m.emission_norms, m.noise_db, m.battery_kwh, m.motor_kw, m.type_approval, m.mfr_name,
+  m.mfr_add, k.color_name as color, v.chassis, v.engine, v.battery_no, v.key_no,
+  v.mfg_month, v.mfg_year,
+  h.order_no as hsrp_order_no, h.order_date as hsrp_order_date, h.vendor as hsrp_vendor,
+  h.front_laser as hsrp_front_laser, h.rear_laser as hsrp_rear_laser,
+  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee
+from invoice i
+left join branch b on b.br_id = i.br_id
+left join customer cu on cu.cust_id = i.cust_id
+left join fa_acmaster a on a.am_id = i.am_id
+left join vehicle v on v.veh_id = i.veh_id
+left join vehmodel m on m.model_id = v.model_id
+left join color k on k.color_id = v.color_id
+left join hsrp h on h.invid = i.id;
+
+-- Temporary registration certificates, one row per tline, with invoice, owner and vehicle.
+create view vu_tempnumber as
+select t.tline, t.tno, t.tdate, t.valid_upto, t.rto as temp_rto, t.reg_state, t.fee, t.reason,
+  i.id, t.invid, i.num, i.idate, i.br_id, b.br_name, b.coid, i.hypothecation, i.ins_company,
+  i.ins_policy, i.ins_from, i.ins_upto, i.invamt,
+  cu.ctitle, cu.cname, cu.relation, cu.cfname, cu.cadd1, cu.cadd2, cu.cadd3, cu.ccity,
+  cu.cdistrict, cu.cstate, cu.cpin, cu.cmobile, cu.cdob,
+  m.make, m.model, m.variant, m.vclass, m.body_type, m.fuel, m.cc, m.cylinders, m.seating,
+  m.unladen_wt, m.gross_wt, m.emission_norms, k.color_name as color, v.chassis, v.engine,
+  v.mfg_month, v.mfg_year
+from tempreg t
+join invoice i on i.id = t.invid
+left join branch b on b.br_id = i.br_id
+left join customer cu on cu.cust_id = i.cust_id
+left join vehicle v on v.veh_id = i.veh_id
+left join vehmodel m on m.model_id = v.model_id
+left join color k on k.color_id = v.color_id;
+
+-- Money receipts with the invoice and vehicle they were received against.
+create view vu_receipt as
+select r.id, r.num, r.rdate, r.br_id, b.br_name, b.coid, r.ptype, r.cust_id, r.am_id, r.pname,
+  coalesce(cu.cadd1, a.am_add1) as padd1, coalesce(cu.cadd2, a.am_add2) as padd2,
+  coalesce(cu.ccity, a.am_town) as pcity, coalesce(cu.cmobile, a.am_mobile) as pmobile,
+  r.amt, r.mode, r.chqno, r.chqdate, r.bank, r.refno, r.invid, r.against, r.narration,
+  r.cashier, i.num as inv_num, i.idate as inv_date, m.model, k.color_name as color, v.chassis,
+  v.engine
+from receipt r
+left join branch b on b.br_id = r.br_id
+left join customer cu on cu.cust_id = r.cust_id
+left join fa_acmaster a on a.am_id = r.am_id
+left join invoice i on i.id = r.invid
+left join vehicle v on v.veh_id = i.veh_id
+left join vehmodel m on m.model_id = v.model_id
+left join color k on k.color_id = v.color_id;
+
+-- Bulk receipts, one row per detail line, with the invoice each line settles.
+create view vu_bulkreceipt as
+select r.id, r.num, r.bdate, r.br_id, b.br_name, b.coid, r.am_id, a.am_name, a.am_add1,
+  a.am_add2, a.am_add3, a.am_town, a.am_gst, r.amt, r.mode, r.chqno, r.chqdate, r.bank,
+  r.refno, r.narration, d.line, d.invid, d.amt as line_amt, d.remarks, i.num as inv_num,
+  i.idate as inv_date, i.invamt, coalesce(cu.cname, ia.am_name) as cname, m.model,
+  v.chassis
+from bulkrec r
+join bulkrecdet d on d.brid = r.id
+join invoice i on i.id = d.invid
+left join branch b on b.br_id = r.br_id
+left join fa_acmaster a on a.am_id = r.am_id
+left join customer cu on cu.cust_id = i.cust_id
+left join fa_acmaster ia on ia.am_id = i.am_id
+left join vehicle v on v.veh_id = i.veh_id
+left join vehmodel m on m.model_id = v.model_id;
+
+-- Vehicle lines of purchase bills.
+create view vu_purveh as
+select p.purid, p.line, p.veh_id, m.model, m.variant, m.model_code, k.color_name as color,
+  v.chassis, v.engine, v.mfg_month, v.mfg_year, p.hsn, p.rate, p.taxable, p.cgst_rate,
+  p.cgst_amt, p.sgst_rate, p.sgst_amt, p.igst_rate, p.igst_amt, p.amount
+from purveh p
+join vehicle v on v.veh_id = p.veh_id
+join vehmodel m on m.model_id = v.model_id
+join color k on k.color_id = v.color_id;
+
+-- Vehicle lines of branch transfers.
+create view vu_btveh as
+select t.btid, t.line, t.veh_id, m.model, m.variant, k.color_name as color, v.chassis,
+  v.engine, v.key_no, v.battery_no, t.rate
+from btdetveh t
+join vehicle v on v.veh_id = t.veh_id
+join vehmodel m on m.model_id = v.model_id
+join color k on k.color_id = v.color_id;
+
+-- Vehicle transfer notes, one row per vehicle (templates select by tid).
+create view vu_vintrf as
+select t.tid, t.tno, t.tdate, t.from_loc, t.to_loc, t.reason, t.authorised_by,
+  t.remarks, d.line, d.veh_id, d.remarks as line_remarks, m.model, m.variant,
+  k.color_name as color, v.chassis, v.engine, v.key_no, v.mfg_month, v.mfg_year
+from vintrf t
+join vintrfdet d on d.tid = t.tid
+join vehicle v on v.veh_id = d.veh_id
+join vehmodel m on m.model_id = v.model_id
+join color k on k.color_id = v.color_id;

@@ -1,0 +1,308 @@
+#include "report/pdf/pdf_writer.h"
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "report/barcode/barcode.h"
+#include "report/image/image_loader.h"
+#include "vantorel/error.h"
+
+namespace vantorel::report {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kWords[] = "RUPEES ONE LAC FIVE THOUSAND SIX HUNDRED THIRTY ONLY";
+constexpr char kAmount[] = "₹ 1,05,630.00";
+constexpr char kDealer[] = "श्री गणेश मोटर्स";
+
+struct Output {
+  int status = -1;
+  std::string text;
+};
+
+Output RunTool(const std::string& command) {
+  Output out;
+  FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return out;
+  char buffer[4096];
+  size_t n;
+  while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0) out.text.append(buffer, n);
+  const int status = pclose(pipe);
+  out.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return out;
+}
+
+// "text" with every run of spaces made one space, so tool output compares regardless of the
+// column padding it uses.
+std::string Squeezed(const std::string& text) {
+  std::string out;
+  for (const char c : text) {
+    if (c == ' ' && !out.empty() && out.back() == ' ') continue;
+    out += c;
+  }
+  return out;
+}
+
+bool HaveTool(const char* tool) {
+  return RunTool(std::string("command -v ") + tool + " >/dev/null").status == 0;
+}
+
+std::string ReadFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream out;
+  out << in.rdbuf();
+  return out.str();
+}
+
+class PdfWriterTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = fs::temp_directory_path() / ("vantorel-pdf-" + std::to_string(getpid()) + "-" +
+                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    fs::remove_all(dir_);
+    fs::create_directories(dir_);
+  }
+  // VANTOREL_KEEP_TEST_FILES=1 keeps the PDFs for a look.
+  void TearDown() override {
+    if (std::getenv("VANTOREL_KEEP_TEST_FILES") == nullptr) fs::remove_all(dir_);
+  }
+
+  // A 64 × 48 JPEG photo-like gradient, written with gdk-pixbuf.
+  fs::path MakeJpeg() {
+    GdkPixbuf* pixbuf = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 64, 48);
+    guchar* pixels = gdk_pixbuf_get_pixels(pixbuf);
+    const int stride = gdk_pixbuf_get_rowstride(pixbuf);
+    for (int y = 0; y < 48; ++y) {
+      for (int x = 0; x < 64; ++x) {
+        guchar* p = pixels + y * stride + x * 3;
+        p[0] = static_cast<guchar>(x * 4);
+        p[1] = static_cast<guchar>(y * 5);
+        p[2] = 128;
+      }
+    }
+    const fs::path path = dir_ / "logo.jpg";
+    EXPECT_TRUE(gdk_pixbuf_save(pixbuf, path.c_str(), "jpeg", nullptr, "quality", "90", nullptr));
+    g_object_unref(pixbuf);
+    return path;
+  }
+
+  // Three A4 pages of an invoice-like document showing the same logo on each.
+  Document Invoice() {
+    Document document;
+    document.metadata.title = "Tax Invoice INV-0421";
+    document.metadata.author = "Shri Ganesh Motors";
+    document.metadata.subject = "Sales";
+    document.metadata.creator = "Vantorel test";
+    TextStyle style;
+    style.size = 11;
+    const uint32_t plain = document.InternStyle(style);
+    style.halign = HAlign::kRight;
+    const uint32_t right = document.InternStyle(style);
+    style.size = 16;
+    style.halign = HAlign::kLeft;
+    const uint32_t big = document.InternStyle(style);
+    const uint32_t logo = document.AddImage(LoadImage(MakeJpeg().string()));
+    const uint32_t qr = document.AddBarcode(Encode(Symbology::kQr, "INV-0421|105630.00"));
+    for (int p = 0; p < 3; ++p) {
+      Page page{{595.28f, 841.89f}, {}};
+      page.items.push_back(ImageItem{{40, 40, 80, 60}, logo, ImageFit::kContain});
+      page.items.push_back(TextItem{{140, 40, 400, 30}, big, kDealer});
+      page.items.push_back(TextItem{{40, 300, 500, 20}, plain, kWords});
+      page.items.push_back(TextItem{{340, 330, 200, 20}, right, kAmount});
+      page.items.push_back(BarcodeItem{{460, 40, 80, 80}, qr, Color::Black(), Color::None()});
+      page.items.push_back(LineItem{{40, 325}, {540, 325}, Stroke{}});
+      document.pages.push_back(std::move(page));
+    }
+    return document;
+  }
+
+  fs::path dir_;
+};
+
+TEST_F(PdfWriterTest, BytesAreAPdf) {
+  const std::string pdf = PdfBytes(Invoice());
+  EXPECT_EQ(pdf.substr(0, 5), "%PDF-");
+  EXPECT_NE(pdf.find("%%EOF", pdf.size() - 16), std::string::npos);
+}
+
+TEST_F(PdfWriterTest, PassesQpdfCheck) {
+  if (!HaveTool("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  const fs::path path = dir_ / "invoice.pdf";
+  WritePdf(Invoice(), path.string());
+  const Output check = RunTool("qpdf --check '" + path.string() + "'");
+  EXPECT_EQ(check.status, 0) << check.text;
+  EXPECT_NE(check.text.find("No syntax or stream encoding errors"), std::string::npos)
+      << check.text;
+}
+
+TEST_F(PdfWriterTest, FontsAreEmbeddedSubsetsWithUnicodeMaps) {
+  if (!HaveTool("pdffonts")) GTEST_SKIP() << "poppler-utils is not installed";
+  const fs::path path = dir_ / "invoice.pdf";
+  WritePdf(Invoice(), path.string());
+  const Output fonts = RunTool("pdffonts '" + path.string() + "'");
+  ASSERT_EQ(fonts.status, 0) << fonts.text;
+  std::istringstream lines(fonts.text);
+  std::string line;
+  int listed = 0;
+  bool devanagari = false, liberation = false;
+  while (std::getline(lines, line)) {
+    if (line.find('+') == std::string::npos) continue;  // header lines; subsets are "ABCDEF+Name"
+    ++listed;
+    EXPECT_NE(line.find("yes yes yes"), std::string::npos) << "emb sub uni: " << line;
+    devanagari |= line.find("NotoSansDevanagari") != std::string::npos;
+    liberation |= line.find("LiberationSans") != std::string::npos;
+  }
+  EXPECT_GE(listed, 2) << fonts.text;
+  EXPECT_TRUE(devanagari) << fonts.text;
+  EXPECT_TRUE(liberation) << fonts.text;
+}
+
+TEST_F(PdfWriterTest, TextExtractsExactly) {
+  if (!HaveTool("pdftotext")) GTEST_SKIP() << "poppler-utils is not installed";
+  const fs::path path = dir_ / "invoice.pdf";
+  WritePdf(Invoice(), path.string());
+  const Output text = RunTool("pdftotext -enc UTF-8 -f 1 -l 1 '" + path.string() + "' -");
+  ASSERT_EQ(text.status, 0) << text.text;
+  EXPECT_NE(text.text.find(kWords), std::string::npos) << text.text;
+  EXPECT_NE(text.text.find(kAmount), std::string::npos) << text.text;
+  EXPECT_NE(text.text.find(kDealer), std::string::npos) << text.text;
+}
+
+TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
+  if (!HaveTool("pdftotext")) GTEST_SKIP() << "poppler-utils is not installed";
+  Document document;
+  TextStyle style;
+  style.wrap = false;
+  const uint32_t index = document.InternStyle(style);
+  Page page{{500, 100}, {}};
+  // Far past the box: Cairo drops glyphs more than ten font sizes outside a clip, so the
+  // renderer must not let the clip reach them.
+  page.items.push_back(TextItem{{10, 10, 40, 14}, index,
+                                "CHASSIS NO MBLHA10AMEHK12345 ENGINE NO HA10EFHK67890"});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "clipped.pdf";
+  WritePdf(document, path.string());
+  const Output text = RunTool("pdftotext -enc UTF-8 '" + path.string() + "' -");
+  EXPECT_NE(text.text.find("CHASSIS NO MBLHA10AMEHK12345 ENGINE NO HA10EFHK67890"),
+            std::string::npos)
+      << text.text;
+}
+
+TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
+  if (!HaveTool("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  const Document document = Invoice();
+  const fs::path path = dir_ / "invoice.pdf";
+  WritePdf(document, path.string());
+  const std::string pdf = ReadFile(path);
+  // The JPEG's bytes appear as they were in the file.
+  EXPECT_NE(pdf.find(document.images[0]->jpeg), std::string::npos);
+  const Output qdf = RunTool("qpdf --qdf --object-streams=disable '" + path.string() + "' -");
+  size_t images = 0;
+  for (size_t at = qdf.text.find("/Subtype /Image"); at != std::string::npos;
+       at = qdf.text.find("/Subtype /Image", at + 1)) {
+    ++images;
+  }
+  EXPECT_EQ(images, 1u) << "one image object for the logo on three pages";
+  EXPECT_NE(qdf.text.find("/DCTDecode"), std::string::npos);
+}
+
+TEST_F(PdfWriterTest, MetadataIsWritten) {
+  if (!HaveTool("pdfinfo")) GTEST_SKIP() << "poppler-utils is not installed";
+  const fs::path path = dir_ / "invoice.pdf";
+  WritePdf(Invoice(), path.string());
+  const std::string info = Squeezed(RunTool("pdfinfo '" + path.string() + "'").text);
+  EXPECT_NE(info.find("Title: Tax Invoice INV-0421\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("Author: Shri Ganesh Motors\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("Subject: Sales\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("Creator: Vantorel test\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("Pages: 3\n"), std::string::npos) << info;
+}
+
+TEST_F(PdfWriterTest, PagesKeepTheirOwnSizes) {
+  if (!HaveTool("pdfinfo")) GTEST_SKIP() << "poppler-utils is not installed";
+  Document document;
+  document.pages.push_back(Page{{595.28f, 841.89f}, {}});
+  document.pages.push_back(Page{{595.28f, 419.53f}, {}});  // A5 landscape
+  const fs::path path = dir_ / "mixed.pdf";
+  WritePdf(document, path.string());
+  const std::string info = Squeezed(RunTool("pdfinfo -f 1 -l 2 '" + path.string() + "'").text);
+  EXPECT_NE(info.find("Page 1 size: 595.28 x 841.89 pts"), std::string::npos) << info;
+  EXPECT_NE(info.find("Page 2 size: 595.28 x 419.53 pts"), std::string::npos) << info;
+}
+
+TEST_F(PdfWriterTest, EmptyDocumentIsOneBlankPage) {
+  const std::string pdf = PdfBytes(Document{});
+  EXPECT_EQ(pdf.substr(0, 5), "%PDF-");
+  if (!HaveTool("pdfinfo")) return;
+  const fs::path path = dir_ / "empty.pdf";
+  WritePdf(Document{}, path.string());
+  EXPECT_NE(Squeezed(RunTool("pdfinfo '" + path.string() + "'").text).find("Pages: 1\n"),
+            std::string::npos);
+}
+
+TEST_F(PdfWriterTest, UnwritableFolderThrowsAndLeavesNothing) {
+  const std::string path = (dir_ / "no-such-folder" / "invoice.pdf").string();
+  try {
+    WritePdf(Invoice(), path);
+    FAIL() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errnum::kPathFileAccess);
+    EXPECT_NE(error.description().find(path), std::string::npos) << error.description();
+  }
+  EXPECT_FALSE(fs::exists(dir_ / "no-such-folder"));
+}
+
+TEST_F(PdfWriterTest, FailedRenameLeavesNoTemporaryFile) {
+  // The target is a folder: everything is written, then the rename fails.
+  fs::create_directories(dir_ / "taken.pdf");
+  EXPECT_THROW(WritePdf(Invoice(), (dir_ / "taken.pdf").string()), Error);
+  size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(dir_)) ++entries;
+  EXPECT_EQ(entries, 2u) << "only logo.jpg and the folder";
+}
+
+TEST_F(PdfWriterTest, ReadOnlyFolderThrows) {
+  if (geteuid() == 0) GTEST_SKIP() << "root writes anywhere";
+  fs::create_directories(dir_ / "locked");
+  fs::permissions(dir_ / "locked", fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_THROW(WritePdf(Document{}, (dir_ / "locked" / "out.pdf").string()), Error);
+  fs::permissions(dir_ / "locked", fs::perms::owner_all);
+  EXPECT_TRUE(fs::is_empty(dir_ / "locked"));
+}
+
+TEST_F(PdfWriterTest, ReplacesAnExistingFileWhole) {
+  const fs::path path = dir_ / "invoice.pdf";
+  {
+    std::ofstream old(path);
+    old << "an older export";
+  }
+  struct stat before;
+  ASSERT_EQ(stat(path.c_str(), &before), 0);
+  WritePdf(Invoice(), path.string());
+  struct stat after;
+  ASSERT_EQ(stat(path.c_str(), &after), 0);
+  EXPECT_NE(before.st_ino, after.st_ino) << "renamed into place, not rewritten in place";
+  EXPECT_EQ(ReadFile(path).substr(0, 5), "%PDF-");
+  for (const auto& entry : fs::directory_iterator(dir_)) {
+    EXPECT_EQ(entry.path().string().find(".tmp-"), std::string::npos) << entry.path();
+  }
+}
+
+TEST_F(PdfWriterTest, HostPathsWithBackslashesWork) {
+  fs::create_directories(dir_ / "exports");
+  WritePdf(Document{}, dir_.string() + "\\exports\\out.pdf");
+  EXPECT_TRUE(fs::exists(dir_ / "exports" / "out.pdf"));
+}
+
+}  // namespace
+}  // namespace vantorel::report
