@@ -8,10 +8,15 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <string>
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <unistd.h>
 
 #include "report/barcode/barcode.h"
 #include "report/document/document.h"
+#include "report/image/image_loader.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/text/layout.h"
 #include "report/text/text_layout.h"
@@ -42,6 +47,8 @@ std::string Prefixed(const char* prefix, long n) {
   return out;
 }
 
+enum class LogoKind { kPixels, kJpeg, kNone };
+
 std::shared_ptr<const ImageData> Logo() {
   auto image = std::make_shared<ImageData>();
   image->source = "logo";
@@ -59,7 +66,33 @@ std::shared_ptr<const ImageData> Logo() {
   return image;
 }
 
-Document Invoice() {
+// The logo as a JPEG file would give it: the same pixels plus the file's bytes, which a PDF
+// embeds unchanged instead of compressing the pixels again.
+std::shared_ptr<const ImageData> JpegLogo() {
+  static const std::shared_ptr<const ImageData> logo = [] {
+    const auto pixels = Logo();
+    GdkPixbuf* pixbuf = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, pixels->width, pixels->height);
+    for (int y = 0; y < pixels->height; ++y) {
+      for (int x = 0; x < pixels->width; ++x) {
+        const uint32_t v =
+            reinterpret_cast<const uint32_t*>(pixels->pixels.data())[y * pixels->width + x];
+        guchar* p = gdk_pixbuf_get_pixels(pixbuf) + y * gdk_pixbuf_get_rowstride(pixbuf) + x * 3;
+        p[0] = static_cast<guchar>(v >> 16);
+        p[1] = static_cast<guchar>(v >> 8);
+        p[2] = static_cast<guchar>(v);
+      }
+    }
+    const std::string path = "/tmp/vantorel-bench-logo-" + std::to_string(getpid()) + ".jpg";
+    gdk_pixbuf_save(pixbuf, path.c_str(), "jpeg", nullptr, "quality", "90", nullptr);
+    g_object_unref(pixbuf);
+    auto image = LoadImage(path);
+    std::remove(path.c_str());
+    return image;
+  }();
+  return logo;
+}
+
+Document Invoice(LogoKind logo_kind) {
   Document document;
   document.metadata.title = "Tax Invoice";
   TextStyle label;
@@ -87,7 +120,9 @@ Document Invoice() {
                  s_cell = document.InternStyle(cell), s_number = document.InternStyle(number),
                  s_title = document.InternStyle(title), s_words = document.InternStyle(words),
                  s_hindi = document.InternStyle(hindi);
-  const uint32_t logo = document.AddImage(Logo());
+  const uint32_t logo = logo_kind == LogoKind::kPixels ? document.AddImage(Logo())
+                        : logo_kind == LogoKind::kJpeg ? document.AddImage(JpegLogo())
+                                                       : 0;
   const uint32_t qr = document.AddBarcode(Encode(
       Symbology::kQr,
       R"({"SellerGstin":"27AABCS1234F1Z5","BuyerGstin":"27AAACR5055K1ZK","DocNo":"INV/24-25/0421",)"
@@ -98,7 +133,9 @@ Document Invoice() {
   auto text = [&](float x, float y, float w, float h, uint32_t style, std::string s) {
     page.items.push_back(TextItem{{x, y, w, h}, style, std::move(s)});
   };
-  page.items.push_back(ImageItem{{30, 30, 120, 48}, logo, ImageFit::kContain});
+  if (logo_kind != LogoKind::kNone) {
+    page.items.push_back(ImageItem{{30, 30, 120, 48}, logo, ImageFit::kContain});
+  }
   page.items.push_back(BarcodeItem{{480, 28, 85, 85}, qr, Color::Black(), Color::None()});
   text(160, 30, 300, 22, s_title, "SHRI GANESH MOTORS");
   text(160, 54, 300, 18, s_hindi, "श्री गणेश मोटर्स");
@@ -106,14 +143,22 @@ Document Invoice() {
   text(160, 86, 300, 12, s_label, "GSTIN 27AABCS1234F1Z5  |  Phone 0253-2345678");
   text(30, 120, 535, 24, s_title, "TAX INVOICE");
   const char* const kFields[][2] = {
-      {"Invoice No", "INV/24-25/0421"}, {"Invoice Date", "15/03/2025"},
-      {"Customer", "RAJESH KUMAR PATIL"}, {"Address", "12 Shivaji Nagar, Nashik"},
-      {"Mobile", "9822012345"},        {"Customer GSTIN", "27AAACR5055K1ZK"},
-      {"Model", "SPLENDOR PLUS XTEC"}, {"Colour", "BLACK WITH RED"},
-      {"Chassis No", "MBLHA10AMEHK12345"}, {"Engine No", "HA10EFHK67890"},
-      {"Key No", "K-4471"},            {"Battery No", "EX-22119"},
-      {"Hypothecation", "HDFC BANK LTD"}, {"Salesman", "S. DESHMUKH"},
-      {"Place of Supply", "27-Maharashtra"}, {"Reverse Charge", "No"},
+      {"Invoice No", "INV/24-25/0421"},
+      {"Invoice Date", "15/03/2025"},
+      {"Customer", "RAJESH KUMAR PATIL"},
+      {"Address", "12 Shivaji Nagar, Nashik"},
+      {"Mobile", "9822012345"},
+      {"Customer GSTIN", "27AAACR5055K1ZK"},
+      {"Model", "SPLENDOR PLUS XTEC"},
+      {"Colour", "BLACK WITH RED"},
+      {"Chassis No", "MBLHA10AMEHK12345"},
+      {"Engine No", "HA10EFHK67890"},
+      {"Key No", "K-4471"},
+      {"Battery No", "EX-22119"},
+      {"Hypothecation", "HDFC BANK LTD"},
+      {"Salesman", "S. DESHMUKH"},
+      {"Place of Supply", "27-Maharashtra"},
+      {"Reverse Charge", "No"},
   };
   float y = 150;
   for (int i = 0; i < 16; ++i) {
@@ -122,16 +167,20 @@ Document Invoice() {
     text(x + 90, y, 170, 12, s_value, kFields[i][1]);
     if (i % 2 == 1) y += 14;
   }
-  const char* const kHeads[] = {"Sr", "Description", "HSN", "Qty", "Rate", "Taxable", "GST %",
-                                "Amount"};
+  const char* const kHeads[] = {"Sr",   "Description", "HSN",   "Qty",
+                                "Rate", "Taxable",     "GST %", "Amount"};
   const float kX[] = {30, 55, 245, 300, 330, 395, 460, 500};
   const float kW[] = {25, 190, 55, 30, 65, 65, 40, 65};
   y = 275;
   for (int c = 0; c < 8; ++c) text(kX[c], y, kW[c], 16, s_cell, kHeads[c]);
-  const char* const kItems[] = {"SPLENDOR PLUS XTEC BS6 DRUM BRAKE", "HELMET ISI MARKED",
-                                "EXTENDED WARRANTY 5 YEARS", "ROAD SAFETY KIT",
-                                "INSURANCE (1+5 YEARS)", "REGISTRATION CHARGES",
-                                "NUMBER PLATE HSRP", "ACCESSORIES: SARI GUARD, MIRROR"};
+  const char* const kItems[] = {"SPLENDOR PLUS XTEC BS6 DRUM BRAKE",
+                                "HELMET ISI MARKED",
+                                "EXTENDED WARRANTY 5 YEARS",
+                                "ROAD SAFETY KIT",
+                                "INSURANCE (1+5 YEARS)",
+                                "REGISTRATION CHARGES",
+                                "NUMBER PLATE HSRP",
+                                "ACCESSORIES: SARI GUARD, MIRROR"};
   for (int r = 0; r < 8; ++r) {
     y += 16;
     const long rate = 7500000 / (r + 1) + 1234 * r;
@@ -155,8 +204,9 @@ Document Invoice() {
   y += 60;
   for (int i = 0; i < 6; ++i) {
     text(30, y, 535, 12, s_label,
-         Prefixed("", i + 1) + ". Goods once sold will not be taken back. Subject to Nashik "
-                                 "jurisdiction. Warranty as per manufacturer's terms.");
+         Prefixed("", i + 1) +
+             ". Goods once sold will not be taken back. Subject to Nashik "
+             "jurisdiction. Warranty as per manufacturer's terms.");
     y += 12;
   }
   for (int i = 0; i < 4; ++i) {
@@ -188,12 +238,12 @@ Document Register() {
   title.bold = true;
   const uint32_t s_cell = document.InternStyle(cell), s_number = document.InternStyle(number),
                  s_head = document.InternStyle(head), s_title = document.InternStyle(title);
-  const char* const kParts[] = {"BRAKE SHOE ASSY FRONT", "CLUTCH PLATE SET", "SPARK PLUG",
-                                "CHAIN SPROCKET KIT", "AIR FILTER ELEMENT", "HEAD LAMP BULB 12V",
-                                "ENGINE OIL 10W30 1L", "SIDE MIRROR RH", "TYRE 2.75-18 REAR",
+  const char* const kParts[] = {"BRAKE SHOE ASSY FRONT", "CLUTCH PLATE SET",   "SPARK PLUG",
+                                "CHAIN SPROCKET KIT",    "AIR FILTER ELEMENT", "HEAD LAMP BULB 12V",
+                                "ENGINE OIL 10W30 1L",   "SIDE MIRROR RH",     "TYRE 2.75-18 REAR",
                                 "BATTERY 12V 5AH"};
-  const char* const kHeads[] = {"Part No", "Description", "Bin", "Opening", "Receipts", "Issues",
-                                "Closing", "Value"};
+  const char* const kHeads[] = {"Part No",  "Description", "Bin",     "Opening",
+                                "Receipts", "Issues",      "Closing", "Value"};
   const float kX[] = {20, 90, 260, 300, 350, 400, 450, 500};
   const float kW[] = {70, 170, 40, 50, 50, 50, 50, 75};
   constexpr int kRows = 3000, kPerPage = 67;
@@ -211,11 +261,15 @@ Document Register() {
       const std::string cells[] = {
           Prefixed("SP-", 10000 + r),
           std::string(kParts[r % 10]) + (r % 3 == 0 ? " (HERO)" : ""),
-          Prefixed("R", r % 40 + 1), std::to_string(opening), std::to_string(receipts),
-          std::to_string(issues), std::to_string(opening + receipts - issues),
+          Prefixed("R", r % 40 + 1),
+          std::to_string(opening),
+          std::to_string(receipts),
+          std::to_string(issues),
+          std::to_string(opening + receipts - issues),
           Money(static_cast<long>(opening + receipts - issues) * (12345 + r * 17))};
       for (int c = 0; c < 8; ++c) {
-        page.items.push_back(TextItem{{kX[c], y, kW[c], 11.5f}, c >= 3 ? s_number : s_cell, cells[c]});
+        page.items.push_back(
+            TextItem{{kX[c], y, kW[c], 11.5f}, c >= 3 ? s_number : s_cell, cells[c]});
       }
       y += 11.5f;
     }
@@ -224,23 +278,24 @@ Document Register() {
   return document;
 }
 
+// Argument: the logo as decoded pixels (a PNG or BMP file), as a JPEG file, or none.
 void BM_InvoicePdfWarm(benchmark::State& state) {
-  const Document document = Invoice();
+  const Document document = Invoice(static_cast<LogoKind>(state.range(0)));
   PdfBytes(document);
   for (auto _ : state) benchmark::DoNotOptimize(PdfBytes(document));
-  state.counters["texts"] = static_cast<double>(document.pages[0].items.size());
+  state.counters["items"] = static_cast<double>(document.pages[0].items.size());
 }
-BENCHMARK(BM_InvoicePdfWarm)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_InvoicePdfWarm)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void BM_InvoicePdfCold(benchmark::State& state) {
-  const Document document = Invoice();
+  const Document document = Invoice(static_cast<LogoKind>(state.range(0)));
   PdfBytes(document);
   for (auto _ : state) {
     text::ClearLayoutCache();
     benchmark::DoNotOptimize(PdfBytes(document));
   }
 }
-BENCHMARK(BM_InvoicePdfCold)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_InvoicePdfCold)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void BM_RegisterPdfWarm(benchmark::State& state) {
   const Document document = Register();
@@ -259,6 +314,25 @@ void BM_RegisterPdfCold(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_RegisterPdfCold)->Unit(benchmark::kMillisecond);
+
+// The floor under every PDF: a page with one word in each of the invoice's five fonts, so
+// Cairo still subsets, compresses and writes five fonts and their Unicode maps.
+void BM_FiveWordPdf(benchmark::State& state) {
+  Document document;
+  TextStyle style;
+  Page page{{595.28f, 841.89f}, {}};
+  const char* const kWords[] = {"Regular", "Bold", "Italic", "श्री", "Mono"};
+  for (int i = 0; i < 5; ++i) {
+    style.bold = i == 1;
+    style.italic = i == 2;
+    style.font_family = i == 4 ? "Courier New" : "Arial";
+    page.items.push_back(
+        TextItem{{30, 30 + 20.0f * i, 200, 18}, document.InternStyle(style), kWords[i]});
+  }
+  document.pages.push_back(std::move(page));
+  for (auto _ : state) benchmark::DoNotOptimize(PdfBytes(document));
+}
+BENCHMARK(BM_FiveWordPdf)->Unit(benchmark::kMillisecond);
 
 // One uncached layout of a short cell, each way.
 void BM_LayOutFastPath(benchmark::State& state) {

@@ -66,7 +66,20 @@ struct CallOptions {
   std::vector<std::string> args;
 };
 
+// Stores "value" as given: a whole number into a boolean property stays that number
+// (RptPrint=1 is stored as 1, which the output logic does not count as true).
 void PutProperty(CRepoter& rep, const std::string& name, const std::string& value) {
+  const std::optional<DispId> dispid = FindDispId(name);
+  const EntryInfo* entry = dispid ? FindEntry(*dispid, EntryKind::kPropertyPut) : nullptr;
+  if (entry != nullptr && entry->params[0].type == VarType::kBool) {
+    int number = 0;
+    const auto [end, ec] = std::from_chars(value.data(), value.data() + value.size(), number);
+    if (ec == std::errc() && end == value.data() + value.size() && number >= -32768 &&
+        number <= 32767) {
+      InvokeByName(rep, name, kDispatchPropertyPut, {Variant::Bool(static_cast<VBool>(number))});
+      return;
+    }
+  }
   InvokeByName(rep, name, kDispatchPropertyPut, {Variant::String(value)});
 }
 
@@ -243,8 +256,8 @@ int main(int argc, char** argv) {
   std::string amount;
   words->add_option("AMOUNT", amount, "The amount, e.g. 105000.50 or 1,05,000.50")->required();
 
-  auto* idl = app.add_subcommand("idl", "Print the interface description as an IDL file");
-  (void)idl;
+  app.add_subcommand("idl", "Print the interface description as an IDL file");
+  app.add_subcommand("abi-header", "Print the C header of the interface's table of entries");
 
   CallOptions call;
   auto* call_cmd = app.add_subcommand(
@@ -298,6 +311,10 @@ int main(int argc, char** argv) {
   if (app.got_subcommand("words")) return Words(amount);
   if (app.got_subcommand("idl")) {
     std::cout << InterfaceIdl();
+    return 0;
+  }
+  if (app.got_subcommand("abi-header")) {
+    std::cout << InterfaceCHeader();
     return 0;
   }
   if (app.got_subcommand("call")) {

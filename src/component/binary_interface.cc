@@ -127,6 +127,10 @@ HRESULT Guarded(_CRepoter* This, Body&& body) noexcept {
 }
 
 Error NullArgument(const EntryInfo& entry, size_t index) {
+  if (entry.kind == EntryKind::kPropertyGet) {
+    return Error(E_POINTER, kSource,
+                 std::string("The result pointer for ") + entry.name + " is a null pointer");
+  }
   return Error(E_POINTER, kSource,
                std::string("Argument ") + entry.params[index].name + " of " + entry.name +
                    " is a null pointer");
@@ -192,9 +196,7 @@ struct Abi<VarType::kVariant> {
     VariantProblem problem;
     Variant converted = FromVariant(value, &problem);
     if (problem != VariantProblem::kNone) {
-      throw DispatchError(DispatchCode(problem),
-                          "A variant argument holds a type the interface "
-                          "does not take");
+      throw DispatchError(DispatchCode(problem), "A variant holds a type the interface refuses");
     }
     return converted;
   }

@@ -241,7 +241,7 @@ std::string ComponentLibraryPath() {
 }
 
 std::string LibraryToRegister() {
-  const std::string own = ComponentLibraryPath();
+  std::string own = ComponentLibraryPath();
   std::error_code error;
   if (!fs::equivalent(own, "/proc/self/exe", error)) return own;
   // A program with the component linked in: hosts need the shared library instead.

@@ -24,7 +24,13 @@ namespace {
 std::mutex g_mutex;
 std::shared_ptr<Platform> g_platform;  // guarded by g_mutex; null means the system platform
 MessageBoxHandler g_handler;           // guarded by g_mutex
-MessageBoxHandler g_desktop;           // guarded by g_mutex
+
+// Guarded by g_mutex. Made on first use, not as a global, because the preview loader installs it
+// from its own static initialiser, which may run before this file's.
+MessageBoxHandler& DesktopMessageBox() {
+  static MessageBoxHandler handler;
+  return handler;
+}
 
 std::string OneLine(const std::string& text) {
   std::string line = text;
@@ -41,7 +47,7 @@ class LinuxPlatform final : public Platform {
     {
       std::lock_guard lock(g_mutex);
       handler = g_handler;
-      if (!handler && g_desktop && HasDesktop()) handler = g_desktop;
+      if (!handler && DesktopMessageBox() && HasDesktop()) handler = DesktopMessageBox();
     }
     if (handler) {
       handler(text, icon);
@@ -135,7 +141,7 @@ void SetMessageBoxHandler(MessageBoxHandler handler) {
 
 void SetDesktopMessageBox(MessageBoxHandler handler) {
   std::lock_guard lock(g_mutex);
-  g_desktop = std::move(handler);
+  DesktopMessageBox() = std::move(handler);
 }
 
 void ShowMessage(const std::string& text, MessageIcon icon) {

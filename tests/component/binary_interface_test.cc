@@ -426,6 +426,7 @@ TEST_F(BinaryInterfaceTest, ReferenceCountingIsThreadSafe) {
                                 reinterpret_cast<void**>(&object)),
             S_OK);
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([object] {
       for (int i = 0; i < 20000; ++i) {

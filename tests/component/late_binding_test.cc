@@ -35,9 +35,12 @@ TEST_F(LateBindingTest, PropertiesGetAndPutByName) {
   EXPECT_EQ(InvokeByName(rep_, "ReportPath", kDispatchPropertyGet, {}), Variant::String("/r/"));
   InvokeByName(rep_, "FirmID", kDispatchPropertyPut, {Variant::String("12")});
   EXPECT_EQ(rep_.get_FirmID(), 12);
-  InvokeByName(rep_, "DesigbeMode", kDispatchPropertyPut, {Variant::I4(1)});
+  // A boolean variant is stored as it is, non-standard true included; other kinds convert.
+  InvokeByName(rep_, "DesigbeMode", kDispatchPropertyPut, {Variant::Bool(1)});
   EXPECT_EQ(InvokeByName(rep_, "DesigbeMode", kDispatchPropertyGet | kDispatchMethod, {}),
             Variant::Bool(1));
+  InvokeByName(rep_, "DesigbeMode", kDispatchPropertyPut, {Variant::I4(1)});
+  EXPECT_EQ(rep_.get_DesigbeMode(), kTrue);
 }
 
 TEST_F(LateBindingTest, MethodsRunWithConvertedArguments) {

@@ -69,7 +69,7 @@ TEST_F(DataSqlite, ValuesComeTyped) {
   EXPECT_EQ(rows[0][0], Value::Integer(1));
   EXPECT_EQ(rows[0][1], Value::Text("Ramesh Kumar"));
   EXPECT_EQ(rows[0][2], Value::FromDate(Date::FromYmd(2024, 3, 30)));
-  EXPECT_EQ(rows[0][3], Value::Decimal("60000.1"));
+  EXPECT_EQ(rows[0][3], Value::Decimal("60000.10"));  // padded back to the declared scale
   EXPECT_EQ(rows[0][4], Value::FromDateTime(Date::FromParts({2024, 3, 30, 10, 15, 0})));
   EXPECT_EQ(rows[0][5], Value::Boolean(true));
   EXPECT_EQ(rows[0][6], Value::Blob(std::string("\x00\xff\x10", 3)));
@@ -85,7 +85,7 @@ TEST_F(DataSqlite, NullsStayNull) {
 }
 
 TEST_F(DataSqlite, MoneyStaysExact) {
-  EXPECT_EQ(ToText(One("select amount from enquiry where enq_id = 2")), "125000.5");
+  EXPECT_EQ(ToText(One("select amount from enquiry where enq_id = 2")), "125000.50");
   EXPECT_EQ(ToText(One("select amount from enquiry where enq_id = 3")), "99.99");
   EXPECT_EQ(One("select sum(amount) from enquiry"), Value::Real(185100.59))
       << "an expression has no declared type, so a sum is a plain double";
@@ -97,7 +97,8 @@ TEST_F(DataSqlite, WholeAmountsInDecimalColumnsAreDecimals) {
                         "insert into price values ('60000.00', 15, '12.50');");
   const auto rows = Rows("select p, m, t from price");
   ASSERT_EQ(rows.size(), 1u);
-  EXPECT_EQ(rows[0][0], Value::Decimal("60000"));
+  // SQLite keeps no scale; a declared one is restored, digits that are there are never cut.
+  EXPECT_EQ(rows[0][0], Value::Decimal("60000.00"));
   EXPECT_EQ(rows[0][1], Value::Decimal("15"));
   EXPECT_EQ(rows[0][2], Value::Decimal("12.5"));
 }

@@ -77,7 +77,8 @@ std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_vie
   const Kind& kind = Find(symbology);
   if (data.empty()) Fail(kind, data, "no data");
   // EAN-8 and EAN-13 share zint's symbology and differ by length; say which was meant.
-  if (symbology == Symbology::kEan8 && !(IsDigits(data) && (data.size() == 7 || data.size() == 8))) {
+  if (symbology == Symbology::kEan8 &&
+      !(IsDigits(data) && (data.size() == 7 || data.size() == 8))) {
     Fail(kind, data, "EAN-8 takes 7 digits, or 8 with the check digit");
   }
   if (symbology == Symbology::kEan13 &&
@@ -92,10 +93,21 @@ std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_vie
   symbol->whitespace_height = kind.linear ? 0 : std::max(0, options.quiet_zone);
   if (symbology == Symbology::kQr) {
     switch (options.qr_level) {
-      case 'L': case 'l': symbol->option_1 = 1; break;
-      case 'Q': case 'q': symbol->option_1 = 3; break;
-      case 'H': case 'h': symbol->option_1 = 4; break;
-      default: symbol->option_1 = 2; break;
+      case 'L':
+      case 'l':
+        symbol->option_1 = 1;
+        break;
+      case 'Q':
+      case 'q':
+        symbol->option_1 = 3;
+        break;
+      case 'H':
+      case 'h':
+        symbol->option_1 = 4;
+        break;
+      default:
+        symbol->option_1 = 2;
+        break;
     }
   }
   if (!IsAscii(data) && !kind.linear) {
@@ -103,8 +115,9 @@ std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_vie
     symbol->input_mode = UNICODE_MODE;
     symbol->eci = 26;
   }
-  const int status = ZBarcode_Encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()),
-                                     static_cast<int>(data.size()));
+  const int status =
+      ZBarcode_Encode(symbol.get(), reinterpret_cast<const unsigned char*>(data.data()),
+                      static_cast<int>(data.size()));
   if (status >= ZINT_ERROR) Fail(kind, data, symbol->errtxt);
   if (ZBarcode_Buffer_Vector(symbol.get(), 0) >= ZINT_ERROR || symbol->vector == nullptr) {
     Fail(kind, data, symbol->errtxt);
@@ -120,9 +133,10 @@ std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_vie
   if (kind.linear && options.show_text) {
     out->text = reinterpret_cast<const char*>(symbol->text);
     if (out->text.empty()) out->text.assign(data);
-    const float module = symbol->width > 0 ? vector.width / static_cast<float>(symbol->width +
-                                                                              2 * symbol->whitespace_width)
-                                           : 1.0f;
+    const float module =
+        symbol->width > 0
+            ? vector.width / static_cast<float>(symbol->width + 2 * symbol->whitespace_width)
+            : 1.0f;
     out->text_height = kTextModules * module;
     out->height += out->text_height;
   }

@@ -205,6 +205,12 @@ int Decimal::Compare(const Decimal& a, const Decimal& b) {
   const int sign_a = (a.mantissa_ > 0) - (a.mantissa_ < 0);
   const int sign_b = (b.mantissa_ > 0) - (b.mantissa_ < 0);
   if (sign_a != sign_b) return sign_a < sign_b ? -1 : 1;
+  Int128 x = 0, y = 0;
+  const int scale = std::max(a.scale_, b.scale_);
+  if (CheckedScaleUp(a.mantissa_, scale - a.scale_, x) &&
+      CheckedScaleUp(b.mantissa_, scale - b.scale_, y)) {
+    return (x > y) - (x < y);
+  }
   // Same sign: whole parts first, then the fractions brought to 18 decimals (they always fit).
   const Int128 whole_a = a.mantissa_ / kPow10[a.scale_];
   const Int128 whole_b = b.mantissa_ / kPow10[b.scale_];

@@ -243,6 +243,13 @@ class Compiler {
   std::shared_ptr<const Expression> Build(int syntax_root, std::string program_source) {
     program_ = std::make_shared<Program>(std::move(program_source));
     program_->root_ = Lower(syntax_root);
+    // The binder hears of aggregates only once the whole expression has compiled, so a text
+    // kept literal after an error leaves no aggregate behind to compute.
+    for (PendingAggregate& pending : pending_aggregates_) {
+      program_->nodes_[pending.node].id = BindAt(pending.offset, [&] {
+        return binder_.Aggregate(pending.kind, std::move(pending.argument), pending.scope);
+      });
+    }
     return std::move(program_);
   }
 
@@ -275,14 +282,16 @@ class Compiler {
 
   bool IsConstant(int index) const { return program_->nodes_[index].code == Code::kConstant; }
 
-  // Replaces a node whose operands are all constants by its value. The subtree was emitted last
-  // (post-order), so it is cut off the end of every array.
+  // Where the arrays ended before a subtree was lowered.
   struct Mark {
     size_t nodes, operands, constants;
   };
   Mark MarkNow() const {
     return {program_->nodes_.size(), program_->operands_.size(), program_->constants_.size()};
   }
+
+  // Replaces a node whose operands are all constants by its value. The subtree was emitted last
+  // (post-order), so it is cut off the end of every array.
   int Fold(int index, const Mark& mark) {
     Value value = program_->Eval(index, NoContext());
     program_->nodes_.resize(mark.nodes);
@@ -468,16 +477,27 @@ class Compiler {
     }
     Node node;
     node.code = Code::kAggregate;
-    node.id = BindAt(s.name_offset,
-                     [&] { return binder_.Aggregate(aggregate.kind, std::move(compiled), scope); });
-    return Emit(node);
+    const int emitted = Emit(node);
+    pending_aggregates_.push_back(
+        {emitted, s.name_offset, aggregate.kind, std::move(compiled), std::move(scope)});
+    return emitted;
   }
+
+  // Aggregate nodes are never folded away, so their indices stay valid until Build binds them.
+  struct PendingAggregate {
+    int node;
+    size_t offset;
+    AggregateKind kind;
+    std::shared_ptr<const Expression> argument;
+    std::string scope;
+  };
 
   std::string_view source_;
   const SyntaxTree& tree_;
   Binder& binder_;
   bool in_aggregate_;
   std::shared_ptr<Program> program_;
+  std::vector<PendingAggregate> pending_aggregates_;
 };
 
 }  // namespace

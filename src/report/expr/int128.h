@@ -39,6 +39,12 @@ inline bool CheckedAdd(Int128 a, Int128 b, Int128& out) {
 }
 
 inline bool CheckedMul(Int128 a, Int128 b, Int128& out) {
+  // Two factors below 2^63 cannot overflow; only larger ones pay for a 128-bit division.
+  constexpr Int128 k63 = static_cast<Int128>(1) << 63;
+  if (a > -k63 && a < k63 && b > -k63 && b < k63) {
+    out = a * b;
+    return true;
+  }
   if (a != 0 && b != 0 && Abs128(b) > kInt128Max / Abs128(a)) return false;
   out = a * b;
   return true;

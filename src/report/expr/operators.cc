@@ -90,6 +90,7 @@ Value NumberArith(Arith op, const Value& a, const Value& b) {
 }
 
 Value NumericOnly(Arith op, const Value& a, const Value& b) {
+  if (a.is_number() && b.is_number()) return NumberArith(op, a, b);
   const Value x = ToNumber(a);
   const Value y = ToNumber(b);
   if (x.is_null() || y.is_null()) return Value();
@@ -199,6 +200,7 @@ Value Negate(const Value& a) {
 
 Value Add(const Value& a, const Value& b) {
   if (a.is_null() || b.is_null()) return Value();
+  if (a.is_number() && b.is_number()) return NumberArith(Arith::kAdd, a, b);
   if (a.kind() == Kind::kText && b.kind() == Kind::kText) return Value::Text(a.text() + b.text());
   const Value x = ToNumber(a);
   const Value y = ToNumber(b);

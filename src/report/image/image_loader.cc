@@ -61,14 +61,12 @@ PixbufPtr Decode(const std::string& bytes, const std::string& path) {
       gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(bytes.data()),
                               bytes.size(), &raw_error) != 0;
   // Closing is needed even after a failed write, or the loader complains when finalised.
-  const bool closed =
-      gdk_pixbuf_loader_close(loader.get(), written ? &raw_error : nullptr) != 0;
+  const bool closed = gdk_pixbuf_loader_close(loader.get(), written ? &raw_error : nullptr) != 0;
   std::unique_ptr<GError, ErrorFree> error(raw_error);
   GdkPixbuf* pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
   if (!written || !closed || pixbuf == nullptr) {
     std::string reason = error ? error->message : "unknown format";
-    throw Error(kInvalidPicture, kSource,
-                "Invalid picture: " + path + " (" + reason + ")");
+    throw Error(kInvalidPicture, kSource, "Invalid picture: " + path + " (" + reason + ")");
   }
   return PixbufPtr(GDK_PIXBUF(g_object_ref(pixbuf)));
 }
@@ -89,8 +87,8 @@ std::shared_ptr<ImageData> ToImageData(GdkPixbuf* pixbuf) {
   bool translucent = false;
   for (int y = 0; y < height; ++y) {
     const guchar* in = source + static_cast<ptrdiff_t>(y) * row_stride;
-    auto* out = reinterpret_cast<uint32_t*>(image->pixels.data() +
-                                            static_cast<size_t>(y) * image->stride);
+    auto* out =
+        reinterpret_cast<uint32_t*>(image->pixels.data() + static_cast<size_t>(y) * image->stride);
     for (int x = 0; x < width; ++x, in += channels) {
       const uint32_t a = alpha ? in[3] : 255;
       const auto premultiply = [a](uint32_t c) { return (c * a + 127) / 255; };

@@ -51,8 +51,8 @@ SizeF PageSize(const Page& page) {
 // Draws every page through "write"; returns Cairo's final status.
 cairo_status_t Render(const Document& document, cairo_write_func_t write, void* closure) {
   const SizeF first = document.pages.empty() ? kA4 : PageSize(document.pages.front());
-  SurfacePtr surface(cairo_pdf_surface_create_for_stream(write, closure, first.width,
-                                                         first.height));
+  SurfacePtr surface(
+      cairo_pdf_surface_create_for_stream(write, closure, first.width, first.height));
   const Metadata& meta = document.metadata;
   const std::pair<cairo_pdf_metadata_t, const std::string*> fields[] = {
       {CAIRO_PDF_METADATA_TITLE, &meta.title},
@@ -119,7 +119,8 @@ void WritePdf(const Document& document, const std::string& path) {
   int error = sink.error;
   if (error == 0 && fsync(sink.fd) != 0) error = errno;
   if (close(sink.fd) != 0 && error == 0) error = errno;
-  if (error == 0 && status == CAIRO_STATUS_SUCCESS && rename(temporary.c_str(), native.c_str()) != 0) {
+  if (error == 0 && status == CAIRO_STATUS_SUCCESS &&
+      rename(temporary.c_str(), native.c_str()) != 0) {
     error = errno;
   }
   if (error != 0 || status != CAIRO_STATUS_SUCCESS) {
@@ -128,7 +129,8 @@ void WritePdf(const Document& document, const std::string& path) {
   }
   // The rename itself reaches the disk with the folder; failing here loses nothing written.
   const size_t slash = native.find_last_of('/');
-  const std::string folder = slash == std::string::npos ? "." : native.substr(0, std::max<size_t>(slash, 1));
+  const std::string folder =
+      slash == std::string::npos ? "." : native.substr(0, std::max<size_t>(slash, 1));
   const int folder_fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder_fd >= 0) {
     fsync(folder_fd);

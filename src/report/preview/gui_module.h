@@ -32,8 +32,8 @@ typedef int (*VantorelGuiAvailableFn)(void);
 // Shows the preview window and returns when it is closed: 0, or an error number (vantorel::errnum)
 // with its description in "error" (NUL-terminated, cut to "error_size").
 typedef int (*VantorelGuiShowPreviewFn)(const vantorel::report::Document* document,
-                                         const vantorel::report::PreviewSettings* settings,
-                                         char* error, size_t error_size);
+                                        const vantorel::report::PreviewSettings* settings,
+                                        char* error, size_t error_size);
 
 // Shows "text" in a modal dialog with an OK button, with the error icon when "icon" is
 // vantorel::MessageIcon::kCritical; returns 1 once it is closed, 0 when there is no display.
@@ -43,8 +43,8 @@ typedef int (*VantorelGuiMessageBoxFn)(const char* text, int icon);
 // the toolbar's usable controls, comma-separated, to "out" ("first,previous,page,next,…").
 // Returns 0, or an error number with the description in "out".
 typedef int (*VantorelGuiDescribeToolbarFn)(const vantorel::report::Document* document,
-                                             const vantorel::report::PreviewSettings* settings,
-                                             char* out, size_t out_size);
+                                            const vantorel::report::PreviewSettings* settings,
+                                            char* out, size_t out_size);
 
 // For tests: what the open preview window shows, as "page 2 / 3; zoom 100%; find 0 / 0", or ""
 // when no window is open. Safe from any thread: it reads a copy the window keeps up to date.

@@ -100,8 +100,8 @@ GuiModule OpenModule() {
   void* handle = dlopen(module.path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle == nullptr) {
     const char* why = dlerror();
-    Fail("The preview window module " + module.path + " could not be loaded: " +
-         (why != nullptr ? why : "unknown error") +
+    Fail("The preview window module " + module.path +
+         " could not be loaded: " + (why != nullptr ? why : "unknown error") +
          ". Check that GTK 3 is installed (libgtk-3-0).");
   }
   const auto version =

@@ -84,9 +84,12 @@ constexpr int kFitPageRow = kFitWidthRow + 1;
 
 std::string Percent(double zoom) { return std::to_string(std::lround(zoom * 100)) + "%"; }
 
+constexpr const char* kDialogTitle = "Vantorel";
+
 void ShowError(GtkWindow* parent, const std::string& primary, const std::string& detail) {
   GtkWidget* dialog = gtk_message_dialog_new(parent, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR,
                                              GTK_BUTTONS_OK, "%s", primary.c_str());
+  gtk_window_set_title(GTK_WINDOW(dialog), kDialogTitle);
   gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s", detail.c_str());
   gtk_dialog_run(GTK_DIALOG(dialog));
   gtk_widget_destroy(dialog);
@@ -98,7 +101,7 @@ class PreviewWindow {
  public:
   PreviewWindow(const Document& document, const PreviewSettings& settings)
       : document_(document), settings_(settings) {
-    title_ = !settings.title.empty()           ? settings.title
+    title_ = !settings.title.empty()            ? settings.title
              : !document.metadata.title.empty() ? document.metadata.title
                                                 : "Report preview";
     Build();
@@ -122,7 +125,9 @@ class PreviewWindow {
   void Run() {
     gtk_widget_show_all(window_);
     if (settings_.maximized) gtk_window_maximize(GTK_WINDOW(window_));
+    // The keys act on the page, not on the first entry GTK would give the focus to.
     gtk_widget_grab_focus(area_);
+    gtk_editable_select_region(GTK_EDITABLE(page_entry_), 0, 0);
     UpdateControls();
     loop_.reset(g_main_loop_new(nullptr, FALSE));
     g_main_loop_run(loop_.get());
@@ -155,11 +160,10 @@ class PreviewWindow {
     g_signal_connect(instance, signal, G_CALLBACK(handler), data);
   }
 
-  GtkToolItem* AddButton(const char* name, const char* icon, const char* label,
-                         const char* tooltip, void (*clicked)(GtkToolButton*, gpointer)) {
-    GtkToolItem* item = gtk_tool_button_new(gtk_image_new_from_icon_name(icon,
-                                                                         GTK_ICON_SIZE_LARGE_TOOLBAR),
-                                            label);
+  GtkToolItem* AddButton(const char* name, const char* icon, const char* label, const char* tooltip,
+                         void (*clicked)(GtkToolButton*, gpointer)) {
+    GtkToolItem* item =
+        gtk_tool_button_new(gtk_image_new_from_icon_name(icon, GTK_ICON_SIZE_LARGE_TOOLBAR), label);
     gtk_widget_set_name(GTK_WIDGET(item), name);
     gtk_tool_item_set_tooltip_text(item, tooltip);
     Connect(item, "clicked", clicked, this);
@@ -176,7 +180,9 @@ class PreviewWindow {
     return item;
   }
 
-  void AddSeparator() { gtk_toolbar_insert(GTK_TOOLBAR(toolbar_), gtk_separator_tool_item_new(), -1); }
+  void AddSeparator() {
+    gtk_toolbar_insert(GTK_TOOLBAR(toolbar_), gtk_separator_tool_item_new(), -1);
+  }
 
   static PreviewWindow* Self(gpointer data) { return static_cast<PreviewWindow*>(data); }
 
@@ -184,41 +190,73 @@ class PreviewWindow {
     window_ = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(window_), title_.c_str());
     gtk_window_set_default_size(GTK_WINDOW(window_), 1000, 760);
-    Connect(window_, "destroy", +[](GtkWidget*, gpointer data) { Self(data)->OnDestroyed(); },
-            this);
-    Connect(window_, "key-press-event", +[](GtkWidget*, GdkEventKey* event, gpointer data) {
-      return Self(data)->OnKey(event);
-    }, this);
+    Connect(
+        window_, "destroy", +[](GtkWidget*, gpointer data) { Self(data)->OnDestroyed(); }, this);
+    Connect(
+        window_, "key-press-event",
+        +[](GtkWidget*, GdkEventKey* event, gpointer data) { return Self(data)->OnKey(event); },
+        this);
 
     toolbar_ = gtk_toolbar_new();
     gtk_toolbar_set_style(GTK_TOOLBAR(toolbar_), GTK_TOOLBAR_ICONS);
+    AddPageControls();
+    AddSeparator();
+    AddZoomControls();
+    AddSeparator();
+    AddOutputControls();
+    if (settings_.allow_find) {
+      AddSeparator();
+      AddFindControls();
+    }
+    GtkToolItem* space = gtk_separator_tool_item_new();
+    gtk_separator_tool_item_set_draw(GTK_SEPARATOR_TOOL_ITEM(space), FALSE);
+    gtk_tool_item_set_expand(space, TRUE);
+    gtk_toolbar_insert(GTK_TOOLBAR(toolbar_), space, -1);
+    print_status_ = gtk_label_new("");
+    AddWidget(nullptr, print_status_);
+    AddButton(
+        "close", "window-close-symbolic", "Close", "Close (Escape)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->Close(); });
 
-    first_ = AddButton("first", "go-first-symbolic", "First", "First page (Home)",
-                       +[](GtkToolButton*, gpointer data) { Self(data)->GoTo(0); });
-    previous_ = AddButton("previous", "go-previous-symbolic", "Previous",
-                          "Previous page (Page Up)", +[](GtkToolButton*, gpointer data) {
-                            Self(data)->Step(-1);
-                          });
+    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_box_pack_start(GTK_BOX(box), toolbar_, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), MakePageView(), TRUE, TRUE, 0);
+    gtk_container_add(GTK_CONTAINER(window_), box);
+    SetZoom(ZoomMode::kFixed, 1.0);
+  }
+
+  void AddPageControls() {
+    first_ = AddButton(
+        "first", "go-first-symbolic", "First", "First page (Home)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->GoTo(0); });
+    previous_ = AddButton(
+        "previous", "go-previous-symbolic", "Previous", "Previous page (Page Up)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->Step(-1); });
     page_entry_ = gtk_entry_new();
     gtk_entry_set_width_chars(GTK_ENTRY(page_entry_), 4);
     gtk_entry_set_alignment(GTK_ENTRY(page_entry_), 1);
     gtk_widget_set_tooltip_text(page_entry_, "Page number: type one and press Enter");
-    Connect(page_entry_, "activate", +[](GtkEntry*, gpointer data) { Self(data)->OnPageTyped(); },
-            this);
+    Connect(
+        page_entry_, "activate", +[](GtkEntry*, gpointer data) { Self(data)->OnPageTyped(); },
+        this);
     page_count_ = gtk_label_new("");
     GtkWidget* page_box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
     gtk_box_pack_start(GTK_BOX(page_box), page_entry_, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(page_box), page_count_, FALSE, FALSE, 0);
     gtk_widget_set_valign(page_box, GTK_ALIGN_CENTER);
     AddWidget("page", page_box);
-    next_ = AddButton("next", "go-next-symbolic", "Next", "Next page (Page Down)",
-                      +[](GtkToolButton*, gpointer data) { Self(data)->Step(1); });
-    last_ = AddButton("last", "go-last-symbolic", "Last", "Last page (End)",
-                      +[](GtkToolButton*, gpointer data) { Self(data)->GoToLast(); });
-    AddSeparator();
+    next_ = AddButton(
+        "next", "go-next-symbolic", "Next", "Next page (Page Down)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->Step(1); });
+    last_ = AddButton(
+        "last", "go-last-symbolic", "Last", "Last page (End)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->GoToLast(); });
+  }
 
-    zoom_out_ = AddButton("zoom-out", "zoom-out-symbolic", "Zoom out", "Zoom out (-)",
-                          +[](GtkToolButton*, gpointer data) { Self(data)->ZoomBy(-1); });
+  void AddZoomControls() {
+    zoom_out_ = AddButton(
+        "zoom-out", "zoom-out-symbolic", "Zoom out", "Zoom out (-)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->ZoomBy(-1); });
     zoom_combo_ = gtk_combo_box_text_new();
     for (double step : kZoomSteps) {
       gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(zoom_combo_), Percent(step).c_str());
@@ -227,79 +265,80 @@ class PreviewWindow {
     gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(zoom_combo_), "Fit page");
     gtk_widget_set_tooltip_text(zoom_combo_, "Zoom");
     gtk_widget_set_valign(zoom_combo_, GTK_ALIGN_CENTER);
-    Connect(zoom_combo_, "changed", +[](GtkComboBox*, gpointer data) {
-      Self(data)->OnZoomChosen();
-    }, this);
+    Connect(
+        zoom_combo_, "changed", +[](GtkComboBox*, gpointer data) { Self(data)->OnZoomChosen(); },
+        this);
     AddWidget("zoom", zoom_combo_);
-    zoom_in_ = AddButton("zoom-in", "zoom-in-symbolic", "Zoom in", "Zoom in (+)",
-                         +[](GtkToolButton*, gpointer data) { Self(data)->ZoomBy(1); });
-    AddSeparator();
+    zoom_in_ = AddButton(
+        "zoom-in", "zoom-in-symbolic", "Zoom in", "Zoom in (+)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->ZoomBy(1); });
+  }
 
+  void AddOutputControls() {
     if (settings_.allow_print) {
-      print_ = AddButton("print", "document-print-symbolic", "Print…", "Print (Ctrl+P)",
-                         +[](GtkToolButton*, gpointer data) { Self(data)->Print(); });
+      print_ = AddButton(
+          "print", "document-print-symbolic", "Print…", "Print (Ctrl+P)",
+          +[](GtkToolButton*, gpointer data) { Self(data)->Print(); });
     }
     if (settings_.allow_export) {
-      AddButton("export", "document-save-as-symbolic", "Export to PDF…", "Export to PDF…",
-                +[](GtkToolButton*, gpointer data) { Self(data)->Export(); });
+      AddButton(
+          "export", "document-save-as-symbolic", "Export to PDF…", "Export to PDF…",
+          +[](GtkToolButton*, gpointer data) { Self(data)->Export(); });
     }
-    if (settings_.allow_find) {
-      AddSeparator();
-      find_entry_ = gtk_search_entry_new();
-      gtk_entry_set_width_chars(GTK_ENTRY(find_entry_), 18);
-      gtk_entry_set_placeholder_text(GTK_ENTRY(find_entry_), "Find");
-      gtk_widget_set_tooltip_text(find_entry_,
-                                  "Find text (Ctrl+F); Enter: next match, Shift+Enter: previous");
-      gtk_widget_set_valign(find_entry_, GTK_ALIGN_CENTER);
-      Connect(find_entry_, "search-changed", +[](GtkSearchEntry*, gpointer data) {
-        Self(data)->OnFindChanged();
-      }, this);
-      Connect(find_entry_, "activate", +[](GtkEntry*, gpointer data) {
-        Self(data)->FindStep(1);
-      }, this);
-      AddWidget("find", find_entry_);
-      find_previous_ = AddButton("find-previous", "go-up-symbolic", "Previous match",
-                                 "Previous match (Shift+Enter)",
-                                 +[](GtkToolButton*, gpointer data) { Self(data)->FindStep(-1); });
-      find_next_ = AddButton("find-next", "go-down-symbolic", "Next match", "Next match (Enter)",
-                             +[](GtkToolButton*, gpointer data) { Self(data)->FindStep(1); });
-      find_status_ = gtk_label_new("");
-      gtk_label_set_width_chars(GTK_LABEL(find_status_), 10);
-      AddWidget(nullptr, find_status_);
-    }
+  }
 
-    GtkToolItem* space = gtk_separator_tool_item_new();
-    gtk_separator_tool_item_set_draw(GTK_SEPARATOR_TOOL_ITEM(space), FALSE);
-    gtk_tool_item_set_expand(space, TRUE);
-    gtk_toolbar_insert(GTK_TOOLBAR(toolbar_), space, -1);
-    print_status_ = gtk_label_new("");
-    AddWidget(nullptr, print_status_);
-    AddButton("close", "window-close-symbolic", "Close", "Close (Escape)",
-              +[](GtkToolButton*, gpointer data) { Self(data)->Close(); });
+  void AddFindControls() {
+    find_entry_ = gtk_search_entry_new();
+    gtk_entry_set_width_chars(GTK_ENTRY(find_entry_), 18);
+    gtk_entry_set_placeholder_text(GTK_ENTRY(find_entry_), "Find");
+    gtk_widget_set_tooltip_text(find_entry_,
+                                "Find text (Ctrl+F); Enter: next match, Shift+Enter: previous");
+    gtk_widget_set_valign(find_entry_, GTK_ALIGN_CENTER);
+    Connect(
+        find_entry_, "search-changed",
+        +[](GtkSearchEntry*, gpointer data) { Self(data)->OnFindChanged(); }, this);
+    Connect(
+        find_entry_, "activate", +[](GtkEntry*, gpointer data) { Self(data)->FindStep(1); }, this);
+    AddWidget("find", find_entry_);
+    find_previous_ = AddButton(
+        "find-previous", "go-up-symbolic", "Previous match", "Previous match (Shift+Enter)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->FindStep(-1); });
+    find_next_ = AddButton(
+        "find-next", "go-down-symbolic", "Next match", "Next match (Enter)",
+        +[](GtkToolButton*, gpointer data) { Self(data)->FindStep(1); });
+    find_status_ = gtk_label_new("");
+    gtk_label_set_width_chars(GTK_LABEL(find_status_), 10);
+    AddWidget(nullptr, find_status_);
+  }
 
+  // The scrolled area the page is drawn in.
+  GtkWidget* MakePageView() {
     area_ = gtk_drawing_area_new();
     gtk_widget_set_can_focus(area_, TRUE);
-    Connect(area_, "draw", +[](GtkWidget*, cairo_t* cr, gpointer data) {
-      Self(data)->Draw(cr);
-      return gboolean{FALSE};
-    }, this);
+    Connect(
+        area_, "draw",
+        +[](GtkWidget*, cairo_t* cr, gpointer data) {
+          Self(data)->Draw(cr);
+          return gboolean{FALSE};
+        },
+        this);
     scrolled_ = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_container_add(GTK_CONTAINER(scrolled_), area_);
     gtk_widget_set_vexpand(scrolled_, TRUE);
-    Connect(scrolled_, "size-allocate", +[](GtkWidget*, GdkRectangle* size, gpointer data) {
-      Self(data)->OnViewResized(size->width, size->height);
-    }, this);
+    Connect(
+        scrolled_, "size-allocate",
+        +[](GtkWidget*, GdkRectangle* size, gpointer data) {
+          Self(data)->OnViewResized(size->width, size->height);
+        },
+        this);
     gtk_widget_add_events(scrolled_, GDK_SCROLL_MASK);
-    Connect(scrolled_, "scroll-event", +[](GtkWidget*, GdkEventScroll* event, gpointer data) {
-      return Self(data)->OnScroll(event);
-    }, this);
-
-    GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-    gtk_box_pack_start(GTK_BOX(box), toolbar_, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), scrolled_, TRUE, TRUE, 0);
-    gtk_container_add(GTK_CONTAINER(window_), box);
-
-    SetZoom(ZoomMode::kFixed, 1.0);
+    Connect(
+        scrolled_, "scroll-event",
+        +[](GtkWidget*, GdkEventScroll* event, gpointer data) {
+          return Self(data)->OnScroll(event);
+        },
+        this);
+    return scrolled_;
   }
 
   size_t PageCount() const { return document_.pages.size(); }
@@ -370,11 +409,13 @@ class PreviewWindow {
     view_height_ = height;
     // Resizing the page from inside GTK's allocation pass would nest layouts: do it just after.
     if (mode_ != ZoomMode::kFixed && relayout_source_ == 0) {
-      relayout_source_ = g_idle_add(+[](gpointer data) {
-        Self(data)->relayout_source_ = 0;
-        Self(data)->Relayout();
-        return gboolean{G_SOURCE_REMOVE};
-      }, this);
+      relayout_source_ = g_idle_add(
+          +[](gpointer data) {
+            Self(data)->relayout_source_ = 0;
+            Self(data)->Relayout();
+            return gboolean{G_SOURCE_REMOVE};
+          },
+          this);
     }
   }
 
@@ -383,8 +424,8 @@ class PreviewWindow {
     double dx = 0, dy = 0;
     if (event->direction == GDK_SCROLL_UP) dy = -1;
     if (event->direction == GDK_SCROLL_DOWN) dy = 1;
-    if (event->direction == GDK_SCROLL_SMOOTH) gdk_event_get_scroll_deltas(
-        reinterpret_cast<GdkEvent*>(event), &dx, &dy);
+    if (event->direction == GDK_SCROLL_SMOOTH)
+      gdk_event_get_scroll_deltas(reinterpret_cast<GdkEvent*>(event), &dx, &dy);
     if (dy != 0) ZoomBy(dy < 0 ? 1 : -1);
     return TRUE;
   }
@@ -434,23 +475,29 @@ class PreviewWindow {
     cairo_scale(cr, scale, scale);
     cairo_rectangle(cr, 0, 0, page.size.width, page.size.height);
     cairo_clip(cr);
+    // The marks' fill goes under the text so it stays readable, their outline over it.
+    DrawMatches(cr, true);
     DrawPage(cr, document_, page);
-    DrawMatches(cr);
+    DrawMatches(cr, false);
     cairo_restore(cr);
   }
 
-  // Marks the find matches of the current page, the current one stronger.
-  void DrawMatches(cairo_t* cr) const {
+  // Marks the find matches of the current page, the current one stronger: their fill, or their
+  // outline.
+  void DrawMatches(cairo_t* cr, bool fill) const {
     for (size_t i = 0; i < matches_.size(); ++i) {
       const Match& match = matches_[i];
       if (match.page != page_) continue;
       const bool current = i == current_match_;
       cairo_rectangle(cr, match.box.x, match.box.y, match.box.width, match.box.height);
-      cairo_set_source_rgba(cr, 1.0, current ? 0.55 : 0.85, 0.0, current ? 0.45 : 0.3);
-      cairo_fill_preserve(cr);
-      cairo_set_source_rgba(cr, 0.9, 0.45, 0.0, current ? 1.0 : 0.6);
-      cairo_set_line_width(cr, current ? 1.5 : 0.75);
-      cairo_stroke(cr);
+      if (fill) {
+        cairo_set_source_rgba(cr, 1.0, current ? 0.6 : 0.85, 0.0, current ? 0.55 : 0.35);
+        cairo_fill(cr);
+      } else {
+        cairo_set_source_rgba(cr, 0.9, 0.45, 0.0, current ? 1.0 : 0.6);
+        cairo_set_line_width(cr, current ? 1.5 : 0.75);
+        cairo_stroke(cr);
+      }
     }
   }
 
@@ -516,10 +563,12 @@ class PreviewWindow {
       }
       std::lock_guard lock(print_mutex_);
       print_error_ = error;
-      print_done_source_ = g_idle_add(+[](gpointer data) {
-        Self(data)->OnPrinted();
-        return gboolean{G_SOURCE_REMOVE};
-      }, this);
+      print_done_source_ = g_idle_add(
+          +[](gpointer data) {
+            Self(data)->OnPrinted();
+            return gboolean{G_SOURCE_REMOVE};
+          },
+          this);
     });
   }
 
@@ -575,9 +624,7 @@ class PreviewWindow {
 
   gboolean OnKey(GdkEventKey* event) {
     const bool control = (event->state & GDK_CONTROL_MASK) != 0;
-    // Keys that edit text belong to an entry that has the focus.
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(window_));
-    const bool typing = focus != nullptr && GTK_IS_ENTRY(focus);
     if (IsKey(event, {GDK_KEY_Escape}) || (control && IsKey(event, {GDK_KEY_w, GDK_KEY_W}))) {
       Close();
     } else if (control && IsKey(event, {GDK_KEY_p, GDK_KEY_P})) {
@@ -589,12 +636,20 @@ class PreviewWindow {
       Step(1);
     } else if (IsKey(event, {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up})) {
       Step(-1);
-    } else if (typing && event->keyval == GDK_KEY_Return && focus == find_entry_ &&
+    } else if (focus != nullptr && focus == find_entry_ && event->keyval == GDK_KEY_Return &&
                (event->state & GDK_SHIFT_MASK) != 0) {
       FindStep(-1);
-    } else if (typing && !control) {
-      return FALSE;
-    } else if (IsKey(event, {GDK_KEY_Home, GDK_KEY_KP_Home})) {
+    } else if (focus != nullptr && GTK_IS_ENTRY(focus) && !control) {
+      return FALSE;  // keys that edit text belong to the entry
+    } else {
+      return OnPageKey(event, control);
+    }
+    return TRUE;
+  }
+
+  // The keys that move about the page and zoom, when no entry wants them.
+  gboolean OnPageKey(const GdkEventKey* event, bool control) {
+    if (IsKey(event, {GDK_KEY_Home, GDK_KEY_KP_Home})) {
       GoTo(0);
     } else if (IsKey(event, {GDK_KEY_End, GDK_KEY_KP_End})) {
       GoToLast();
@@ -637,7 +692,7 @@ class PreviewWindow {
       if (!matches_.empty()) {
         found = std::to_string(current_match_ + 1) + " / " + std::to_string(matches_.size());
       }
-      gtk_label_set_text(GTK_LABEL(find_status_), !searching        ? ""
+      gtk_label_set_text(GTK_LABEL(find_status_), !searching         ? ""
                                                   : matches_.empty() ? "No matches"
                                                                      : found.c_str());
       gtk_widget_set_sensitive(GTK_WIDGET(find_previous_), matches_.size() > 1);
@@ -647,8 +702,8 @@ class PreviewWindow {
 
     std::lock_guard lock(g_status_mutex);
     g_status = "page " + std::string(gtk_entry_get_text(GTK_ENTRY(page_entry_))) + " " +
-               gtk_label_get_text(GTK_LABEL(page_count_)) + "; zoom " + Percent(zoom_) +
-               "; find " + found;
+               gtk_label_get_text(GTK_LABEL(page_count_)) + "; zoom " + Percent(zoom_) + "; find " +
+               found;
   }
 
   const Document& document_;
@@ -666,8 +721,8 @@ class PreviewWindow {
   GtkToolItem* zoom_out_ = nullptr;
   GtkToolItem* zoom_in_ = nullptr;
   GtkWidget* zoom_combo_ = nullptr;
-  GtkToolItem* print_ = nullptr;         // null unless printing is allowed
-  GtkWidget* find_entry_ = nullptr;      // null unless finding is allowed
+  GtkToolItem* print_ = nullptr;     // null unless printing is allowed
+  GtkWidget* find_entry_ = nullptr;  // null unless finding is allowed
   GtkToolItem* find_previous_ = nullptr;
   GtkToolItem* find_next_ = nullptr;
   GtkWidget* find_status_ = nullptr;
@@ -688,8 +743,8 @@ class PreviewWindow {
 
   std::thread print_thread_;
   std::mutex print_mutex_;
-  std::string print_error_;       // guarded by print_mutex_
-  guint print_done_source_ = 0;   // guarded by print_mutex_; the pending OnPrinted call
+  std::string print_error_;      // guarded by print_mutex_
+  guint print_done_source_ = 0;  // guarded by print_mutex_; the pending OnPrinted call
 };
 
 // Runs "body", turning an exception into its error number and description.
@@ -740,10 +795,10 @@ VANTOREL_GUI_API int vantorel_gui_message_box(const char* text, int icon) {
   std::lock_guard lock(preview::g_gtk_mutex);
   if (!preview::StartGtk()) return 0;
   const bool critical = icon == static_cast<int>(vantorel::MessageIcon::kCritical);
-  GtkWidget* dialog =
-      gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, critical ? GTK_MESSAGE_ERROR : GTK_MESSAGE_OTHER,
-                             GTK_BUTTONS_OK, "%s", text);
-  gtk_window_set_title(GTK_WINDOW(dialog), "Vantorel");
+  GtkWidget* dialog = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL,
+                                             critical ? GTK_MESSAGE_ERROR : GTK_MESSAGE_OTHER,
+                                             GTK_BUTTONS_OK, "%s", text);
+  gtk_window_set_title(GTK_WINDOW(dialog), preview::kDialogTitle);
   gtk_window_set_keep_above(GTK_WINDOW(dialog), TRUE);
   if (critical) {
     // GTK 3 message dialogs show no icon unless given one; the replacement API is GTK 4's.

@@ -53,8 +53,7 @@ double ZoomOut(double zoom) {
   return kZoomSteps[0];
 }
 
-double FitZoom(ZoomMode mode, SizeF page, double view_width, double view_height,
-               double margin) {
+double FitZoom(ZoomMode mode, SizeF page, double view_width, double view_height, double margin) {
   const double smallest = kZoomSteps[0] / 10;
   if (page.width <= 0 || page.height <= 0) return 1.0;
   const double width = (view_width - 2 * margin) / (page.width * kPixelsPerPoint);

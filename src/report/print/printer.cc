@@ -41,7 +41,7 @@ std::string LastCupsError() {
 
 // The server cupsServer() names (CUPS_SERVER, client.conf or the local socket), for messages.
 std::string ServerName() {
-  const std::string server = cupsServer();
+  std::string server = cupsServer();
   if (server.empty() || server[0] == '/') return server;
   return server + ":" + std::to_string(ippPort());
 }
@@ -151,13 +151,20 @@ JobState GetJobState(http_t* http, int job_id) {
 
 const char* JobStateName(ipp_jstate_t state) {
   switch (state) {
-    case IPP_JSTATE_PENDING: return "pending";
-    case IPP_JSTATE_HELD: return "held";
-    case IPP_JSTATE_PROCESSING: return "processing";
-    case IPP_JSTATE_STOPPED: return "stopped";
-    case IPP_JSTATE_CANCELED: return "cancelled";
-    case IPP_JSTATE_ABORTED: return "aborted";
-    case IPP_JSTATE_COMPLETED: return "completed";
+    case IPP_JSTATE_PENDING:
+      return "pending";
+    case IPP_JSTATE_HELD:
+      return "held";
+    case IPP_JSTATE_PROCESSING:
+      return "processing";
+    case IPP_JSTATE_STOPPED:
+      return "stopped";
+    case IPP_JSTATE_CANCELED:
+      return "cancelled";
+    case IPP_JSTATE_ABORTED:
+      return "aborted";
+    case IPP_JSTATE_COMPLETED:
+      return "completed";
   }
   return "unknown";
 }
@@ -175,7 +182,8 @@ class Job {
   void Create(const std::string& title, int copies) {
     cups_option_t* options = nullptr;
     int count = 0;
-    if (copies > 1) count = cupsAddOption("copies", std::to_string(copies).c_str(), count, &options);
+    if (copies > 1)
+      count = cupsAddOption("copies", std::to_string(copies).c_str(), count, &options);
     id_ = cupsCreateJob(http_, queue_.c_str(), title.c_str(), count, options);
     cupsFreeOptions(count, options);
     if (id_ == 0) {
@@ -286,7 +294,8 @@ std::string ResolveQueue(http_t* http, const std::string& requested) {
   Fail("No printer was named and there is no default printer on the CUPS server at " +
        ServerName() +
        ". Name a queue in the template's printer setting or in VANTOREL_PRINTER, or choose a "
-       "default with \"lpoptions -d QUEUE\"" + listing);
+       "default with \"lpoptions -d QUEUE\"" +
+       listing);
 }
 
 }  // namespace
@@ -294,8 +303,8 @@ std::string ResolveQueue(http_t* http, const std::string& requested) {
 void PrintDocument(const Document& document, const PrintOptions& options) {
   if (document.pages.empty()) Fail("The report has no pages, so there is nothing to print.");
   if (options.copies < 1) {
-    Fail("The number of copies to print must be at least 1, not " +
-         std::to_string(options.copies) + ".");
+    Fail("The number of copies to print must be at least 1, not " + std::to_string(options.copies) +
+         ".");
   }
   const Http http = Connect();
   const std::string queue = ResolveQueue(http.get(), options.queue);

@@ -39,8 +39,8 @@ std::string PagePng(const Document& document, size_t index, double dpi) {
   }
   const Page& page = document.pages[index];
   // Opaque pixels: the page is paper-white, and the PNG needs no alpha channel.
-  SurfacePtr surface(cairo_image_surface_create(
-      CAIRO_FORMAT_RGB24, Pixels(page.size.width, dpi), Pixels(page.size.height, dpi)));
+  SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, Pixels(page.size.width, dpi),
+                                                Pixels(page.size.height, dpi)));
   CairoPtr cr(cairo_create(surface.get()));
   cairo_set_source_rgb(cr.get(), 1, 1, 1);
   cairo_paint(cr.get());

@@ -22,16 +22,15 @@ void ReleaseImage(void* data) { delete static_cast<std::shared_ptr<const ImageDa
 
 SurfacePtr MakeSurface(const std::shared_ptr<const ImageData>& image) {
   const ImageData& data = *image;
-  if (data.width <= 0 || data.height <= 0 || data.stride < data.width * 4 ||
-      data.stride % 4 != 0 ||
+  if (data.width <= 0 || data.height <= 0 || data.stride < data.width * 4 || data.stride % 4 != 0 ||
       data.pixels.size() < static_cast<size_t>(data.stride) * static_cast<size_t>(data.height)) {
     return nullptr;
   }
   // Cairo only reads a source surface, so sharing the immutable pixels is safe.
-  SurfacePtr surface(cairo_image_surface_create_for_data(
-      const_cast<uint8_t*>(data.pixels.data()),
-      data.has_alpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, data.width, data.height,
-      data.stride));
+  SurfacePtr surface(
+      cairo_image_surface_create_for_data(const_cast<uint8_t*>(data.pixels.data()),
+                                          data.has_alpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24,
+                                          data.width, data.height, data.stride));
   if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
   // The surface keeps the image (and so its pixels and JPEG bytes) alive as long as it lives,
   // whoever holds it last: this cache, a pattern, or a PDF surface not yet finished.
@@ -44,8 +43,8 @@ SurfacePtr MakeSurface(const std::shared_ptr<const ImageData>& image) {
   }
   // The image's address is unique while the image lives, and it lives as long as this surface.
   char id[40];
-  const int length = std::snprintf(id, sizeof id, "vantorel-image-%p",
-                                   static_cast<const void*>(&data));
+  const int length =
+      std::snprintf(id, sizeof id, "vantorel-image-%p", static_cast<const void*>(&data));
   auto* copy = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(length)));
   std::memcpy(copy, id, static_cast<size_t>(length));
   cairo_surface_set_mime_data(surface.get(), CAIRO_MIME_TYPE_UNIQUE_ID, copy,

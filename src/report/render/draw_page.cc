@@ -10,67 +10,49 @@ namespace vantorel::report {
 namespace render {
 namespace {
 
-void DrawLine(cairo_t* cr, const LineItem& line) {
-  if (Visible(line.stroke)) StrokeSegment(cr, line.from, line.to, line.stroke);
+void DrawRect(Painter& painter, const RectItem& rect) {
+  painter.Fill(rect.box, rect.corner_radius, rect.fill);
+  painter.StrokeBox(rect.box, rect.corner_radius, rect.stroke);
 }
 
-void DrawRect(cairo_t* cr, const RectItem& rect) {
-  const RectF& b = rect.box;
-  if (rect.fill.visible()) {
-    RoundedRectangle(cr, b.x, b.y, b.width, b.height, rect.corner_radius);
-    SetColor(cr, rect.fill);
-    cairo_fill(cr);
-  }
-  if (!Visible(rect.stroke)) return;
-  ApplyStroke(cr, rect.stroke);
-  if (rect.stroke.style == LineStyle::kDouble) {
-    const double w = rect.stroke.width;
-    RoundedRectangle(cr, b.x - w, b.y - w, b.width + 2 * w, b.height + 2 * w,
-                     rect.corner_radius > 0 ? rect.corner_radius + w : 0);
-    if (b.width > 2 * w && b.height > 2 * w) {
-      RoundedRectangle(cr, b.x + w, b.y + w, b.width - 2 * w, b.height - 2 * w,
-                       std::max(0.0, rect.corner_radius - w));
-    }
-  } else {
-    RoundedRectangle(cr, b.x, b.y, b.width, b.height, rect.corner_radius);
-  }
-  cairo_stroke(cr);
-}
+void DrawItems(Painter& painter, const Document& document, const std::vector<Item>& items);
 
-void DrawItems(cairo_t* cr, const Document& document, const std::vector<Item>& items);
-
-void DrawGroup(cairo_t* cr, const Document& document, const GroupItem& group) {
+void DrawGroup(Painter& painter, const Document& document, const GroupItem& group) {
+  painter.Flush();
+  cairo_t* cr = painter.cr();
   cairo_save(cr);
   // An empty clip rectangle means the group only groups.
   if (group.clip.width > 0 && group.clip.height > 0) {
     cairo_rectangle(cr, group.clip.x, group.clip.y, group.clip.width, group.clip.height);
     cairo_clip(cr);
   }
-  DrawItems(cr, document, group.items);
+  DrawItems(painter, document, group.items);
+  painter.Flush();
   cairo_restore(cr);
 }
 
-void DrawItems(cairo_t* cr, const Document& document, const std::vector<Item>& items) {
+void DrawItems(Painter& painter, const Document& document, const std::vector<Item>& items) {
   for (const Item& item : items) {
     if (const auto* text = std::get_if<TextItem>(&item)) {
       // An item pointing past the style table is a broken document; draw what we can.
       if (text->style < document.styles.size()) {
-        DrawTextBox(cr, document.styles[text->style], text->box, text->text);
+        DrawTextBox(painter, document.styles[text->style], text->box, text->text);
       }
     } else if (const auto* line = std::get_if<LineItem>(&item)) {
-      DrawLine(cr, *line);
+      painter.StrokeSegment(line->from, line->to, line->stroke);
     } else if (const auto* rect = std::get_if<RectItem>(&item)) {
-      DrawRect(cr, *rect);
+      DrawRect(painter, *rect);
     } else if (const auto* image = std::get_if<ImageItem>(&item)) {
       if (image->image < document.images.size() && document.images[image->image]) {
-        DrawImage(cr, *image, document.images[image->image]);
+        painter.Flush();
+        DrawImage(painter.cr(), *image, document.images[image->image]);
       }
     } else if (const auto* barcode = std::get_if<BarcodeItem>(&item)) {
       if (barcode->symbol < document.barcodes.size() && document.barcodes[barcode->symbol]) {
-        DrawBarcode(cr, *barcode, *document.barcodes[barcode->symbol]);
+        DrawBarcode(painter, *barcode, *document.barcodes[barcode->symbol]);
       }
     } else if (const auto* group = std::get_if<GroupItem>(&item)) {
-      DrawGroup(cr, document, *group);
+      DrawGroup(painter, document, *group);
     }
   }
 }
@@ -107,26 +89,7 @@ void ApplyStroke(cairo_t* cr, const Stroke& stroke) {
   }
 }
 
-void StrokeSegment(cairo_t* cr, PointF from, PointF to, const Stroke& stroke) {
-  ApplyStroke(cr, stroke);
-  if (stroke.style == LineStyle::kDouble) {
-    const double dx = to.x - from.x, dy = to.y - from.y;
-    const double length = std::hypot(dx, dy);
-    if (length == 0) return;
-    const double nx = -dy / length * stroke.width, ny = dx / length * stroke.width;
-    for (const double side : {-1.0, 1.0}) {
-      cairo_move_to(cr, from.x + side * nx, from.y + side * ny);
-      cairo_line_to(cr, to.x + side * nx, to.y + side * ny);
-    }
-  } else {
-    cairo_move_to(cr, from.x, from.y);
-    cairo_line_to(cr, to.x, to.y);
-  }
-  cairo_stroke(cr);
-}
-
-void RoundedRectangle(cairo_t* cr, double x, double y, double width, double height,
-                      double radius) {
+void RoundedRectangle(cairo_t* cr, double x, double y, double width, double height, double radius) {
   radius = std::min({radius, width / 2, height / 2});
   if (radius <= 0) {
     cairo_rectangle(cr, x, y, width, height);
@@ -141,14 +104,11 @@ void RoundedRectangle(cairo_t* cr, double x, double y, double width, double heig
   cairo_close_path(cr);
 }
 
-void StrokeBorders(cairo_t* cr, const RectF& box, uint8_t sides, const Stroke& stroke) {
+void StrokeBorders(Painter& painter, const RectF& box, uint8_t sides, const Stroke& stroke) {
   if (sides == 0 || !Visible(stroke)) return;
   constexpr uint8_t kAll = kBorderLeft | kBorderTop | kBorderRight | kBorderBottom;
   if ((sides & kAll) == kAll) {
-    RectItem rect;
-    rect.box = box;
-    rect.stroke = stroke;
-    DrawRect(cr, rect);
+    painter.StrokeBox(box, 0, stroke);
     return;
   }
   const float l = box.x, t = box.y, r = box.right(), b = box.bottom();
@@ -159,30 +119,28 @@ void StrokeBorders(cairo_t* cr, const RectF& box, uint8_t sides, const Stroke& s
                 {kBorderTop, {l, t}, {r, t}},
                 {kBorderRight, {r, t}, {r, b}},
                 {kBorderBottom, {l, b}, {r, b}}};
-  if (stroke.style == LineStyle::kDouble) {
-    for (const auto& s : kSides) {
-      if ((sides & s.side) != 0) StrokeSegment(cr, s.from, s.to, stroke);
-    }
-    return;
-  }
-  // One path for all sides; square caps close the corners where two sides meet.
-  ApplyStroke(cr, stroke);
-  cairo_set_line_cap(cr, CAIRO_LINE_CAP_SQUARE);
+  // Square caps close the corners where two single lines meet.
+  const cairo_line_cap_t cap =
+      stroke.style == LineStyle::kDouble ? CAIRO_LINE_CAP_BUTT : CAIRO_LINE_CAP_SQUARE;
   for (const auto& s : kSides) {
-    if ((sides & s.side) == 0) continue;
-    cairo_move_to(cr, s.from.x, s.from.y);
-    cairo_line_to(cr, s.to.x, s.to.y);
+    if ((sides & s.side) != 0) painter.StrokeSegment(s.from, s.to, stroke, cap);
   }
-  cairo_stroke(cr);
-  cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
 }
 
 }  // namespace render
 
 void DrawPage(cairo_t* cr, const Document& document, const Page& page) {
   cairo_save(cr);
-  render::DrawItems(cr, document, page.items);
+  {
+    render::Painter painter(cr);
+    render::DrawItems(painter, document, page.items);
+  }
   cairo_restore(cr);
+}
+
+void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::string_view text) {
+  render::Painter painter(cr);
+  render::DrawTextBox(painter, style, box, text);
 }
 
 }  // namespace vantorel::report

@@ -8,8 +8,10 @@
 #include <cairo.h>
 
 #include <memory>
+#include <string_view>
 
 #include "report/document/document.h"
+#include "report/render/painter.h"
 
 namespace vantorel::report::render {
 
@@ -28,19 +30,17 @@ inline bool Visible(const Stroke& stroke) { return stroke.width > 0 && stroke.co
 // each as wide as the stroke, their centres one stroke width either side of the given line.
 void ApplyStroke(cairo_t* cr, const Stroke& stroke);
 
-// Strokes the segment "from"–"to" in "stroke".
-void StrokeSegment(cairo_t* cr, PointF from, PointF to, const Stroke& stroke);
-
 // Adds a rectangle with rounded corners (radius clamped to half the shorter side) to the path.
-void RoundedRectangle(cairo_t* cr, double x, double y, double width, double height,
-                      double radius);
+void RoundedRectangle(cairo_t* cr, double x, double y, double width, double height, double radius);
 
 // Strokes the sides of "box" named by "sides" (BorderSide bits).
-void StrokeBorders(cairo_t* cr, const RectF& box, uint8_t sides, const Stroke& stroke);
+void StrokeBorders(Painter& painter, const RectF& box, uint8_t sides, const Stroke& stroke);
+
+void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box, std::string_view text);
 
 void DrawImage(cairo_t* cr, const ImageItem& item, const std::shared_ptr<const ImageData>& image);
 
-void DrawBarcode(cairo_t* cr, const BarcodeItem& item, const BarcodeSymbol& symbol);
+void DrawBarcode(Painter& painter, const BarcodeItem& item, const BarcodeSymbol& symbol);
 
 // The Cairo surface for "image", made once per image and thread and kept in a small cache: the
 // pixels are shared, not copied, a JPEG carries its original bytes for PDF pass-through, and a

@@ -4,6 +4,7 @@
 
 #include "report/render/draw_page.h"
 #include "report/render/draw_parts.h"
+#include "report/render/painter.h"
 #include "report/text/layout.h"
 
 namespace vantorel::report {
@@ -13,42 +14,77 @@ using text::LaidOutText;
 
 // Allowance for float rounding when deciding whether text overflows its box.
 constexpr float kSlack = 0.01f;
+// Glyphs this many font sizes outside a clip are safe from Cairo dropping them (it drops at ten).
+constexpr float kGlyphDropDistance = 8;
 
-void FillDecoration(cairo_t* cr, double x0, double x1, double baseline,
-                    const text::DecorationLine& line) {
-  if (x1 <= x0 || line.thickness <= 0) return;
-  cairo_rectangle(cr, x0, baseline + line.offset, x1 - x0, line.thickness);
-  cairo_fill(cr);
+// Where the glyphs of "laid_out" may put ink, relative to its origin: the line boxes, widened
+// by a tenth of the font size for overhangs.
+RectF InkBounds(const LaidOutText& laid_out, float size) {
+  float left = 0, right = 0;
+  for (const text::TextLine& line : laid_out.lines) {
+    left = std::min(left, line.left);
+    right = std::max(right, line.left + line.width);
+  }
+  const float margin = size / 10;
+  return {left - margin, -margin, right - left + 2 * margin, laid_out.size.height + 2 * margin};
 }
 
-void PaintText(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style) {
-  const Color* current = nullptr;
-  for (const text::GlyphRun& run : laid_out.runs) {
-    if (run.glyphs.empty()) continue;
-    const Color& color = run.has_color ? run.color : style.color;
-    if (!color.visible()) continue;
-    if (current == nullptr || !(*current == color)) {
-      render::SetColor(cr, color);
-      current = &color;
+// The decoration lines of "laid_out" as rectangles in its frame, with the colour of each.
+template <typename Visit>
+void ForEachDecoration(const LaidOutText& laid_out, const TextStyle& style, Visit&& visit) {
+  const auto add = [&](float x0, float x1, float baseline, const text::DecorationLine& line,
+                       const Color& color) {
+    if (x1 > x0 && line.thickness > 0 && color.visible()) {
+      visit(RectF{x0, baseline + line.offset, x1 - x0, line.thickness}, color);
     }
+  };
+  for (const text::GlyphRun& run : laid_out.runs) {
+    const Color& color = run.has_color ? run.color : style.color;
+    if (run.underline) add(run.x0, run.x1, run.baseline, laid_out.underline, color);
+    if (run.strikeout) add(run.x0, run.x1, run.baseline, laid_out.strikeout, color);
+  }
+  if (style.underline || style.strikeout) {
+    for (const text::TextLine& line : laid_out.lines) {
+      const float x1 = line.left + line.width;
+      if (style.underline) add(line.left, x1, line.baseline, laid_out.underline, style.color);
+      if (style.strikeout) add(line.left, x1, line.baseline, laid_out.strikeout, style.color);
+    }
+  }
+}
+
+// Upright, unclipped text: its runs and decorations go into the painter's batches.
+void PaintText(render::Painter& painter, const LaidOutText& laid_out, const TextStyle& style,
+               float x, float y) {
+  RectF bounds = InkBounds(laid_out, style.size);
+  bounds.x += x;
+  bounds.y += y;
+  for (const text::GlyphRun& run : laid_out.runs) {
+    painter.ShowRun(run, x, y, run.has_color ? run.color : style.color, bounds);
+  }
+  ForEachDecoration(laid_out, style, [&](RectF r, const Color& color) {
+    r.x += x;
+    r.y += y;
+    painter.Fill(r, 0, color);
+  });
+}
+
+// Draws the runs directly on the context, in whatever transformation it has.
+void PaintRuns(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style) {
+  for (const text::GlyphRun& run : laid_out.runs) {
+    const Color& color = run.has_color ? run.color : style.color;
+    if (run.glyphs.empty() || !color.visible()) continue;
+    render::SetColor(cr, color);
     cairo_set_scaled_font(cr, run.font.get());
-    // With the text and its clusters the PDF gets exact Unicode for every glyph (conjuncts and
-    // ligatures included), so copying and searching the text works.
     cairo_show_text_glyphs(cr, run.utf8.data(), static_cast<int>(run.utf8.size()),
                            run.glyphs.data(), static_cast<int>(run.glyphs.size()),
                            run.clusters.data(), static_cast<int>(run.clusters.size()),
                            run.cluster_flags);
-    if (run.underline) FillDecoration(cr, run.x0, run.x1, run.baseline, laid_out.underline);
-    if (run.strikeout) FillDecoration(cr, run.x0, run.x1, run.baseline, laid_out.strikeout);
   }
-  if ((style.underline || style.strikeout) && style.color.visible()) {
-    render::SetColor(cr, style.color);
-    for (const text::TextLine& line : laid_out.lines) {
-      const double x1 = line.left + line.width;
-      if (style.underline) FillDecoration(cr, line.left, x1, line.baseline, laid_out.underline);
-      if (style.strikeout) FillDecoration(cr, line.left, x1, line.baseline, laid_out.strikeout);
-    }
-  }
+  ForEachDecoration(laid_out, style, [&](const RectF& r, const Color& color) {
+    render::SetColor(cr, color);
+    cairo_rectangle(cr, r.x, r.y, r.width, r.height);
+    cairo_fill(cr);
+  });
 }
 
 bool IsVector(cairo_surface_t* surface) {
@@ -63,21 +99,73 @@ bool IsVector(cairo_surface_t* surface) {
   }
 }
 
-bool Overflows(const LaidOutText& laid_out, float width, float height) {
-  if (laid_out.size.height > height + kSlack) return true;
+// True when "laid_out", placed at ("x", "y") within "box" (page coordinates, unrotated), puts
+// any line box outside "box" inflated by "margin". The padding is inside the box, so text may
+// use it before it counts as overflowing.
+bool Outside(const LaidOutText& laid_out, const RectF& box, float x, float y, float margin) {
+  if (y < box.y - margin - kSlack || y + laid_out.size.height > box.bottom() + margin + kSlack) {
+    return true;
+  }
   return std::any_of(laid_out.lines.begin(), laid_out.lines.end(), [&](const text::TextLine& l) {
-    return l.left < -kSlack || l.left + l.width > width + kSlack;
+    return x + l.left < box.x - margin - kSlack ||
+           x + l.left + l.width > box.right() + margin + kSlack;
   });
+}
+
+void PaintTransformed(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style,
+                      const RectF& box, int rotation, bool clip, float y) {
+  const Padding& pad = style.padding;
+  const float inner_x = box.x + pad.left;
+  const float inner_y = box.y + pad.top;
+  const float inner_width = std::max(0.0f, box.width - pad.left - pad.right);
+  const float inner_height = std::max(0.0f, box.height - pad.top - pad.bottom);
+  cairo_save(cr);
+  // Cairo drops glyphs lying more than ten font sizes outside the clip, which would take clipped
+  // text out of a PDF's text layer too. On vector surfaces such text is drawn unclipped into a
+  // group (a form in the PDF) painted through the clip, so every glyph stays in the file: hidden
+  // data must not rely on clipping. A group costs as much as dozens of texts, hence only then.
+  const bool grouped = clip && IsVector(cairo_get_target(cr)) &&
+                       (rotation != 0 || Outside(laid_out, box, inner_x, inner_y + y,
+                                                 kGlyphDropDistance * style.size));
+  if (grouped) {
+    cairo_push_group(cr);
+  } else if (clip) {
+    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
+    cairo_clip(cr);
+  }
+  cairo_save(cr);
+  constexpr double kQuarterTurn = std::numbers::pi / 2;
+  if (rotation == 90) {
+    cairo_translate(cr, inner_x, inner_y + inner_height);
+    cairo_rotate(cr, -kQuarterTurn);
+  } else if (rotation == 270) {
+    cairo_translate(cr, inner_x + inner_width, inner_y);
+    cairo_rotate(cr, kQuarterTurn);
+  } else if (rotation == 180) {
+    cairo_translate(cr, inner_x + inner_width, inner_y + inner_height);
+    cairo_rotate(cr, 2 * kQuarterTurn);
+  } else {
+    cairo_translate(cr, inner_x, inner_y);
+  }
+  cairo_translate(cr, 0, y);
+  PaintRuns(cr, laid_out, style);
+  cairo_restore(cr);
+  if (grouped) {
+    cairo_pop_group_to_source(cr);
+    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
+    cairo_clip(cr);
+    cairo_paint(cr);
+  }
+  cairo_restore(cr);
 }
 
 }  // namespace
 
-void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::string_view text) {
-  if (style.fill.visible()) {
-    render::SetColor(cr, style.fill);
-    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-    cairo_fill(cr);
-  }
+namespace render {
+
+void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box,
+                 std::string_view text) {
+  painter.Fill(box, 0, style.fill);
   if (!text.empty()) {
     const Padding& pad = style.padding;
     const float inner_x = box.x + pad.left;
@@ -98,48 +186,23 @@ void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::str
       if (style.valign == VAlign::kMiddle) y = (frame_height - laid_out->size.height) / 2;
       if (style.valign == VAlign::kBottom) y = frame_height - laid_out->size.height;
     }
-
-    cairo_save(cr);
     // Clipping costs a save, a path and a restore in every output, so only text that needs it
-    // gets it.
-    const bool clip = style.clip && Overflows(*laid_out, frame_width, frame_height);
-    // Cairo drops glyphs lying more than ten font sizes outside the clip, which would take
-    // clipped text out of a PDF's text layer too. On vector surfaces the text is drawn unclipped
-    // into a group (a form in the PDF) and the group is painted through the clip; every glyph
-    // stays in the file, as hidden data must not rely on clipping.
-    const bool grouped = clip && IsVector(cairo_get_target(cr));
-    if (grouped) {
-      cairo_push_group(cr);
-    } else if (clip) {
-      cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-      cairo_clip(cr);
-    }
-    cairo_save(cr);
-    constexpr double kQuarterTurn = std::numbers::pi / 2;
-    if (rotation == 90) {
-      cairo_translate(cr, inner_x, inner_y + inner_height);
-      cairo_rotate(cr, -kQuarterTurn);
-    } else if (rotation == 270) {
-      cairo_translate(cr, inner_x + inner_width, inner_y);
-      cairo_rotate(cr, kQuarterTurn);
-    } else if (rotation == 180) {
-      cairo_translate(cr, inner_x + inner_width, inner_y + inner_height);
-      cairo_rotate(cr, 2 * kQuarterTurn);
+    // gets it: text whose line boxes reach outside the box (rotated text is checked against its
+    // padded frame).
+    const bool clip =
+        style.clip &&
+        (rotation != 0 ? Outside(*laid_out, {0, 0, frame_width, frame_height}, 0, y, 0)
+                       : Outside(*laid_out, box, inner_x, inner_y + y, 0));
+    if (rotation == 0 && !clip) {
+      PaintText(painter, *laid_out, style, inner_x, inner_y + y);
     } else {
-      cairo_translate(cr, inner_x, inner_y);
+      painter.Flush();
+      PaintTransformed(painter.cr(), *laid_out, style, box, rotation, clip, y);
     }
-    cairo_translate(cr, 0, y);
-    PaintText(cr, *laid_out, style);
-    cairo_restore(cr);
-    if (grouped) {
-      cairo_pop_group_to_source(cr);
-      cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-      cairo_clip(cr);
-      cairo_paint(cr);
-    }
-    cairo_restore(cr);
   }
-  render::StrokeBorders(cr, box, style.borders, style.border);
+  StrokeBorders(painter, box, style.borders, style.border);
 }
+
+}  // namespace render
 
 }  // namespace vantorel::report

@@ -35,11 +35,11 @@ bool IsLetterOrDigit(uint8_t c) {
 }
 
 struct Cluster {
-  uint32_t begin, end;                   // bytes of the text
+  uint32_t begin, end;  // bytes of the text
   uint32_t first_glyph, glyph_count;
-  float advance;                         // points, character spacing included
-  bool space;                            // a break may follow; hangs at a line's end
-  bool break_after;                      // a hyphen between letters
+  float advance;     // points, character spacing included
+  bool space;        // a break may follow; hangs at a line's end
+  bool break_after;  // a hyphen between letters
 };
 
 struct Shaper {
@@ -126,8 +126,8 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
       run.glyphs.reserve(run.glyphs.size() + count);
       for (unsigned g = 0; g < count; ++g) {
         // Offsets now, positions once the line is known.
-        run.glyphs.push_back({infos[g].codepoint, positions[g].x_offset * kUnit,
-                              -positions[g].y_offset * kUnit});
+        run.glyphs.push_back(
+            {infos[g].codepoint, positions[g].x_offset * kUnit, -positions[g].y_offset * kUnit});
         const uint32_t cluster = infos[g].cluster;
         const float advance = positions[g].x_advance * kUnit;
         advances.push_back(advance);
@@ -185,8 +185,8 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
       }
       if (content_end > start) width -= spacing;  // spacing goes between characters
 
-      const uint32_t begin = clusters.empty() ? static_cast<uint32_t>(paragraph)
-                                              : clusters[start].begin;
+      const uint32_t begin =
+          clusters.empty() ? static_cast<uint32_t>(paragraph) : clusters[start].begin;
       const uint32_t line_end = end > start ? clusters[end - 1].end : begin;
       float stretch = 0;
       if (style.halign == HAlign::kJustify && !last_line && interior_spaces > 0 &&
@@ -194,8 +194,7 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
         stretch = (available - width) / static_cast<float>(interior_spaces);
         width = available;
       }
-      const TextLine& line =
-          geometry.Add(out, font.ascent, font.descent, width, begin, line_end);
+      const TextLine& line = geometry.Add(out, font.ascent, font.descent, width, begin, line_end);
       float pen = line.left;
       for (size_t k = start; k < end; ++k) {
         const Cluster& c = clusters[k];
@@ -213,8 +212,8 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
 
     if (paragraph_end >= text.size()) break;
     // The line break itself: a cluster with no glyphs, so every byte stays mapped.
-    const size_t next = text.compare(paragraph_end, 2, "\r\n") == 0 ? paragraph_end + 2
-                                                                     : paragraph_end + 1;
+    const size_t next =
+        text.compare(paragraph_end, 2, "\r\n") == 0 ? paragraph_end + 2 : paragraph_end + 1;
     run.clusters.push_back({static_cast<int>(next - paragraph_end), 0});
     paragraph = next;
   }

@@ -64,9 +64,8 @@ struct FcConfigDeleter {
 
 FcConfig* BuildConfig() {
   std::unique_ptr<FcConfig, FcConfigDeleter> config(FcConfigCreate());
-  if (!config ||
-      !FcConfigParseAndLoadFromMemory(config.get(),
-                                      reinterpret_cast<const FcChar8*>(kConfigXml), FcTrue)) {
+  if (!config || !FcConfigParseAndLoadFromMemory(
+                     config.get(), reinterpret_cast<const FcChar8*>(kConfigXml), FcTrue)) {
     throw std::runtime_error("cannot build the private font configuration");
   }
   // A missing folder is not fatal: the aliases fall through to whatever fonts remain.
@@ -125,8 +124,7 @@ PangoFontDescription* ThreadFonts::Describe(std::string_view family, bool bold, 
   return description;
 }
 
-const FontInfo& ThreadFonts::Primary(std::string_view family, bool bold, bool italic,
-                                     float size) {
+const FontInfo& ThreadFonts::Primary(std::string_view family, bool bold, bool italic, float size) {
   std::string key(family);
   key += bold ? "|b" : "|-";
   key += italic ? "i|" : "-|";

@@ -40,13 +40,13 @@ FcConfig* FontConfig();
 // first for the family, its HarfBuzz font (for shaping) and its Cairo scaled font (for drawing).
 struct FontInfo {
   GObjectPtr<PangoFont> font;
-  hb_font_t* hb = nullptr;     // owned by "font"; its scale is points × PANGO_SCALE
+  hb_font_t* hb = nullptr;  // owned by "font"; its scale is points × PANGO_SCALE
   ScaledFont scaled;
-  float ascent = 0;            // points above the baseline Pango gives a line of this font
-  float descent = 0;           // points below it
+  float ascent = 0;   // points above the baseline Pango gives a line of this font
+  float descent = 0;  // points below it
   DecorationLine underline;
   DecorationLine strikeout;
-  std::bitset<128> ascii;      // which ASCII characters the font has, looked up once
+  std::bitset<128> ascii;  // which ASCII characters the font has, looked up once
   bool IsCovered(uint32_t code_point) const;
 };
 

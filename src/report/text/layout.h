@@ -51,7 +51,7 @@ struct DecorationLine {
 };
 
 struct TextLine {
-  float top = 0;       // the line's band, spacing included
+  float top = 0;  // the line's band, spacing included
   float height = 0;
   float baseline = 0;  // from the layout's top
   float left = 0;      // after alignment

@@ -46,8 +46,8 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
                        const LineGeometry& geometry);
 
 // "plain" laid out by Pango; line byte ranges are mapped back through plain.source.
-LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style,
-                            const FontInfo& primary, const LineGeometry& geometry);
+LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, const FontInfo& primary,
+                            const LineGeometry& geometry);
 
 }  // namespace vantorel::report::text
 

@@ -78,8 +78,8 @@ void ReadRunAttributes(const PangoItem* item, GlyphRun& run) {
         break;
       }
       case PANGO_ATTR_UNDERLINE:
-        run.underline = reinterpret_cast<const PangoAttrInt*>(attribute)->value !=
-                        PANGO_UNDERLINE_NONE;
+        run.underline =
+            reinterpret_cast<const PangoAttrInt*>(attribute)->value != PANGO_UNDERLINE_NONE;
         break;
       case PANGO_ATTR_STRIKETHROUGH:
         run.strikeout = reinterpret_cast<const PangoAttrInt*>(attribute)->value != 0;
@@ -132,10 +132,10 @@ GlyphRun ConvertRun(const PangoGlyphItem* glyph_item, const std::string& text, f
       if (info.glyph == PANGO_GLYPH_EMPTY) continue;
       const unsigned long index =
           (info.glyph & PANGO_GLYPH_UNKNOWN_FLAG) != 0 ? 0 : static_cast<unsigned long>(info.glyph);
-      run.glyphs.push_back({index,
-                            pen[static_cast<size_t>(g)] +
-                                static_cast<double>(info.geometry.x_offset) / PANGO_SCALE,
-                            baseline + static_cast<double>(info.geometry.y_offset) / PANGO_SCALE});
+      run.glyphs.push_back(
+          {index,
+           pen[static_cast<size_t>(g)] + static_cast<double>(info.geometry.x_offset) / PANGO_SCALE,
+           baseline + static_cast<double>(info.geometry.y_offset) / PANGO_SCALE});
       ++glyph_count;
     }
     const int next_start =
@@ -159,8 +159,7 @@ float TrailingBlankWidth(const PangoLayoutLine* line, const std::string& text) {
   for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
     const PangoGlyphString* glyphs = (*run)->glyphs;
     for (int g = glyphs->num_glyphs - 1; g >= 0; --g) {
-      const size_t byte =
-          static_cast<size_t>((*run)->item->offset + glyphs->log_clusters[g]);
+      const size_t byte = static_cast<size_t>((*run)->item->offset + glyphs->log_clusters[g]);
       if (byte >= text.size() || !IsBlank(text[byte])) return width;
       width += static_cast<float>(glyphs->glyphs[g].geometry.width) / PANGO_SCALE;
     }
@@ -170,8 +169,8 @@ float TrailingBlankWidth(const PangoLayoutLine* line, const std::string& text) {
 
 }  // namespace
 
-LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style,
-                            const FontInfo& primary, const LineGeometry& geometry) {
+LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, const FontInfo& primary,
+                            const LineGeometry& geometry) {
   ThreadFonts& fonts = ThreadFonts::Current();
   PangoLayout* layout = fonts.layout();
   const std::unique_ptr<PangoFontDescription, FontDescriptionFree> description(
@@ -192,8 +191,7 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style,
   LaidOutText out;
   out.underline = primary.underline;
   out.strikeout = primary.strikeout;
-  for (GSList* node = pango_layout_get_lines_readonly(layout); node != nullptr;
-       node = node->next) {
+  for (GSList* node = pango_layout_get_lines_readonly(layout); node != nullptr; node = node->next) {
     const auto* line = static_cast<const PangoLayoutLine*>(node->data);
     PangoRectangle logical;
     pango_layout_line_get_extents(const_cast<PangoLayoutLine*>(line), nullptr, &logical);

@@ -14,8 +14,8 @@ constexpr uint32_t kReplacement = 0xFFFD;
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return Lower(x) == Lower(y); });
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                            [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
 bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -170,7 +170,8 @@ class RichReader {
         PangoColor color;
         if (pango_color_parse(&color, value.c_str())) {
           font.has_color = true;
-          font.color = {static_cast<uint8_t>(color.red >> 8), static_cast<uint8_t>(color.green >> 8),
+          font.color = {static_cast<uint8_t>(color.red >> 8),
+                        static_cast<uint8_t>(color.green >> 8),
                         static_cast<uint8_t>(color.blue >> 8), 255};
         }
       } else if (EqualsIgnoringCase(attribute.name, "size")) {
@@ -190,8 +191,14 @@ class RichReader {
     AppendUtf8(out_.text, code);
     out_.source.resize(out_.text.size(), static_cast<uint32_t>(share_start_));
     const FontState& font = fonts_.back();
-    RichSpan span{static_cast<uint32_t>(begin), static_cast<uint32_t>(out_.text.size()),
-                  bold_ > 0, italic_ > 0, underline_ > 0, font.has_color, font.color, font.size,
+    RichSpan span{static_cast<uint32_t>(begin),
+                  static_cast<uint32_t>(out_.text.size()),
+                  bold_ > 0,
+                  italic_ > 0,
+                  underline_ > 0,
+                  font.has_color,
+                  font.color,
+                  font.size,
                   font.face};
     if (!span.bold && !span.italic && !span.underline && !span.has_color && span.size == 0 &&
         span.face.empty()) {

@@ -28,9 +28,9 @@ size_t ApproximateBytes(const LaidOutText& text, size_t key_size) {
 // clipping, which are applied when drawing.
 void AppendKey(std::string& key, std::string_view text, const TextStyle& style, float width) {
   const float numbers[] = {width, style.size, style.line_spacing, style.char_spacing};
-  const char flags[] = {static_cast<char>(style.bold | style.italic << 1 | style.wrap << 2 |
-                                          style.rich << 3),
-                        static_cast<char>(style.halign)};
+  const char flags[] = {
+      static_cast<char>(style.bold | style.italic << 1 | style.wrap << 2 | style.rich << 3),
+      static_cast<char>(style.halign)};
   key.reserve(sizeof numbers + sizeof flags + style.font_family.size() + 1 + text.size());
   key.append(reinterpret_cast<const char*>(numbers), sizeof numbers);
   key.append(flags, sizeof flags);

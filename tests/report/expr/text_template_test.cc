@@ -108,6 +108,12 @@ TEST_F(TextTemplateTest, LiteralOnErrorKeepsBadSegmentsVerbatim) {
   EXPECT_EQ(Run("ends with [", true), "ends with [");
 }
 
+TEST_F(TextTemplateTest, BadSegmentsRegisterNoAggregates) {
+  EXPECT_EQ(Run("[Sum(Q.amt) + Trm(1)] [Sum(Q.amt)]", true), "[Sum(Q.amt) + Trm(1)] ");
+  ASSERT_EQ(binder_.aggregates.size(), 1u);
+  EXPECT_EQ(binder_.aggregates[0].argument->source(), "Q.amt");
+}
+
 struct TemplateError {
   const char* name;
   const char* text;

@@ -67,8 +67,9 @@ std::string ReadFile(const fs::path& path) {
 class PdfWriterTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("vantorel-pdf-" + std::to_string(getpid()) + "-" +
-                                        ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    dir_ = fs::temp_directory_path() /
+           ("vantorel-pdf-" + std::to_string(getpid()) + "-" +
+            ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(dir_);
     fs::create_directories(dir_);
   }
@@ -187,8 +188,8 @@ TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
   Page page{{500, 100}, {}};
   // Far past the box: Cairo drops glyphs more than ten font sizes outside a clip, so the
   // renderer must not let the clip reach them.
-  page.items.push_back(TextItem{{10, 10, 40, 14}, index,
-                                "CHASSIS NO MBLHA10AMEHK12345 ENGINE NO HA10EFHK67890"});
+  page.items.push_back(
+      TextItem{{10, 10, 40, 14}, index, "CHASSIS NO MBLHA10AMEHK12345 ENGINE NO HA10EFHK67890"});
   document.pages.push_back(page);
   const fs::path path = dir_ / "clipped.pdf";
   WritePdf(document, path.string());

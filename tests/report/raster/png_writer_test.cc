@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
+#include <vector>
 
 #include "report/render/pixel_compare.h"
 #include "vantorel/error.h"
@@ -69,8 +71,8 @@ TEST(PngWriterTest, BadPageOrResolutionIsAnError) {
 }
 
 TEST(PngWriterTest, WritesNumberedFiles) {
-  const fs::path dir = fs::temp_directory_path() /
-                       ("vantorel-png-" + std::to_string(getpid())) / "new" / "folder";
+  const fs::path dir =
+      fs::temp_directory_path() / ("vantorel-png-" + std::to_string(getpid())) / "new" / "folder";
   Document document = TwoPages();
   for (int i = 0; i < 9; ++i) document.pages.push_back(document.pages[1]);
   const auto paths = WritePngs(document, dir.string(), "invoice", 72);
@@ -85,8 +87,28 @@ TEST(PngWriterTest, WritesNumberedFiles) {
   fs::remove_all(dir.parent_path().parent_path());
 }
 
+TEST(PngWriterTest, ThreadsDrawTheSameDocumentAlike) {
+  Document document = TwoPages();
+  TextStyle style;
+  style.size = 12;
+  const uint32_t index = document.InternStyle(style);
+  document.pages[0].items.push_back(
+      TextItem{{10, 10, 180, 80}, index, "Shri Ganesh Motors ₹ 1,05,630.00 श्री गणेश"});
+  const std::string expected = PagePng(document, 0, 96);
+  std::vector<std::string> results(4);
+  std::vector<std::thread> threads;
+  for (size_t i = 0; i < results.size(); ++i) {
+    threads.emplace_back([&, i] {
+      for (int k = 0; k < 5; ++k) results[i] = PagePng(document, 0, 96);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::string& png : results) EXPECT_EQ(png, expected);
+}
+
 TEST(PngWriterTest, UnwritableFolderIsAnError) {
-  const fs::path file = fs::temp_directory_path() / ("vantorel-png-file-" + std::to_string(getpid()));
+  const fs::path file =
+      fs::temp_directory_path() / ("vantorel-png-file-" + std::to_string(getpid()));
   std::ofstream(file) << "a file, not a folder";
   try {
     WritePngs(TwoPages(), (file / "pages").string(), "page", 72);

@@ -342,6 +342,26 @@ TEST(DrawPageTest, LaterItemsPaintOverEarlierOnes) {
   EXPECT_EQ(PixelAt(surface.get(), 25, 25), kRed);
 }
 
+TEST(DrawPageTest, BatchingKeepsWhatCoversWhat) {
+  Document document;
+  TextStyle style;
+  style.size = 20;
+  const uint32_t index = document.InternStyle(style);
+  Page page = Sheet(300, 100);
+  // Same colour before and after the text: the second fill covers the text, so it must not be
+  // gathered into the first fill's batch, which is painted before the text.
+  page.items.push_back(RectItem{{0, 0, 100, 100}, kRed, Stroke{0}, 0});
+  page.items.push_back(TextItem{{10, 10, 280, 40}, index, "HIDDEN TEXT HERE"});
+  page.items.push_back(RectItem{{0, 0, 100, 100}, kRed, Stroke{0}, 0});
+  page.items.push_back(RectItem{{200, 60, 50, 30}, kRed, Stroke{0}, 0});
+  const auto surface = RenderPage(document, page);
+  for (int y = 0; y < 100; y += 3) {
+    for (int x = 0; x < 100; x += 3) ASSERT_EQ(PixelAt(surface.get(), x, y), kRed) << x << "," << y;
+  }
+  EXPECT_TRUE(FindInk(surface.get(), 100, 10, 290, 50)) << "the rest of the text shows";
+  EXPECT_EQ(PixelAt(surface.get(), 225, 75), kRed);
+}
+
 TEST(DrawPageTest, BrokenReferencesAreSkipped) {
   Document document;
   Page page = Sheet();

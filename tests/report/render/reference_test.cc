@@ -48,14 +48,14 @@ TEST(ReferenceTest, TextStyles) {
   Page page{{300, 200}, {}};
   page.items.push_back(TextItem{{30, 5, 265, 24}, document.InternStyle(title), "TAX INVOICE"});
   page.items.push_back(TextItem{
-      {30, 32, 150, 70}, document.InternStyle(body),
+      {30, 32, 150, 70},
+      document.InternStyle(body),
       "Received with thanks the sum of rupees one lac five thousand six hundred thirty only "
       "towards the purchase of one motorcycle, subject to the terms overleaf."});
-  page.items.push_back(
-      TextItem{{185, 32, 110, 18}, document.InternStyle(amount), "₹ 1,05,630.00"});
-  page.items.push_back(
-      TextItem{{185, 54, 110, 24}, document.InternStyle(hindi), "श्री गणेश मोटर्स"});
-  page.items.push_back(TextItem{{30, 110, 265, 40}, document.InternStyle(rich),
+  page.items.push_back(TextItem{{185, 32, 110, 18}, document.InternStyle(amount), "₹ 1,05,630.00"});
+  page.items.push_back(TextItem{{185, 54, 110, 24}, document.InternStyle(hindi), "श्री गणेश मोटर्स"});
+  page.items.push_back(TextItem{{30, 110, 265, 40},
+                                document.InternStyle(rich),
                                 "Net <b>payable</b> <i>by</i> <u>31/03/2025</u>: "
                                 "<font color=\"#0060c0\" size=\"13\">₹ 5,000</font>"});
   page.items.push_back(TextItem{{5, 5, 20, 190}, document.InternStyle(side), "Customer copy"});
@@ -74,11 +74,12 @@ TEST(ReferenceTest, Shapes) {
     y += 12;
   }
   page.items.push_back(LineItem{{100, 10}, {190, 60}, Stroke{3, {200, 0, 0, 255}}});
-  page.items.push_back(RectItem{{10, 70, 50, 40}, {255, 200, 0, 255}, Stroke{1, {0, 0, 0, 255}}, 0});
+  page.items.push_back(
+      RectItem{{10, 70, 50, 40}, {255, 200, 0, 255}, Stroke{1, {0, 0, 0, 255}}, 0});
   page.items.push_back(
       RectItem{{70, 70, 50, 40}, {0, 120, 255, 160}, Stroke{2, {0, 0, 120, 255}}, 10});
-  page.items.push_back(RectItem{{130, 70, 60, 40}, Color::None(),
-                                Stroke{1, {0, 100, 0, 255}, LineStyle::kDouble}, 6});
+  page.items.push_back(RectItem{
+      {130, 70, 60, 40}, Color::None(), Stroke{1, {0, 100, 0, 255}, LineStyle::kDouble}, 6});
   const auto surface = RenderPage(document, page, 2);
   EXPECT_TRUE(MatchesReference(surface.get(), "shapes.png"));
 }

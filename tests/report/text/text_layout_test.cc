@@ -42,17 +42,16 @@ TEST(FontsTest, AliasesPickOurFonts) {
     const char* asked;
     const char* expected;
   } kCases[] = {
-      {"Arial", "Liberation Sans"},          {"Helvetica", "Liberation Sans"},
-      {"MS Sans Serif", "Liberation Sans"},  {"Tahoma", "Liberation Sans"},
-      {"Verdana", "Liberation Sans"},        {"Calibri", "Liberation Sans"},
-      {"sans-serif", "Liberation Sans"},     {"Times New Roman", "Liberation Serif"},
-      {"Times", "Liberation Serif"},         {"serif", "Liberation Serif"},
-      {"Courier New", "Liberation Mono"},    {"Courier", "Liberation Mono"},
-      {"monospace", "Liberation Mono"},      {"No Such Family", "Liberation Sans"},
+      {"Arial", "Liberation Sans"},         {"Helvetica", "Liberation Sans"},
+      {"MS Sans Serif", "Liberation Sans"}, {"Tahoma", "Liberation Sans"},
+      {"Verdana", "Liberation Sans"},       {"Calibri", "Liberation Sans"},
+      {"sans-serif", "Liberation Sans"},    {"Times New Roman", "Liberation Serif"},
+      {"Times", "Liberation Serif"},        {"serif", "Liberation Serif"},
+      {"Courier New", "Liberation Mono"},   {"Courier", "Liberation Mono"},
+      {"monospace", "Liberation Mono"},     {"No Such Family", "Liberation Sans"},
   };
   for (const auto& c : kCases) {
-    EXPECT_EQ(FamilyOf(fonts.Primary(c.asked, false, false, 10).font.get()), c.expected)
-        << c.asked;
+    EXPECT_EQ(FamilyOf(fonts.Primary(c.asked, false, false, 10).font.get()), c.expected) << c.asked;
   }
   EXPECT_EQ(FamilyOf(fonts.Primary("Arial", true, true, 10).font.get()), "Liberation Sans");
 }
@@ -187,8 +186,8 @@ TEST(LayOutTest, JustifyStretchesAllButTheLastLine) {
 }
 
 TEST(LayOutTest, FastPathAndPangoAgreeOnPlainLatin) {
-  const char* kTexts[] = {"Tax Invoice", "AVERAGE VALUE 1,05,630.00", kPangram,
-                          "Wave Type AV Yo", "naïve café — “quoted” ©"};
+  const char* kTexts[] = {"Tax Invoice", "AVERAGE VALUE 1,05,630.00", kPangram, "Wave Type AV Yo",
+                          "naïve café — “quoted” ©"};
   for (const char* family : {"Arial", "Times New Roman", "Courier New"}) {
     for (const bool bold : {false, true}) {
       TextStyle style = Style(9.5f);
@@ -252,10 +251,8 @@ TEST(LayOutTest, RichTextStylesRuns) {
   style.rich = true;
   const float plain = MeasureText("Total Amount", Style(), 0).width;
   EXPECT_GT(MeasureText("<b>Total Amount</b>", style, 0).width, plain);
-  EXPECT_NEAR(MeasureText("<font size=\"20\">Total Amount</font>", style, 0).width, 2 * plain,
-              0.1);
-  EXPECT_FLOAT_EQ(MeasureText("one<br/>two<BR>three", style, 200).height,
-                  3 * LineHeight(Style()));
+  EXPECT_NEAR(MeasureText("<font size=\"20\">Total Amount</font>", style, 0).width, 2 * plain, 0.1);
+  EXPECT_FLOAT_EQ(MeasureText("one<br/>two<BR>three", style, 200).height, 3 * LineHeight(Style()));
 
   const auto colored = LayOut("Net <font color=\"#ff0000\">Due</font> <u>now</u>", style, 0);
   bool red = false, underlined = false;

@@ -1,0 +1,42 @@
+// The demo dealership database: a deterministic, realistic two-wheeler and cycle dealership
+// (masters, purchases, transfers, challans, invoices, receipts, enquiries, registrations) as
+// table rows that demo/schema.sql describes, and a few handy document ids ("facts") for tests,
+// the demo script and template authors. docs/demo-database.md describes the data.
+//
+// Thread-safety: GenerateDealership has no shared state; calls on different threads are
+// independent.
+#ifndef VANTOREL_DEMO_DEALERSHIP_H_
+#define VANTOREL_DEMO_DEALERSHIP_H_
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "demo/rows.h"
+
+namespace vantorel::demo {
+
+inline constexpr uint64_t kDefaultSeed = 20250922;
+
+struct Options {
+  // Seeds every random choice; the same seed always gives the same data.
+  // Default: kDefaultSeed.
+  uint64_t seed = kDefaultSeed;
+  // The para_setup value of ('CHALLAN', 'GATEPASS'): "Y" prints customer challans on the
+  // gate-pass layout. Default: "Y".
+  std::string gatepass = "Y";
+};
+
+struct DemoData {
+  Dataset tables;  // in load order
+  // key, value: one id per kind of document, date ranges with rows. Keys are lower_snake_case,
+  // values have no blanks.
+  std::vector<std::pair<std::string, std::string>> facts;
+};
+
+DemoData GenerateDealership(const Options& options);
+
+}  // namespace vantorel::demo
+
+#endif  // VANTOREL_DEMO_DEALERSHIP_H_

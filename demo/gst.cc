@@ -1,0 +1,57 @@
+#include "demo/gst.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace vantorel::demo {
+namespace {
+
+// a / b rounded half up, for non-negative a and positive b.
+int64_t RoundedDivide(int64_t a, int64_t b) { return (2 * a + b) / (2 * b); }
+
+}  // namespace
+
+TaxClass TaxClassOfHsn(std::string_view hsn) {
+  if (hsn.starts_with("871160")) return TaxClass::kElectric;
+  if (hsn.starts_with("8711")) return TaxClass::kTwoWheeler;
+  if (hsn.starts_with("8712")) return TaxClass::kCycle;
+  if (hsn.starts_with("87149")) return TaxClass::kCyclePart;
+  if (hsn.starts_with("8714")) return TaxClass::kTwoWheelerPart;
+  if (hsn.starts_with("6506")) return TaxClass::kHelmet;
+  throw std::invalid_argument("no GST class for HSN " + std::string(hsn));
+}
+
+int GstRate(TaxClass tax_class, Day day) {
+  const bool revised = day >= kRateRevision;
+  switch (tax_class) {
+    case TaxClass::kTwoWheeler:
+    case TaxClass::kTwoWheelerPart:
+      return revised ? 18 : 28;
+    case TaxClass::kCycle:
+    case TaxClass::kCyclePart:
+      return revised ? 5 : 12;
+    case TaxClass::kElectric:
+    case TaxClass::kHelmet:
+      return 5;
+  }
+  return 0;
+}
+
+TaxSplit SplitInclusive(int64_t net, int rate, bool inter_state) {
+  TaxSplit split;
+  split.net = net;
+  if (inter_state) {
+    split.igst = RoundedDivide(net * rate, 100 + rate);
+  } else {
+    split.cgst = RoundedDivide(net * rate, 2 * (100 + rate));
+    split.sgst = split.cgst;
+  }
+  split.taxable = net - split.cgst - split.sgst - split.igst;
+  return split;
+}
+
+int64_t InclusiveRupees(int64_t taxable, int rate) {
+  return RoundedDivide(taxable * (100 + rate), 100 * 100) * 100;
+}
+
+}  // namespace vantorel::demo

@@ -1,0 +1,29 @@
+// Indian tax and vehicle identifiers with their check characters: GSTINs, VINs, and the
+// invoice reference number (IRN) of an e-invoice.
+//
+// Thread-safety: pure functions.
+#ifndef VANTOREL_DEMO_IDENTIFIERS_H_
+#define VANTOREL_DEMO_IDENTIFIERS_H_
+
+#include <string>
+#include <string_view>
+
+namespace vantorel::demo {
+
+// The 15th character of a GSTIN from its first 14: the code points 0-9, A-Z (0 to 35) weighted
+// 1 and 2 alternately from the left, each product folded as (p / 36 + p % 36), and the check
+// character is (36 - sum % 36) % 36.
+char GstinCheckCharacter(std::string_view first14);
+
+// "27" + PAN + entity number + "Z" + check character.
+std::string MakeGstin(std::string_view state_code, std::string_view pan, char entity = '1');
+
+// The ninth character of a 17-character VIN (the ISO 3779 weighted check: 0-9 or X).
+char VinCheckDigit(std::string_view vin);
+
+// The SHA-256 digest of "data" as 64 lower-case hex digits.
+std::string Sha256Hex(std::string_view data);
+
+}  // namespace vantorel::demo
+
+#endif  // VANTOREL_DEMO_IDENTIFIERS_H_

@@ -1,0 +1,460 @@
+// What the demo database tests share: running demo_gen, reading its facts, splitting SQL scripts
+// into statements, and the checks every copy of the database must pass, on SQLite and on
+// PostgreSQL alike: invariants written as SQL that counts the rows breaking them, and the SQL the
+// print methods and the templates send.
+#ifndef VANTOREL_TESTS_DEMO_DEMO_SUPPORT_H_
+#define VANTOREL_TESTS_DEMO_DEMO_SUPPORT_H_
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "data/connection.h"
+
+namespace vantorel::demo::testing {
+
+using Facts = std::map<std::string, std::string>;
+
+inline std::string SchemaPath() { return std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql"; }
+
+// Runs demo_gen with "arguments"; returns its exit status.
+inline int RunGenerator(const std::string& arguments) {
+  const std::string command = std::string(DEMO_GEN) + " " + arguments + " 2>&1";
+  return std::system(command.c_str());
+}
+
+inline std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// key=value lines; lines starting with '#' are comments.
+inline Facts ReadFacts(const std::string& path) {
+  Facts facts;
+  std::istringstream in(ReadText(path));
+  std::string line;
+  while (std::getline(in, line)) {
+    const size_t equals = line.find('=');
+    if (line.empty() || line[0] == '#' || equals == std::string::npos) continue;
+    facts[line.substr(0, equals)] = line.substr(equals + 1);
+  }
+  return facts;
+}
+
+inline std::string Fact(const Facts& facts, const std::string& key) {
+  const auto found = facts.find(key);
+  if (found == facts.end()) {
+    ADD_FAILURE() << "the facts file has no " << key;
+    return "0";
+  }
+  return found->second;
+}
+
+// The statements of a script whose statements end with a semicolon at the end of a line and
+// whose comments are whole lines, as demo/schema.sql and demo_gen's data files are written.
+inline std::vector<std::string> SplitStatements(const std::string& script) {
+  std::vector<std::string> statements;
+  std::istringstream in(script);
+  std::string line, statement;
+  while (std::getline(in, line)) {
+    const size_t text = line.find_first_not_of(" \t\r");
+    if (text == std::string::npos || line.compare(text, 2, "--") == 0) continue;
+    statement += line + "\n";
+    const size_t last = line.find_last_not_of(" \t\r");
+    if (line[last] == ';') {
+      statements.push_back(statement.substr(0, statement.rfind(';')));
+      statement.clear();
+    }
+  }
+  if (statement.find_first_not_of(" \t\r\n") != std::string::npos) statements.push_back(statement);
+  return statements;
+}
+
+inline const std::vector<std::string>& Tables() {
+  static const std::vector<std::string> tables = {
+      "firm",    "para_setup", "fa_acmaster", "branch",  "customer", "vehmodel", "pricelist",
+      "color",   "item",       "purchase",    "vehicle", "purveh",   "btmstveh", "btdetveh",
+      "vintrf",  "vintrfdet",  "challan",     "invoice", "purdata",  "enqdata",  "receipt",
+      "bulkrec", "bulkrecdet", "tempreg",     "hsrp",    "numbers"};
+  return tables;
+}
+
+inline const std::vector<std::string>& Views() {
+  static const std::vector<std::string> views = {"vu_challan",    "vu_invoice", "vu_invoicehead",
+                                                 "vu_tempnumber", "vu_receipt", "vu_bulkreceipt",
+                                                 "vu_purveh",     "vu_btveh",   "vu_vintrf"};
+  return views;
+}
+
+// Columns the print methods and the templates read, by table or view.
+inline const std::map<std::string, std::vector<std::string>>& RequiredColumns() {
+  static const std::map<std::string, std::vector<std::string>> columns = {
+      {"para_setup", {"para_flag", "para_type", "para_value"}},
+      {"challan", {"id", "type", "num", "cdate", "amt"}},
+      {"receipt", {"id", "num", "rdate", "amt", "mode", "pname"}},
+      {"purdata",
+       {"invid", "chlid", "line", "description", "hsn", "qty", "rate", "discount", "taxable",
+        "cgst_rate", "cgst_amt", "sgst_rate", "sgst_amt", "igst_rate", "igst_amt", "netprice",
+        "subsidyamt", "chlamt"}},
+      {"enqdata",
+       {"enq_id", "enq_date", "enq_model", "enq_status", "enq_booking", "enq_name", "enq_mobile",
+        "enq_source", "enq_exec"}},
+      {"purchase",
+       {"id", "supid", "billno", "billdate", "nveh", "taxable", "cgst", "sgst", "igst", "total"}},
+      {"fa_acmaster", {"am_id", "am_name", "am_add1", "am_add2", "am_add3", "am_town", "am_gst"}},
+      {"btmstveh", {"id", "btto", "btno", "btdate"}},
+      {"firm",
+       {"coid", "name", "add1", "add2", "add3", "city", "pin", "phone", "email", "gstin", "pan",
+        "bank_name", "bank_acno", "bank_ifsc", "jurisdiction", "logo"}},
+      {"vu_challan", {"id",    "type",  "num",     "cdate",   "line",     "cname",  "cfname",
+                      "cadd1", "cadd2", "cadd3",   "ccity",   "cmobile",  "cgstin", "description",
+                      "hsn",   "qty",   "rate",    "taxable", "netprice", "chlamt", "amt",
+                      "model", "color", "chassis", "engine"}},
+      {"vu_invoice",
+       {"id",
+        "itype",
+        "num",
+        "idate",
+        "cname",
+        "cfname",
+        "cadd1",
+        "cadd2",
+        "cadd3",
+        "ccity",
+        "cmobile",
+        "model",
+        "color",
+        "chassis",
+        "engine",
+        "cgstin",
+        "cpan",
+        "hypothecation",
+        "tot_taxable",
+        "invamt",
+        "tot_subsidy",
+        "payable",
+        "irn",
+        "ack_no",
+        "ack_date",
+        "qr_text",
+        "line",
+        "description",
+        "hsn",
+        "taxable",
+        "netprice",
+        "subsidyamt",
+        "regno",
+        "mfg_year",
+        "emission_norms",
+        "hsrp_front_laser",
+        "key_no",
+        "battery_no"}},
+      {"vu_invoicehead", {"id", "num", "idate", "cname", "model", "chassis", "engine", "regno"}},
+      {"vu_tempnumber",
+       {"tline", "tno", "tdate", "valid_upto", "id", "cname", "cfname", "cadd1", "model", "chassis",
+        "engine"}},
+      {"vu_receipt", {"id", "num", "rdate", "pname", "amt", "mode", "inv_num"}},
+      {"vu_bulkreceipt", {"id", "num", "bdate", "am_name", "amt", "line", "invid", "line_amt"}},
+      {"vu_purveh", {"purid", "line", "model", "chassis", "engine", "amount"}},
+      {"vu_btveh", {"btid", "line", "model", "chassis", "engine"}},
+      {"vu_vintrf", {"tid", "tno", "tdate", "from_loc", "to_loc", "line", "chassis", "engine"}},
+      {"numbers", {"n"}},
+  };
+  return columns;
+}
+
+struct Invariant {
+  const char* name;
+  const char* sql;  // counts the rows that break it
+};
+
+// Rates by HSN and date: two-wheelers and their parts 28%, cycles and theirs 12% before
+// 22 September 2025, 18% and 5% from it; electric two-wheelers and helmets 5%.
+#define VT_DEMO_EXPECTED_RATE(hsn, day)                                     \
+  "case when " hsn                                                          \
+  " like '871160%' then 5 "                                                 \
+  "when " hsn " like '8711%' or " hsn " like '871410%' then case when " day \
+  " < '2025-09-22' then 28 else 18 end "                                    \
+  "when " hsn " like '8712%' or " hsn " like '87149%' then case when " day  \
+  " < '2025-09-22' then 12 else 5 end "                                     \
+  "when " hsn " like '6506%' then 5 end"
+
+inline const std::vector<Invariant>& Invariants() {
+  static const std::vector<Invariant> invariants = {
+      {"every item line belongs to one invoice or one challan",
+       "select count(*) from purdata where (invid is null and chlid is null) "
+       "or (invid is not null and chlid is not null)"},
+      {"taxable value plus taxes is the line total",
+       "select count(*) from purdata "
+       "where abs(taxable + cgst_amt + sgst_amt + igst_amt - netprice) > 0.001"},
+      {"amount less discount is the taxable value",
+       "select count(*) from purdata where abs(amount - discount - taxable) > 0.001"},
+      {"taxes are the rate on the taxable value, to the paisa",
+       "select count(*) from purdata where abs(cgst_amt + sgst_amt + igst_amt - "
+       "taxable * (cgst_rate + sgst_rate + igst_rate) / 100) > 0.02"},
+      {"every HSN code has a known rate",
+       "select count(*) from purdata where (" VT_DEMO_EXPECTED_RATE("hsn",
+                                                                    "'2024-04-01'") ") is null"},
+      {"invoice lines carry the GST rate of the invoice date",
+       "select count(*) from purdata d join invoice i on i.id = d.invid "
+       "where d.cgst_rate + d.sgst_rate + d.igst_rate <> "
+       "(" VT_DEMO_EXPECTED_RATE("d.hsn", "i.idate") ")"},
+      {"challan lines carry the GST rate of the challan date",
+       "select count(*) from purdata d join challan c on c.id = d.chlid "
+       "where d.cgst_rate + d.sgst_rate + d.igst_rate <> "
+       "(" VT_DEMO_EXPECTED_RATE("d.hsn", "c.cdate") ")"},
+      {"purchase lines carry the GST rate of the bill date",
+       "select count(*) from purveh l join purchase p on p.id = l.purid "
+       "where l.cgst_rate + l.sgst_rate + l.igst_rate <> "
+       "(" VT_DEMO_EXPECTED_RATE("l.hsn", "p.billdate") ")"},
+      {"within Maharashtra CGST equals SGST and there is no IGST",
+       "select count(*) from purdata d join invoice i on i.id = d.invid where i.pos_code = '27' "
+       "and (d.cgst_amt <> d.sgst_amt or d.cgst_rate <> d.sgst_rate or d.igst_amt <> 0)"},
+      {"to another state only IGST",
+       "select count(*) from purdata d join invoice i on i.id = d.invid "
+       "where i.pos_code <> '27' and (d.cgst_amt <> 0 or d.sgst_amt <> 0 or d.igst_amt = 0)"},
+      {"sub-dealers in other states are billed across states",
+       "select count(*) from invoice i join fa_acmaster a on a.am_id = i.am_id "
+       "where i.pos_code <> a.am_statecode"},
+      {"invoice totals are the sums of their lines",
+       "select count(*) from invoice i where i.invamt is null or exists (select 1 from purdata d "
+       "where d.invid = i.id group by d.invid having abs(sum(d.netprice) - i.invamt) > 0.001 "
+       "or abs(sum(d.taxable) - i.tot_taxable) > 0.001 "
+       "or abs(sum(d.cgst_amt) - i.tot_cgst) > 0.001 or abs(sum(d.sgst_amt) - i.tot_sgst) > 0.001 "
+       "or abs(sum(d.igst_amt) - i.tot_igst) > 0.001 "
+       "or abs(sum(coalesce(d.subsidyamt, 0)) - i.tot_subsidy) > 0.001)"},
+      {"the payable amount is the total less the subsidy",
+       "select count(*) from invoice where abs(invamt - tot_subsidy - payable) > 0.001"},
+      {"every invoice has lines",
+       "select count(*) from invoice i where not exists (select 1 from purdata d "
+       "where d.invid = i.id)"},
+      {"challan amounts are the sums of their lines",
+       "select count(*) from challan c where abs(c.amt - (select sum(chlamt) from purdata d "
+       "where d.chlid = c.id)) > 0.001"},
+      {"only electric scooters sold to people carry a subsidy",
+       "select count(*) from purdata d join invoice i on i.id = d.invid "
+       "where d.subsidyamt > 0 and (d.hsn <> '871160' or i.itype <> 'R')"},
+      {"purchase totals are the sums of their lines",
+       "select count(*) from purchase p where abs(p.total - (select sum(amount) from purveh l "
+       "where l.purid = p.id)) > 0.001 or p.nveh <> (select count(*) from purveh l "
+       "where l.purid = p.id)"},
+      {"bulk receipts are the sums of their lines",
+       "select count(*) from bulkrec b where abs(b.amt - (select sum(amt) from bulkrecdet d "
+       "where d.brid = b.id)) > 0.001"},
+      {"receipts and bulk receipts pay every retail invoice in full",
+       "select count(*) from invoice i where i.itype = 'R' and abs(i.payable "
+       "- coalesce((select sum(amt) from receipt r where r.invid = i.id), 0) "
+       "- coalesce((select sum(amt) from bulkrecdet d where d.invid = i.id), 0)) > 0.001"},
+      {"no invoice is paid twice over",
+       "select count(*) from invoice i where coalesce((select sum(amt) from receipt r "
+       "where r.invid = i.id), 0) + coalesce((select sum(amt) from bulkrecdet d "
+       "where d.invid = i.id), 0) > i.payable + 0.001"},
+      {"invoices to GST-registered buyers have an IRN",
+       "select count(*) from vu_invoicehead where cgstin is not null and (irn is null "
+       "or ack_no is null or ack_date is null or qr_text is null)"},
+      {"IRNs are 64 characters and unique",
+       "select count(*) from invoice where irn is not null and (length(irn) <> 64 or irn in "
+       "(select irn from invoice where irn is not null group by irn having count(*) > 1))"},
+      {"no vehicle is invoiced twice",
+       "select count(*) from (select veh_id from purdata where invid is not null "
+       "and veh_id is not null group by veh_id having count(*) > 1) twice"},
+      {"a retail invoice's vehicle is on its first line",
+       "select count(*) from invoice i where i.itype = 'R' and not exists (select 1 from purdata d "
+       "where d.invid = i.id and d.line = 1 and d.veh_id = i.veh_id)"},
+      {"vehicles arrive before they are delivered",
+       "select count(*) from purdata d join vehicle v on v.veh_id = d.veh_id "
+       "join purchase p on p.id = v.purid left join invoice i on i.id = d.invid "
+       "left join challan c on c.id = d.chlid where p.recdate > coalesce(c.cdate, i.idate)"},
+      {"vehicles reach a branch before they are delivered there",
+       "select count(*) from invoice i join btdetveh t on t.veh_id = i.veh_id "
+       "join btmstveh b on b.id = t.btid where b.btdate > i.idate or b.to_br <> i.br_id"},
+      {"branch transfers go to a branch account",
+       "select count(*) from btmstveh b join fa_acmaster a on a.am_id = b.btto "
+       "where a.am_group <> 'BRANCH'"},
+      {"an invoiced challan names its invoice and the invoice its challan",
+       "select count(*) from challan c join invoice i on i.id = c.invid where i.chlid <> c.id"},
+      {"enquiry status is 0, 1 or 2 and booking 0 or 1",
+       "select count(*) from enqdata where enq_status not in (0, 1, 2) "
+       "or enq_booking not in (0, 1)"},
+      {"matured enquiries name their invoice",
+       "select count(*) from enqdata where enq_status = 1 and enq_invid is null"},
+      {"temporary registrations run one month from the invoice date",
+       "select count(*) from tempreg t join invoice i on i.id = t.invid "
+       "where t.tdate <> i.idate or t.valid_upto <= t.tdate"},
+      {"registered vehicles have number plates ordered",
+       "select count(*) from invoice i where i.regno is not null and not exists "
+       "(select 1 from hsrp h where h.invid = i.id)"},
+      {"document ids fit a 16-bit integer",
+       "select count(*) from (select id from challan union all select id from invoice "
+       "union all select id from receipt union all select id from purchase "
+       "union all select id from btmstveh union all select tid from vintrf "
+       "union all select id from bulkrec union all select tline from tempreg) ids "
+       "where id > 32767 or id < 1"},
+  };
+  return invariants;
+}
+
+#undef VT_DEMO_EXPECTED_RATE
+
+// One SQL text as a print method or a template sends it.
+struct DocumentQuery {
+  std::string name;
+  std::string sql;
+  std::map<std::string, data::ParamValue> params;
+  size_t min_rows = 1;
+};
+
+// "2024-04-01" as the print methods write dates into SQL: "2024/04/01".
+inline std::string SlashDate(std::string iso) {
+  for (char& c : iso) {
+    if (c == '-') c = '/';
+  }
+  return iso;
+}
+
+inline Date IsoDate(const std::string& iso) {
+  return Date::FromYmd(std::stoi(iso.substr(0, 4)), std::stoi(iso.substr(5, 2)),
+                       std::stoi(iso.substr(8, 2)));
+}
+
+// The SQL the sales print methods send (exactly as they build it) and the queries their templates
+// run, for the documents the facts name.
+inline std::vector<DocumentQuery> DocumentQueries(const Facts& f) {
+  std::vector<DocumentQuery> q;
+  auto add = [&](std::string name, std::string sql, size_t min_rows = 1) {
+    q.push_back({std::move(name), std::move(sql), {}, min_rows});
+  };
+  auto add_params = [&](std::string name, std::string sql,
+                        std::map<std::string, data::ParamValue> params, size_t min_rows = 1) {
+    q.push_back({std::move(name), std::move(sql), std::move(params), min_rows});
+  };
+  auto id = [&](const char* key) { return Fact(f, key); };
+  auto number = [&](const char* key) { return int64_t{std::stoi(Fact(f, key))}; };
+
+  add("Challan_Customer: setting",
+      "select para_value from para_setup where para_flag='CHALLAN' and para_type='GATEPASS'");
+  add("w_purchaseorder: setting",
+      "select para_value from para_setup where para_flag='WS_PO' and para_type='PO'");
+  add("Challan_Customer: existence and Amt",
+      "select * from challan where id=" + id("challan_customer_id"));
+  add("Challan_Customer: Q_CHL",
+      "SELECT * FROM VU_CHALLAN WHERE id=" + id("challan_customer_id") + " AND TYPE='C'");
+  add("ChallanSub: amount", "select sum(chlamt) from purdata where chlid=" + id("challan_sub_id"));
+  add("ChallanSub: q_pm",
+      "select * FROM VU_CHALLAN where id=" + id("challan_sub_id") + " order by line", 2);
+  add("ChallanSub: pending challan",
+      "select * FROM VU_CHALLAN where id=" + id("challan_pending_id") + " order by line");
+  add("ReceiptPrint: amount", "select amt from receipt where id=" + id("receipt_id"));
+
+  const std::string from = SlashDate(Fact(f, "enquiry_from"));
+  const std::string to = SlashDate(Fact(f, "enquiry_to"));
+  const std::string range =
+      "select * from enqdata where  enq_date>='" + from + "' " + "and enq_date<='" + to + "'";
+  add("EnqGroupwise: enq", range + " order by enq_model,enq_date,enq_id ", 300);
+  add("EnqPending: matured", range + " and enq_status=1 order by enq_id ");
+  add("EnqPending: pending", range + " and enq_status=0 order by enq_id ");
+  add("EnqPending: lost", range + " and enq_status=2 order by enq_id ");
+  add("EnqBooking: enq", range + " and enq_booking=1 order by enq_id ");
+  const std::string month = "select * from enqdata where  enq_date>='" +
+                            SlashDate(Fact(f, "enquiry_month_from")) + "' " + "and enq_date<='" +
+                            SlashDate(Fact(f, "enquiry_month_to")) + "'";
+  add("EnqGroupwise: one month", month + " order by enq_model,enq_date,enq_id ", 10);
+
+  add("VehPurBill: q_pm",
+      "select p.*,am_name,am_add1,am_add2,am_add3,am_town from purchase p,fa_acmaster " +
+          std::string("Where p.supid = am_id and p.id=") + id("purchase_id"));
+  add("VehPurBillGST: q_pm",
+      "select p.*,am_name,am_add1,am_add2,am_add3,am_town,am_gst from purchase p,fa_acmaster " +
+          std::string("Where p.supid = am_id and p.id=") + id("purchase_intra_id"));
+  add("VehBtPrint: q_pm",
+      "select BV.*,am_name,am_town from btmstveh bv ,fa_acmaster where bv.btto=am_id and id=" +
+          id("branch_transfer_id"));
+
+  for (const char* key :
+       {"invoice_id", "invoice_accessories_id", "invoice_financed_id", "invoice_scooter_id",
+        "invoice_before_revision_id", "invoice_after_revision_id", "invoice_subsidy_id",
+        "invoice_null_subsidy_id", "hero_invoice_id", "hero_subdealer_invoice_id",
+        "subdealer_invoice_id", "subdealer_igst_invoice_id", "cycle_invoice_id",
+        "cycle_subdealer_invoice_id", "packing_list_id", "einvoice_id", "einvoice_retail_id"}) {
+    add(std::string(key) + ": amount", "select sum(netprice) from purdata where invid=" + id(key));
+    add(std::string(key) + ": Q_INV", "SELECT * FROM VU_INVOICE WHERE ID=" + id(key));
+  }
+  add("GSTVehInvoiceSingle: amount less subsidy",
+      "select sum(netprice-coalesce(subsidyamt,0)) from purdata where invid=" +
+          id("invoice_subsidy_id"));
+  add("GSTVehInvoiceSingle: amount, null subsidies",
+      "select sum(netprice-coalesce(subsidyamt,0)) from purdata where invid=" +
+          id("invoice_null_subsidy_id"));
+
+  const std::string gate_pass =
+      "select itype,num,idate,cname,cfname,cadd1,cadd2,cadd3,ccity,cmobile,model,color,chassis,"
+      "engine from vu_invoice where id=";
+  add("VehGatePass: Q_INV", gate_pass + id("gatepass_invoice_id"));
+  add("CycleGatePass: Q_INV", gate_pass + id("cycle_invoice_id"));
+  for (const char* key :
+       {"form22_invoice_id", "hsrp_invoice_id", "sticker_invoice_id", "prorc_invoice_id"}) {
+    add(std::string("DecForm / sale letter: ") + key,
+        "SELECT * FROM VU_INVOICE WHERE ID=" + id(key));
+  }
+  add("VehTempCertificate: Q_INV", "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + id("temp_tline"));
+  add("VehTempCertificate: Karnataka",
+      "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + id("temp_tline_karnataka"));
+
+  add_params("Wrc: mst", "select * from firm where coid = :coid", {{"coid", number("firm_id")}});
+  add_params("ReceiptPrint: q_rt", "select * from vu_receipt where id = :id",
+             {{"id", number("receipt_id")}});
+  add_params("ReceiptPrint: q_rt, finance", "select * from vu_receipt where id = :id",
+             {{"id", number("receipt_finance_id")}});
+  add_params(
+      "RecRegister: q_pm",
+      "select * from vu_receipt where rdate >= :fromdate and rdate <= :todate "
+      "order by rdate, id",
+      {{"fromdate", IsoDate(Fact(f, "receipt_from"))}, {"todate", IsoDate(Fact(f, "receipt_to"))}},
+      5);
+  add_params("BulkReceiptPrint: q_rt", "select * from vu_bulkreceipt where id = :id order by line",
+             {{"id", number("bulk_receipt_id")}}, 2);
+  add_params("BulkReceiptPrint: q_rt, sub-dealer",
+             "select * from vu_bulkreceipt where id = :id order by line",
+             {{"id", number("bulk_receipt_subdealer_id")}}, 2);
+  add_params("VinTrf: q_pm", "select * from vu_vintrf where tid = :tid order by line",
+             {{"tid", number("vintrf_id")}});
+  add_params("VehBtPrint: vehicles", "select * from vu_btveh where btid = :id order by line",
+             {{"id", number("branch_transfer_id")}});
+  add_params("VehPurBill: vehicles", "select * from vu_purveh where purid = :id order by line",
+             {{"id", number("purchase_id")}}, 2);
+  add_params("ProVisionalRc: Q_INV", "select * from vu_invoicehead where id = :ID",
+             {{"ID", number("prorc_invoice_id")}});
+  add_params("VehForm22: Q_INV",
+             "select * from vu_invoicehead where id = :xid and regno is not null",
+             {{"xid", number("form22_invoice_id")}});
+  add_params("VehHSRP: Q_INV",
+             "select * from vu_invoicehead where id = :xid and hsrp_fit_date is not null",
+             {{"xid", number("hsrp_invoice_id")}});
+  add_params("VehSticker: Q_INV",
+             "select v.*, n.n as copy_no from vu_invoicehead v, numbers n "
+             "where v.id = :ID and n.n <= :XNO order by n.n",
+             {{"ID", number("sticker_invoice_id")}, {"XNO", int64_t{3}}}, 3);
+  return q;
+}
+
+// Every row of "sql" on "db".
+inline std::vector<std::vector<data::Value>> Rows(
+    data::Connection& db, const std::string& sql,
+    const std::map<std::string, data::ParamValue>& params = {}) {
+  const auto cursor = db.Execute(sql, params);
+  std::vector<std::vector<data::Value>> rows;
+  std::vector<data::Value> row;
+  while (cursor->Next(row)) rows.push_back(row);
+  return rows;
+}
+
+}  // namespace vantorel::demo::testing
+
+#endif  // VANTOREL_TESTS_DEMO_DEMO_SUPPORT_H_
