@@ -22,6 +22,28 @@ inline constexpr Day kFirstDay = Day::FromYmd(2024, 4, 1);
 inline constexpr Day kLastDay = Day::FromYmd(2025, 12, 31);
 inline constexpr Day kEnquiriesEnd = Day::FromYmd(2025, 3, 31);
 
+// Ids of fixed masters that the trading refers to.
+namespace ids {
+// fa_acmaster: the manufacturers, the sub-dealers and the financiers.
+inline constexpr int kVayuMotocorp = 1;  // motorcycles and scooters, Hosur (Tamil Nadu)
+inline constexpr int kVayuElectric = 2;  // electric scooters, Chakan (Maharashtra)
+inline constexpr int kGangaCycles = 3;   // cycles, Ludhiana (Punjab)
+inline constexpr int kKrishnaAuto = 11, kSiddhivinayakMotors = 12, kYashAutomobiles = 13;
+inline constexpr int kMalaprabhaMotors = 14, kCoastalMotors = 15, kNavkarAutomobiles = 16;
+inline constexpr int kJansevaFinance = 31, kDeccanFinance = 32, kMahalaxmiBank = 33;
+inline constexpr int kSahyadriPatsanstha = 34, kIndrayaniFinance = 35;
+// item: helmets, accessories and cycle fittings.
+inline constexpr int kHalfHelmet = 1, kFullHelmet = 2, kSareeGuard = 3, kCrashGuard = 4;
+inline constexpr int kSeatCover = 5, kMobileHolder = 6, kFrontBasket = 7;
+// vehmodel: the ones sold on purpose.
+inline constexpr int kSarathiSelf = 2, kSprintDrum = 3, kToofanDrum = 5, kSakhiStandard = 9;
+inline constexpr int kUrjaDrum = 11, kEvoltS = 13, kEvoltX = 14, kRoadster = 15, kTrail = 16;
+inline constexpr int kKidsCycle = 17;
+// customer: the fleet buyers.
+inline constexpr int kSwiftParcel = 5057, kKrushidhanDairy = 5058, kOmSaiCourier = 5059;
+inline constexpr int kDnyangangaSchool = 5060;
+}  // namespace ids
+
 // Whole rupees in paise.
 constexpr int64_t Rs(int64_t rupees) { return rupees * 100; }
 

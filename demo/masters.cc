@@ -598,7 +598,7 @@ void AddModels(Dealership& d) {
     switch (s.category) {
       case Category::kMotorcycle:
       case Category::kScooter:
-        m.supplier = 1;
+        m.supplier = ids::kVayuMotocorp;
         m.make = "Vayu Motocorp";
         m.hsn = "871120";
         m.fuel = "PETROL";
@@ -615,7 +615,7 @@ void AddModels(Dealership& d) {
         m.type_approval = std::string("ICAT/TA/") + s.code + "/2023";
         break;
       case Category::kElectric:
-        m.supplier = 2;
+        m.supplier = ids::kVayuElectric;
         m.make = "Vayu Electric";
         m.hsn = "871160";
         m.fuel = "ELECTRIC (BOV)";
@@ -624,20 +624,20 @@ void AddModels(Dealership& d) {
         m.norms = "NOT APPLICABLE";
         m.vclass = "MOTOR CYCLE WITHOUT GEAR";
         m.body = "SCOOTER";
-        m.battery_kwh = s.id == 13 ? "2.20" : "3.40";
-        m.motor_kw = s.id == 13 ? "2.50" : "3.50";
+        m.battery_kwh = s.id == ids::kEvoltS ? "2.20" : "3.40";
+        m.motor_kw = s.id == ids::kEvoltS ? "2.50" : "3.50";
         m.mfr_name = "Vayu Electric Mobility Pvt Ltd";
         m.mfr_add = "Gat No. 1204, MIDC Phase II, Chakan 410501, Pune, Maharashtra";
         m.battery_make = std::string("Vayu LFP ") + s.variant;
         m.type_approval = std::string("ARAI/TA/") + s.code + "/2024";
         break;
       case Category::kCycle:
-        m.supplier = 3;
+        m.supplier = ids::kGangaCycles;
         m.make = "Ganga Cycles";
         m.hsn = "871200";
         m.seating = 1;
         m.vclass = "BICYCLE";
-        m.body = s.id == 17 ? "KIDS CYCLE" : "BICYCLE";
+        m.body = s.id == ids::kKidsCycle ? "KIDS CYCLE" : "BICYCLE";
         m.mfr_name = "Ganga Cycles Ltd";
         m.mfr_add = "B-14, Focal Point, G.T. Road, Ludhiana 141010, Punjab";
         break;

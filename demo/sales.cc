@@ -30,6 +30,25 @@ std::string Padded(int number, int width) {
          text;
 }
 
+// How each manufacturer bills, ships and numbers its vehicles.
+struct Factory {
+  int transit_days;
+  const char* bill_prefix;
+  const char* transporter;
+  const char* truck_prefix;  // where the carrier's trucks are registered
+  const char* wmi;           // world manufacturer identifier: the first three VIN characters
+  char plant;                // the VIN's plant code
+};
+
+const Factory& FactoryOf(int supplier) {
+  static const Factory kHosur{4, "VMC/HSR/", "Southern Roadways Pvt Ltd", "TN70", "MDV", 'H'};
+  static const Factory kChakan{1, "VEM/CKN/", "Vayu Electric own carrier", "MH14", "MDE", 'C'};
+  static const Factory kLudhiana{6, "GCL/LDH/", "Punjab Golden Transport Co.", "PB10", "MDG", 'L'};
+  return supplier == ids::kVayuMotocorp   ? kHosur
+         : supplier == ids::kVayuElectric ? kChakan
+                                          : kLudhiana;
+}
+
 // Document numbers run per series and financial year: "VSI/24-25/0007".
 class Numbering {
  public:
@@ -106,25 +125,30 @@ class Trading {
     inv.pos_code = "27";
     const bool motor = category != Category::kCycle;
     if (motor) {
-      if (random_.Percent(35))
-        inv.accessories.push_back({random_.Percent(60) ? 1 : 2, random_.Percent(25) ? 2 : 1});
-      if (category != Category::kElectric) {
-        if (random_.Percent(20)) inv.accessories.push_back({4, 1});
-        if (customer.title != "Mr" && random_.Percent(60)) inv.accessories.push_back({3, 1});
-        if (random_.Percent(10)) inv.accessories.push_back({5, 1});
+      if (random_.Percent(35)) {
+        const int helmet = random_.Percent(60) ? ids::kHalfHelmet : ids::kFullHelmet;
+        inv.accessories.push_back({helmet, random_.Percent(25) ? 2 : 1});  // one for the pillion
       }
-      if (random_.Percent(8)) inv.accessories.push_back({6, 1});
+      if (category != Category::kElectric) {
+        if (random_.Percent(20)) inv.accessories.push_back({ids::kCrashGuard, 1});
+        if (customer.title != "Mr" && random_.Percent(60)) {
+          inv.accessories.push_back({ids::kSareeGuard, 1});
+        }
+        if (random_.Percent(10)) inv.accessories.push_back({ids::kSeatCover, 1});
+      }
+      if (random_.Percent(8)) inv.accessories.push_back({ids::kMobileHolder, 1});
+      // Dussehra and Diwali, 2024 and 2025, bring the biggest discounts.
       const int month = MonthIndex(inv.date);
       const bool festive = month == 6 || month == 7 || month == 17 || month == 18;
       if (random_.Percent(festive ? 55 : 25)) {
         inv.discount = Rs(500 * random_.Between(1, festive ? 6 : 3));
       }
     } else if (random_.Percent(50)) {
-      inv.accessories.push_back({7 + random_.Below(3), 1});
+      inv.accessories.push_back({ids::kFrontBasket + random_.Below(3), 1});
     }
     if (motor && !customer.business) {
       if (random_.Percent(45)) {
-        inv.financier = 31 + random_.Weighted({30, 25, 15, 15, 15});
+        inv.financier = ids::kJansevaFinance + random_.Weighted({30, 25, 15, 15, 15});
         inv.remarks = "Hypothecated to " + d_.account(inv.financier).name;
       }
       const bool on_challan = random_.Percent(inv.financier != 0 ? 90 : 55);
@@ -165,7 +189,7 @@ class Trading {
       if (i == 0) day = kRateRevision.Plus(-1);
       if (i == 1) day = kRateRevision;
       if (i < 2) {
-        PlanRetail(*people[i], Category::kMotorcycle, day, 3);
+        PlanRetail(*people[i], Category::kMotorcycle, day, ids::kSprintDrum);
         continue;
       }
       PlanRetail(*people[i], category, day, std::nullopt);
@@ -175,8 +199,9 @@ class Trading {
       const Customer& c = *random_.Pick(people);
       const Category category = categories[static_cast<size_t>(random_.Weighted({15, 25, 0, 60}))];
       PlanRetail(c, category, std::nullopt,
-                 category == Category::kCycle && random_.Percent(50) ? std::optional<int>(17)
-                                                                     : std::nullopt);
+                 category == Category::kCycle && random_.Percent(50)
+                     ? std::optional<int>(ids::kKidsCycle)
+                     : std::nullopt);
     }
     // Fleet buyers: couriers on scooters and e-scooters, a dairy's collection motorcycles and a
     // school's cycles.
@@ -184,7 +209,10 @@ class Trading {
       int customer, count;
       std::vector<int> models;
     } fleets[] = {
-        {5057, 10, {13, 14}}, {5058, 8, {2, 3, 5}}, {5059, 8, {9, 11}}, {5060, 4, {15, 16}}};
+        {ids::kSwiftParcel, 10, {ids::kEvoltS, ids::kEvoltX}},
+        {ids::kKrushidhanDairy, 8, {ids::kSarathiSelf, ids::kSprintDrum, ids::kToofanDrum}},
+        {ids::kOmSaiCourier, 8, {ids::kSakhiStandard, ids::kUrjaDrum}},
+        {ids::kDnyangangaSchool, 4, {ids::kRoadster, ids::kTrail}}};
     for (const auto& fleet : fleets) {
       for (int i = 0; i < fleet.count; ++i) {
         const int model = random_.Pick(fleet.models);
@@ -194,7 +222,11 @@ class Trading {
   }
 
   void PlanSubDealerSales() {
-    const std::vector<int> dealers = {11, 12, 13, 14, 15, 16};
+    const std::vector<int> dealers = {ids::kKrishnaAuto,     ids::kSiddhivinayakMotors,
+                                      ids::kYashAutomobiles, ids::kMalaprabhaMotors,
+                                      ids::kCoastalMotors,   ids::kNavkarAutomobiles};
+    const std::vector<int> cycle_dealers = {ids::kKrishnaAuto, ids::kYashAutomobiles,
+                                            ids::kMalaprabhaMotors};
     const std::vector<Category> motor = {Category::kMotorcycle, Category::kScooter,
                                          Category::kElectric};
     for (int i = 0; i < 38; ++i) {
@@ -202,7 +234,7 @@ class Trading {
       Invoice inv;
       inv.plan = ++plans_;
       inv.itype = 'S';
-      inv.account = cycles ? random_.Pick(std::vector<int>{11, 13, 14})
+      inv.account = cycles ? random_.Pick(cycle_dealers)
                            : dealers[static_cast<size_t>(random_.Weighted({8, 7, 6, 6, 5, 6}))];
       inv.date = SaleDay();
       const int count = cycles ? random_.Between(4, 8) : random_.Between(2, 5);
@@ -342,7 +374,7 @@ class Trading {
     for (const Vehicle& v : d_.vehicles) {
       const int supplier = d_.model(v.model).supplier;
       const int month = MonthIndex(v.need);
-      lots[{supplier, supplier == 1 ? month : month - month % 2}].push_back(v.id);
+      lots[{supplier, supplier == ids::kVayuMotocorp ? month : month - month % 2}].push_back(v.id);
     }
     struct Lot {
       int supplier;
@@ -359,7 +391,8 @@ class Trading {
                      [](const Lot& a, const Lot& b) { return a.bill < b.bill; });
 
     Numbering numbers;
-    std::map<int, int> bill_serial = {{1, 41200}, {2, 2300}, {3, 8800}};
+    std::map<int, int> bill_serial = {
+        {ids::kVayuMotocorp, 41200}, {ids::kVayuElectric, 2300}, {ids::kGangaCycles, 8800}};
     for (size_t i = 0; i < ordered.size(); ++i) {
       const Lot& lot = ordered[i];
       const Account& supplier = d_.account(lot.supplier);
@@ -367,21 +400,15 @@ class Trading {
       p.id = 801 + static_cast<int>(i);
       p.supplier = lot.supplier;
       p.bill_date = lot.bill;
-      p.received = lot.bill.Plus(lot.supplier == 1 ? 4 : lot.supplier == 2 ? 1 : 6);
+      const Factory& factory = FactoryOf(lot.supplier);
+      p.received = lot.bill.Plus(factory.transit_days);
       bill_serial[lot.supplier] += random_.Between(40, 400);
-      const char* prefix = lot.supplier == 1   ? "VMC/HSR/"
-                           : lot.supplier == 2 ? "VEM/CKN/"
-                                               : "GCL/LDH/";
-      p.bill_no = prefix + lot.bill.FinancialYear() + "/" + Padded(bill_serial[lot.supplier], 6);
+      p.bill_no = factory.bill_prefix + lot.bill.FinancialYear() + "/" +
+                  Padded(bill_serial[lot.supplier], 6);
       p.grn_no = numbers.Next("GRN", p.received, 3);
-      p.transporter = lot.supplier == 1   ? "Southern Roadways Pvt Ltd"
-                      : lot.supplier == 2 ? "Vayu Electric own carrier"
-                                          : "Punjab Golden Transport Co.";
+      p.transporter = factory.transporter;
       p.lr_no = random_.Digits(7);
-      p.truck = (lot.supplier == 1   ? "TN70"
-                 : lot.supplier == 2 ? "MH14"
-                                     : "PB10") +
-                random_.Code(2, 4);
+      p.truck = factory.truck_prefix + random_.Code(2, 4);
       p.ewb_no = "3" + random_.Digits(11);
       p.vehicles = lot.vehicles;
       for (int id : lot.vehicles) {
@@ -424,24 +451,23 @@ class Trading {
     for (Vehicle& v : d_.vehicles) order.push_back(&v);
     std::stable_sort(order.begin(), order.end(),
                      [](const Vehicle* a, const Vehicle* b) { return a->made < b->made; });
-    std::map<int, int> chassis_serial = {{1, 140000 + random_.Below(20000)},
-                                         {2, 20000 + random_.Below(5000)},
-                                         {3, 310000 + random_.Below(40000)}};
+    std::map<int, int> chassis_serial = {{ids::kVayuMotocorp, 140000 + random_.Below(20000)},
+                                         {ids::kVayuElectric, 20000 + random_.Below(5000)},
+                                         {ids::kGangaCycles, 310000 + random_.Below(40000)}};
     std::map<std::string, int> engine_serial;
     for (Vehicle* v : order) {
       const VehicleModel& m = d_.model(v->model);
       const char year = "PRSTV"[v->made.year() - 2023];  // VIN model-year letters 2023 to 2027
       const char month = "ABCDEFGHJKLM"[v->made.month() - 1];
       chassis_serial[m.supplier] += random_.Between(3, 40);
-      const char* wmi = m.supplier == 1 ? "MDV" : m.supplier == 2 ? "MDE" : "MDG";
-      const char plant = m.supplier == 1 ? 'H' : m.supplier == 2 ? 'C' : 'L';
-      std::string vin =
-          std::string(wmi) + m.vds + "0" + year + plant + Padded(chassis_serial[m.supplier], 6);
+      const Factory& factory = FactoryOf(m.supplier);
+      std::string vin = std::string(factory.wmi) + m.vds + "0" + year + factory.plant +
+                        Padded(chassis_serial[m.supplier], 6);
       vin[8] = VinCheckDigit(vin);
       v->chassis = vin;
       if (m.category == Category::kCycle) {
-        v->kit = m.id == 17 ? "Owner's manual, Bell, Reflectors, Trainer wheels"
-                            : "Owner's manual, Bell, Reflectors";
+        v->kit = m.id == ids::kKidsCycle ? "Owner's manual, Bell, Reflectors, Trainer wheels"
+                                         : "Owner's manual, Bell, Reflectors";
         continue;
       }
       int& serial =
@@ -753,7 +779,7 @@ class Trading {
                          "Margin money for " + vehicle + ", invoice " + inv.num),
             PickMode({"CASH", "UPI", "CHEQUE"}, {45, 30, 25}));
         const Account& financier = d_.account(inv.financier);
-        if (inv.financier == 32 || inv.financier == 34) {
+        if (inv.financier == ids::kDeccanFinance || inv.financier == ids::kSahyadriPatsanstha) {
           quarterly[{inv.financier, MonthIndex(inv.date) / 3}].push_back({inv.id, loan});
           continue;
         }

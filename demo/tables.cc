@@ -548,7 +548,9 @@ std::vector<std::pair<std::string, std::string>> ChooseFacts(const Dealership& d
            [&](const Invoice& i) { return retail(i, Category::kCycle); }});
   invoice("cycle_subdealer_invoice_id",
           {[&](const Invoice& i) { return i.itype == 'S' && category(i) == Category::kCycle; }});
-  largest_invoice("packing_list_id", [](const Invoice& i) { return i.itype == 'S'; });
+  largest_invoice("packing_list_id", [&](const Invoice& i) {
+    return i.itype == 'S' && category(i) != Category::kCycle;
+  });
   invoice("einvoice_id", {[&](const Invoice& i) {
                             return i.itype == 'S' && !i.irn.empty() && !i.ewb_no.empty() &&
                                    !intra(i);
@@ -625,14 +627,16 @@ std::vector<std::pair<std::string, std::string>> ChooseFacts(const Dealership& d
   add("enquiry_month_from", "2024-10-01");
   add("enquiry_month_to", "2024-10-31");
 
-  add_id("purchase_id", Largest<Purchase>(
-                            d.purchases, [](const Purchase& p) { return p.supplier == 1; },
-                            vehicles, "purchase from Hosur")
-                            .id);
-  add_id("purchase_intra_id", Largest<Purchase>(
-                                  d.purchases, [](const Purchase& p) { return p.supplier == 2; },
-                                  vehicles, "purchase from Chakan")
-                                  .id);
+  add_id("purchase_id",
+         Largest<Purchase>(
+             d.purchases, [](const Purchase& p) { return p.supplier == ids::kVayuMotocorp; },
+             vehicles, "purchase from Hosur")
+             .id);
+  add_id("purchase_intra_id",
+         Largest<Purchase>(
+             d.purchases, [](const Purchase& p) { return p.supplier == ids::kVayuElectric; },
+             vehicles, "purchase from Chakan")
+             .id);
   add_id("branch_transfer_id",
          Largest<BranchTransfer>(
              d.transfers, [](const BranchTransfer&) { return true; }, vehicles, "branch transfer")

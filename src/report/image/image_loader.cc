@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -123,8 +124,8 @@ std::shared_ptr<const ImageData> ReadImage(const std::string& native, const std:
   const int longest = std::max(width, height);
   if (!jpeg && longest > kLargestSide) {
     const double factor = static_cast<double>(kLargestSide) / longest;
-    const int new_width = std::max(1, static_cast<int>(width * factor + 0.5));
-    const int new_height = std::max(1, static_cast<int>(height * factor + 0.5));
+    const int new_width = std::max(1, static_cast<int>(std::lround(width * factor)));
+    const int new_height = std::max(1, static_cast<int>(std::lround(height * factor)));
     PixbufPtr scaled(
         gdk_pixbuf_scale_simple(pixbuf.get(), new_width, new_height, GDK_INTERP_BILINEAR));
     if (scaled) {

@@ -71,9 +71,13 @@ std::vector<std::string> WritePngs(const Document& document, const std::string& 
   const size_t digits = std::to_string(document.pages.size()).size();
   std::vector<std::string> paths;
   for (size_t i = 0; i < document.pages.size(); ++i) {
-    std::string number = std::to_string(i + 1);
-    number.insert(0, digits - number.size(), '0');
-    const std::filesystem::path file = folder / (stem + "-" + number + ".png");
+    const std::string number = std::to_string(i + 1);
+    std::string name = stem;
+    name += '-';
+    name.append(digits - number.size(), '0');
+    name += number;
+    name += ".png";
+    const std::filesystem::path file = folder / name;
     const std::string png = PagePng(document, i, dpi);
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
     out.write(png.data(), static_cast<std::streamsize>(png.size()));

@@ -159,7 +159,8 @@ float TrailingBlankWidth(const PangoLayoutLine* line, const std::string& text) {
   for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
     const PangoGlyphString* glyphs = (*run)->glyphs;
     for (int g = glyphs->num_glyphs - 1; g >= 0; --g) {
-      const size_t byte = static_cast<size_t>((*run)->item->offset + glyphs->log_clusters[g]);
+      const size_t byte =
+          static_cast<size_t>((*run)->item->offset) + static_cast<size_t>(glyphs->log_clusters[g]);
       if (byte >= text.size() || !IsBlank(text[byte])) return width;
       width += static_cast<float>(glyphs->glyphs[g].geometry.width) / PANGO_SCALE;
     }

@@ -52,7 +52,7 @@ class LayoutCache {
     return found->second->value;
   }
 
-  void Insert(std::string key, std::shared_ptr<const LaidOutText> value) {
+  void Insert(std::string key, const std::shared_ptr<const LaidOutText>& value) {
     if (budget_ == 0 || value->bytes > budget_ / 4) return;
     entries_.push_front({std::move(key), value});
     index_.emplace(entries_.front().key, entries_.begin());

@@ -70,7 +70,7 @@ class ImageLoaderTest : public ::testing::Test {
     }
     keys.push_back(nullptr);
     values.push_back(nullptr);
-    const fs::path path = dir_ / name;
+    fs::path path = dir_ / name;
     GError* error = nullptr;
     EXPECT_TRUE(gdk_pixbuf_savev(pixbuf, path.c_str(), type, keys.data(), values.data(), &error))
         << (error ? error->message : "");

@@ -91,7 +91,7 @@ class PdfWriterTest : public ::testing::Test {
         p[2] = 128;
       }
     }
-    const fs::path path = dir_ / "logo.jpg";
+    fs::path path = dir_ / "logo.jpg";
     EXPECT_TRUE(gdk_pixbuf_save(pixbuf, path.c_str(), "jpeg", nullptr, "quality", "90", nullptr));
     g_object_unref(pixbuf);
     return path;
