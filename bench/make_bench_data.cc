@@ -2,7 +2,10 @@
 // the peer kit (its build/invoice.json and build/register.json), as SQLite tables our two
 // benchmark templates read.
 //
-//   make_bench_data PEER_BUILD_DIR OUT.db
+//   make_bench_data PEER_BUILD_DIR OUT.db [REGISTER_ROWS]
+//
+// REGISTER_ROWS (default: the kit's 3,000) repeats the register's rows to that many, for the
+// scaling run.
 #include <sqlite3.h>
 
 #include <cstdio>
@@ -93,8 +96,8 @@ std::string Iso(const std::string& date) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: make_bench_data PEER_BUILD_DIR OUT.db\n";
+  if (argc != 3 && argc != 4) {
+    std::cerr << "usage: make_bench_data PEER_BUILD_DIR OUT.db [REGISTER_ROWS]\n";
     return 2;
   }
   try {
@@ -156,9 +159,12 @@ int main(int argc, char** argv) {
                  l["cgstRate"], l["cgst"], l["sgstRate"], l["sgst"], l["total"]});
     }
     db.Insert("register", {"title", "subtitle"}, {reg["title"], reg["subtitle"]});
-    for (const json& r : reg["rows"]) {
+    const json& rows = reg["rows"];
+    const size_t count = argc == 4 ? std::stoul(argv[3]) : rows.size();
+    for (size_t i = 0; i < count; ++i) {
+      const json& r = rows[i % rows.size()];
       db.Insert("stock", {"sr", "pn", "descr", "loc", "hsn", "bal", "rate", "value"},
-                {r["sr"], r["pn"], r["desc"], r["loc"], r["hsn"], r["bal"], r["rate"], r["value"]});
+                {i + 1, r["pn"], r["desc"], r["loc"], r["hsn"], r["bal"], r["rate"], r["value"]});
     }
   } catch (const std::exception& error) {
     std::cerr << "make_bench_data: " << error.what() << "\n";

@@ -284,7 +284,7 @@ void AddColors(Dealership& d) {
       {10, "Forest Green", "FGN"}, {11, "Pink Blossom", "PNK"}, {12, "Orange Burst", "ORG"}};
 }
 
-struct ModelSpec {
+struct CatalogueModel {
   int id;
   Category category;
   const char* code;
@@ -304,7 +304,7 @@ struct ModelSpec {
 };
 
 void AddModels(Dealership& d) {
-  const std::vector<ModelSpec> specs = {
+  const std::vector<CatalogueModel> catalogue = {
       {1,
        Category::kMotorcycle,
        "SR100K",
@@ -578,7 +578,7 @@ void AddModels(Dealership& d) {
        4790,
        {11, 5, 6}},
   };
-  for (const ModelSpec& s : specs) {
+  for (const CatalogueModel& s : catalogue) {
     VehicleModel m;
     m.id = s.id;
     m.category = s.category;
@@ -664,7 +664,7 @@ void AddModels(Dealership& d) {
 }
 
 void AddItems(Dealership& d) {
-  struct Spec {
+  struct CatalogueItem {
     int id;
     const char* code;
     const char* name;
@@ -672,7 +672,7 @@ void AddItems(Dealership& d) {
     const char* hsn;
     int64_t price;  // rupees, GST included, in FY 2024-25
   };
-  const std::vector<Spec> specs = {
+  const std::vector<CatalogueItem> catalogue = {
       {1, "HLM01", "Helmet ISI half face", "HELMET", "650610", 790},
       {2, "HLM02", "Helmet ISI full face", "HELMET", "650610", 1390},
       {3, "ACC01", "Saree guard", "ACC", "871410", 480},
@@ -683,7 +683,7 @@ void AddItems(Dealership& d) {
       {8, "CYA02", "Rear carrier", "CYACC", "871499", 340},
       {9, "CYA03", "Side stand", "CYACC", "871499", 180},
   };
-  for (const Spec& s : specs) {
+  for (const CatalogueItem& s : catalogue) {
     const int rate = GstRate(TaxClassOfHsn(s.hsn), kFirstDay);
     const int64_t base = (s.price * 100 * 100 * 2 + (100 + rate)) / (2 * (100 + rate));
     d.items.push_back({s.id, s.code, s.name, s.icat, s.hsn, base});

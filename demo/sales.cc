@@ -490,7 +490,7 @@ class Trading {
     }
   }
 
-  // Branches hold no stock of their own purchase: Hadapsar sends each branch its vehicles from
+  // Branches do not buy from the manufacturers: Hadapsar sends each branch its vehicles from
   // every lot that arrives.
   void MoveToBranches() {
     std::map<std::pair<int, int>, std::vector<int>> loads;  // (purchase, branch) -> vehicles

@@ -1,6 +1,8 @@
 // The generated dealership as rows of the tables of demo/schema.sql, and the facts: ids of
 // documents of every kind the sales print methods print.
 #include <functional>
+#include <map>
+#include <set>
 #include <stdexcept>
 
 #include "demo/dealership.h"
@@ -607,8 +609,25 @@ std::vector<std::pair<std::string, std::string>> ChooseFacts(const Dealership& d
          First<Receipt>(d.receipts, {[](const Receipt& r) { return r.mode == "FINANCE"; }},
                         "finance receipt")
              .id);
-  add("receipt_from", "2024-10-01");
-  add("receipt_to", "2024-10-31");
+  // The register's month: the first with a receipt of every mode, else the busiest.
+  std::map<Day, std::set<std::string>> modes_by_month;
+  std::map<Day, int> receipts_by_month;
+  for (const Receipt& r : d.receipts) {
+    modes_by_month[r.date.FirstOfMonth()].insert(r.mode);
+    ++receipts_by_month[r.date.FirstOfMonth()];
+  }
+  Day register_month = receipts_by_month.begin()->first;
+  for (const auto& [month, count] : receipts_by_month) {
+    if (count > receipts_by_month[register_month]) register_month = month;
+  }
+  for (const auto& [month, modes] : modes_by_month) {
+    if (modes.size() == 5) {
+      register_month = month;
+      break;
+    }
+  }
+  add("receipt_from", register_month.Iso());
+  add("receipt_to", register_month.PlusMonths(1).Plus(-1).Iso());
   add_id("bulk_receipt_id",
          Largest<BulkReceipt>(
              d.bulk_receipts,

@@ -264,9 +264,13 @@ std::optional<std::string> NormaliseDecimal(std::string_view text) {
   if (!digits(whole) || !digits(fraction)) return std::nullopt;
   while (whole.size() > 1 && whole.front() == '0') whole.remove_prefix(1);
   std::string out(whole.empty() ? "0" : whole);
-  if (!fraction.empty()) out += "." + std::string(fraction);
+  if (!fraction.empty()) {
+    out += '.';
+    out.append(fraction);
+  }
   const bool zero = out.find_first_not_of("0.") == std::string::npos;
-  return negative && !zero ? "-" + out : out;
+  if (negative && !zero) out.insert(out.begin(), '-');
+  return out;
 }
 
 class OdbcCursor final : public Cursor {

@@ -300,6 +300,9 @@ TEST_F(DemoDatabase, OtherFactsNameDocumentsOfTheirKind) {
   EXPECT_GE(Count("select count(*) from btdetveh where btid=" + Id("branch_transfer_id")), 2);
   EXPECT_GE(Count("select count(*) from vintrfdet where tid=" + Id("vintrf_id")), 1);
   EXPECT_EQ(Count("select count(*) from firm where coid=" + Id("firm_id")), 1);
+  EXPECT_EQ(Count("select count(distinct mode) from receipt where rdate>='" + Id("receipt_from") +
+                  "' and rdate<='" + Id("receipt_to") + "'"),
+            5);
   const std::string month = "select count(*) from enqdata where enq_date>='" +
                             Id("enquiry_month_from") + "' and enq_date<='" +
                             Id("enquiry_month_to") + "'";

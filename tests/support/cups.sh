@@ -44,6 +44,11 @@ start_server() {
   mkdir -p "$dir"
   dir=$(cd "$dir" && pwd)
   stop_server "$dir"
+  # Another build's server on the same port would take our queues' jobs.
+  if CUPS_SERVER=127.0.0.1:$port lpstat -r 2>/dev/null | grep -q 'is running'; then
+    echo "$0: a CUPS server already listens on 127.0.0.1:$port" >&2
+    exit 1
+  fi
 
   # The server's own files live in a private folder under /tmp: cupsd insists on root-owned,
   # not group- or world-writable configuration folders, and its filters run as "lp", which may

@@ -3,7 +3,10 @@
 #include <zint.h>
 
 #include <algorithm>
+#include <list>
 #include <memory>
+#include <mutex>
+#include <unordered_map>
 
 #include "vantorel/error.h"
 
@@ -72,8 +75,68 @@ std::optional<Symbology> SymbologyFromName(std::string_view name) {
   return std::nullopt;
 }
 
+namespace {
+
+// Symbols encoded lately, by everything that shapes them. A QR code takes a millisecond to encode
+// (the encoder tries every mask for the most readable one); documents printed again, and labels
+// repeating a code, get it back at once.
+class SymbolCache {
+ public:
+  std::shared_ptr<const BarcodeSymbol> Find(const std::string& key) {
+    std::lock_guard lock(mutex_);
+    const auto it = index_.find(key);
+    if (it == index_.end()) return nullptr;
+    order_.splice(order_.begin(), order_, it->second);
+    return it->second->second;
+  }
+  void Insert(const std::string& key, std::shared_ptr<const BarcodeSymbol> symbol) {
+    std::lock_guard lock(mutex_);
+    if (index_.count(key)) return;
+    order_.emplace_front(key, std::move(symbol));
+    index_[key] = order_.begin();
+    if (order_.size() > kCapacity) {
+      index_.erase(order_.back().first);
+      order_.pop_back();
+    }
+  }
+
+ private:
+  static constexpr size_t kCapacity = 256;
+  std::mutex mutex_;
+  std::list<std::pair<std::string, std::shared_ptr<const BarcodeSymbol>>> order_;
+  std::unordered_map<std::string, decltype(order_)::iterator> index_;
+};
+
+SymbolCache& Cache() {
+  static SymbolCache cache;
+  return cache;
+}
+
+std::shared_ptr<const BarcodeSymbol> EncodeUncached(Symbology symbology, std::string_view data,
+                                                    const BarcodeOptions& options);
+
+}  // namespace
+
 std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_view data,
                                             const BarcodeOptions& options) {
+  std::string key;
+  key.reserve(data.size() + 8);
+  key += static_cast<char>('a' + static_cast<int>(symbology));
+  key += options.qr_level;
+  key += options.show_text ? 't' : 'f';
+  key += std::to_string(options.quiet_zone);
+  key += ':';
+  key.append(data);
+  if (auto cached = Cache().Find(key)) return cached;
+  std::shared_ptr<const BarcodeSymbol> symbol = EncodeUncached(symbology, data, options);
+  Cache().Insert(key, symbol);
+  return symbol;
+}
+
+namespace {
+
+std::shared_ptr<const BarcodeSymbol> EncodeUncached(Symbology symbology, std::string_view data,
+                                                    const BarcodeOptions& options) {
   const Kind& kind = Find(symbology);
   if (data.empty()) Fail(kind, data, "no data");
   // EAN-8 and EAN-13 share zint's symbology and differ by length; say which was meant.
@@ -142,5 +205,7 @@ std::shared_ptr<const BarcodeSymbol> Encode(Symbology symbology, std::string_vie
   }
   return out;
 }
+
+}  // namespace
 
 }  // namespace vantorel::report

@@ -1,7 +1,12 @@
 #include "report/image/image_loader.h"
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
+#include <jpeglib.h>
 #include <sys/stat.h>
+
+#include <csetjmp>
+#include <cstdlib>
+#include <optional>
 
 #include <algorithm>
 #include <cerrno>
@@ -27,6 +32,10 @@ constexpr int32_t kInvalidPicture = 481;
 // never needs more, and every PDF and page drawn afterwards is smaller and faster for it. JPEG
 // files keep their pixels: their original bytes go into PDFs unchanged anyway.
 constexpr int kLargestSide = 2000;
+// JPEG twins: quality 100 without chroma subsampling. Every quantisation step is 1, so a pixel
+// changes by a level or two at most and red-on-white logo edges stay crisp; two-colour pictures
+// (codes, signatures) stay lossless, and compress fast anyway.
+constexpr int kTwinQuality = 100;
 // The cache's budget for decoded pixels.
 constexpr size_t kCacheBudget = size_t{256} << 20;
 
@@ -102,6 +111,77 @@ std::shared_ptr<ImageData> ToImageData(GdkPixbuf* pixbuf) {
   return image;
 }
 
+// Opaque and of more than two colours: worth a JPEG twin.
+bool NeedsTwin(const ImageData& image) {
+  if (image.has_alpha || image.pixels.size() < 8) return false;
+  uint32_t first;
+  std::memcpy(&first, image.pixels.data(), 4);
+  std::optional<uint32_t> second;
+  for (size_t offset = 4; offset < image.pixels.size(); offset += 4) {
+    uint32_t pixel;
+    std::memcpy(&pixel, image.pixels.data() + offset, 4);
+    if (pixel == first || pixel == second) continue;
+    if (second) return true;
+    second = pixel;
+  }
+  return false;
+}
+
+// Encodes an opaque ARGB32 picture as a JPEG, once when it is loaded. PDFs embed these bytes as
+// they are: Cairo recompresses raw pixels for every PDF, which for a typical logo costs more than
+// the whole rest of an invoice.
+struct JpegErrors {
+  jpeg_error_mgr manager;
+  std::jmp_buf escape;  // libjpeg is C: errors leave through longjmp, never an exception
+};
+
+std::string JpegTwin(const ImageData& image) {
+  jpeg_compress_struct compress{};
+  JpegErrors errors{};
+  compress.err = jpeg_std_error(&errors.manager);
+  errors.manager.error_exit = [](j_common_ptr info) {
+    std::longjmp(reinterpret_cast<JpegErrors*>(info->err)->escape, 1);
+  };
+  unsigned char* buffer = nullptr;
+  unsigned long size = 0;
+  std::vector<unsigned char> row(static_cast<size_t>(image.width) * 3);
+  std::string bytes;
+  if (setjmp(errors.escape) == 0) {
+    jpeg_create_compress(&compress);
+    jpeg_mem_dest(&compress, &buffer, &size);
+    compress.image_width = static_cast<JDIMENSION>(image.width);
+    compress.image_height = static_cast<JDIMENSION>(image.height);
+    compress.input_components = 3;
+    compress.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&compress);
+    jpeg_set_quality(&compress, kTwinQuality, TRUE);
+    for (int c = 0; c < compress.num_components; ++c) {
+      compress.comp_info[c].h_samp_factor = 1;
+      compress.comp_info[c].v_samp_factor = 1;
+    }
+    jpeg_start_compress(&compress, TRUE);
+    while (compress.next_scanline < compress.image_height) {
+      const uint8_t* in =
+          image.pixels.data() + static_cast<size_t>(compress.next_scanline) * image.stride;
+      for (int x = 0; x < image.width; ++x) {
+        uint32_t pixel;
+        std::memcpy(&pixel, in + static_cast<size_t>(x) * 4, 4);
+        row[static_cast<size_t>(x) * 3] = static_cast<unsigned char>(pixel >> 16);
+        row[static_cast<size_t>(x) * 3 + 1] = static_cast<unsigned char>(pixel >> 8);
+        row[static_cast<size_t>(x) * 3 + 2] = static_cast<unsigned char>(pixel);
+      }
+      JSAMPROW rows[] = {row.data()};
+      jpeg_write_scanlines(&compress, rows, 1);
+    }
+    jpeg_finish_compress(&compress);
+    bytes.assign(reinterpret_cast<const char*>(buffer), size);
+  }
+  // On an error the twin is simply not made: the PDF gets the pixels instead.
+  jpeg_destroy_compress(&compress);
+  std::free(buffer);
+  return bytes;
+}
+
 std::shared_ptr<const ImageData> ReadImage(const std::string& native, const std::string& path) {
   std::ifstream file(native, std::ios::binary);
   if (!file) {
@@ -139,7 +219,11 @@ std::shared_ptr<const ImageData> ReadImage(const std::string& native, const std:
   image->source = path;
   image->dpi_x = dpi_x;
   image->dpi_y = dpi_y;
-  if (jpeg) image->jpeg = std::move(bytes);
+  if (jpeg) {
+    image->jpeg = std::move(bytes);
+  } else if (NeedsTwin(*image)) {
+    image->jpeg = JpegTwin(*image);
+  }
   return image;
 }
 

@@ -52,9 +52,10 @@ bool StartGtk() {
   return started;
 }
 
-// Lets GTK finish what is pending (unmapping a closed window, say) before control returns.
+// Lets GTK finish what is pending (unmapping a closed window, say) before control returns. A
+// bounded number of rounds: a source that is always ready must not keep us here.
 void Flush() {
-  while (gtk_events_pending()) gtk_main_iteration_do(FALSE);
+  for (int round = 0; round < 100 && gtk_events_pending(); ++round) gtk_main_iteration_do(FALSE);
   if (GdkDisplay* display = gdk_display_get_default()) gdk_display_flush(display);
 }
 

@@ -115,9 +115,12 @@ void DrawImage(cairo_t* cr, const ImageItem& item, const std::shared_ptr<const I
   cairo_translate(cr, x, y);
   cairo_scale(cr, sx, sy);
   cairo_set_source_surface(cr, surface, 0, 0);
-  // Edge pixels repeat outwards, so a scaled picture keeps crisp edges instead of fading into
-  // the transparent outside; the PDF output treats this like a plain image.
-  cairo_pattern_set_extend(cairo_get_source(cr), CAIRO_EXTEND_PAD);
+  // On pixel surfaces edge pixels repeat outwards, so a scaled picture keeps crisp edges instead
+  // of fading into the transparent outside. Vector surfaces place the image as it is: a padded
+  // pattern would make Cairo re-encode the picture for every PDF instead of embedding its JPEG.
+  if (cairo_surface_get_type(cairo_get_target(cr)) == CAIRO_SURFACE_TYPE_IMAGE) {
+    cairo_pattern_set_extend(cairo_get_source(cr), CAIRO_EXTEND_PAD);
+  }
   cairo_rectangle(cr, 0, 0, iw, ih);
   cairo_fill(cr);
   cairo_restore(cr);

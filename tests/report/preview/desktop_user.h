@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -44,6 +45,17 @@ inline std::string Shell(const std::string& command) {
 }
 
 // Polls "condition" until it holds or "seconds" have passed; whether it held.
+inline std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  size_t start = 0;
+  while (start < text.size()) {
+    const size_t end = std::min(text.find('\n', start), text.size());
+    if (end > start) lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return lines;
+}
+
 inline bool WaitFor(const std::function<bool()>& condition, double seconds = 10) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
   while (!condition()) {
@@ -98,8 +110,17 @@ class User {
  public:
   User(std::string title, fs::path shots) : title_(std::move(title)), shots_(std::move(shots)) {}
 
+  // Closes the window; when it was never found, whatever windows are on the display, so that
+  // the test fails instead of waiting for a window nobody closes.
   ~User() {
-    if (!id_.empty()) Keys("Escape");
+    if (!id_.empty()) {
+      Keys("Escape");
+    } else {
+      for (const std::string& id :
+           Lines(Shell("xdotool search --onlyvisible --name . 2>/dev/null"))) {
+        Shell("timeout 10 xdotool windowfocus --sync " + id + " key Escape");
+      }
+    }
   }
 
   // Waits until the window is on screen.
