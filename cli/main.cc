@@ -19,6 +19,7 @@
 #include "report/print/printer.h"
 #include "report/raster/png_writer.h"
 #include "report/template/template_io.h"
+#include "reports/template_contracts.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
 #include "words/amount_in_words.h"
@@ -183,13 +184,8 @@ int Render(const RenderOptions& options) {
       report::WritePdf(rendered.document, options.pdf);
       std::cout << options.pdf << ": " << rendered.document.pages.size() << " page(s)\n";
     } else if (!options.png_dir.empty()) {
-      std::string stem = options.template_path;
-      stem = stem.substr(stem.find_last_of("/\\") == std::string::npos
-                             ? 0
-                             : stem.find_last_of("/\\") + 1);
-      if (stem.size() > 4 && stem.compare(stem.size() - 4, 4, ".fr3") == 0) stem.resize(stem.size() - 4);
-      for (const std::string& file :
-           report::WritePngs(rendered.document, options.png_dir, stem, options.dpi)) {
+      for (const std::string& file : report::WritePngs(
+               rendered.document, options.png_dir, TemplateName(options.template_path), options.dpi)) {
         std::cout << file << "\n";
       }
     } else if (options.print) {
@@ -211,12 +207,32 @@ int Render(const RenderOptions& options) {
   return 0;
 }
 
-int Check(const std::vector<std::string>& templates) {
+// The template's name: its file name without folders and ".fr3".
+std::string TemplateName(const std::string& path) {
+  std::string name = path.substr(path.find_last_of("/\\") == std::string::npos
+                                     ? 0
+                                     : path.find_last_of("/\\") + 1);
+  if (name.size() > 4 && name.compare(name.size() - 4, 4, ".fr3") == 0) name.resize(name.size() - 4);
+  return name;
+}
+
+int Check(const std::vector<std::string>& templates, bool contracts) {
   int failed = 0;
   for (const std::string& path : templates) {
     try {
-      report::Compile(report::LoadTemplateFile(path), path);
-      std::cout << path << ": ok\n";
+      const auto report = report::Compile(report::LoadTemplateFile(path), path);
+      std::vector<report::Problem> problems;
+      if (contracts) {
+        if (const TemplateContract* contract = FindContract(TemplateName(path))) {
+          problems = CheckContract(*report, *contract);
+        }
+      }
+      if (problems.empty()) {
+        std::cout << path << ": ok\n";
+      } else {
+        std::cout << report::FormatProblems(problems);
+        ++failed;
+      }
     } catch (const report::TemplateError& error) {
       std::cout << report::FormatProblems(error.problems());
       ++failed;
@@ -296,8 +312,11 @@ int main(int argc, char** argv) {
   render_cmd->add_option("--dpi", render.dpi, "PNG resolution")->check(CLI::Range(10.0, 1200.0));
 
   std::vector<std::string> check_templates;
+  bool check_contracts = false;
   auto* check_cmd = app.add_subcommand("check", "Validate templates; report every problem");
   check_cmd->add_option("TEMPLATE", check_templates, "Templates to check")->required();
+  check_cmd->add_flag("--contracts", check_contracts,
+                      "Also check that each template has what its print method sets");
 
   bool system = false;
   auto* reg = app.add_subcommand("register", "Register the component for this user");
@@ -325,7 +344,7 @@ int main(int argc, char** argv) {
     render.print = render_cmd->count("--print") > 0;
     return Render(render);
   }
-  if (app.got_subcommand("check")) return Check(check_templates);
+  if (app.got_subcommand("check")) return Check(check_templates, check_contracts);
   if (app.got_subcommand("register")) return Registration(true, system);
   if (app.got_subcommand("unregister")) return Registration(false, system);
   return 2;
