@@ -153,6 +153,15 @@ std::string Quoted(const std::string& text) {
   return quoted + "\"";
 }
 
+// The template's name: its file name without folders and ".fr3".
+std::string TemplateName(const std::string& path) {
+  std::string name = path.substr(path.find_last_of("/\\") == std::string::npos
+                                     ? 0
+                                     : path.find_last_of("/\\") + 1);
+  if (name.size() > 4 && name.compare(name.size() - 4, 4, ".fr3") == 0) name.resize(name.size() - 4);
+  return name;
+}
+
 int Render(const RenderOptions& options) {
   report::RenderRequest request;
   request.template_path = options.template_path;
@@ -205,15 +214,6 @@ int Render(const RenderOptions& options) {
     return 1;
   }
   return 0;
-}
-
-// The template's name: its file name without folders and ".fr3".
-std::string TemplateName(const std::string& path) {
-  std::string name = path.substr(path.find_last_of("/\\") == std::string::npos
-                                     ? 0
-                                     : path.find_last_of("/\\") + 1);
-  if (name.size() > 4 && name.compare(name.size() - 4, 4, ".fr3") == 0) name.resize(name.size() - 4);
-  return name;
 }
 
 int Check(const std::vector<std::string>& templates, bool contracts) {
