@@ -6,7 +6,7 @@ JOBS ?= 2
 BUILD ?= build/release
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build demo test sanitize tsan fuzz lint format clean
+.PHONY: all deps configure build demo test sanitize tsan lint format clean
 
 all: build
 
@@ -20,7 +20,7 @@ build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
 
 # The main job: the demo dealership's documents, written as PDFs into out/.
-demo: build
+demo: configure
 	@demo/run_demo.sh $(BUILD)
 
 # Every test: unit, database (PostgreSQL on loopback), printing (CUPS) and window (Xvfb) tests.
