@@ -33,6 +33,7 @@ sanitize: deps
 	  -DVANTOREL_GUI=ON >/dev/null
 	@cmake --build build/asan -j $(JOBS)
 	@cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp \
 	  ctest -j $(JOBS) -L unit --output-on-failure --timeout 600
 
 # The threading tests under ThreadSanitizer.

@@ -220,7 +220,7 @@ int Check(const std::vector<std::string>& templates, bool contracts) {
   int failed = 0;
   for (const std::string& path : templates) {
     try {
-      const auto report = report::Compile(report::LoadTemplateFile(path), path);
+      const auto report = report::CompileTemplateFile(path);
       std::vector<report::Problem> problems;
       if (contracts) {
         if (const TemplateContract* contract = FindContract(TemplateName(path))) {

@@ -10,8 +10,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::string_view xml(reinterpret_cast<const char*>(data), size);
   try {
-    const vantorel::report::Template design = vantorel::report::ParseTemplate(xml, "fuzz.fr3");
-    vantorel::report::Compile(design, "fuzz.fr3");
+    vantorel::report::CompileTemplate(xml, "fuzz.fr3");
   } catch (const vantorel::report::TemplateError& error) {
     if (error.problems().empty()) __builtin_trap();  // a failure must say what is wrong
   }

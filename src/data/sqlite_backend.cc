@@ -76,13 +76,37 @@ int DeclaredScale(const std::string& declared) {
   return ec == std::errc() && scale >= 0 && scale <= 18 ? scale : -1;
 }
 
-// SQLite keeps no scale, so 60000.10 comes back as 60000.1: pad it back to the declared scale
-// (never cutting digits that are there).
+// SQLite keeps no scale: 60000.10 comes back as 60000.1, and a value computed in SQL as
+// 1.0799999999999998. The column's declared scale says what the amount is: pad or round (half
+// away from zero) the digits to it.
 std::string WithScale(std::string digits, int scale) {
   if (scale < 0) return digits;
   const size_t point = digits.find('.');
   const size_t have = point == std::string::npos ? 0 : digits.size() - point - 1;
-  if (have >= static_cast<size_t>(scale)) return digits;
+  if (have > static_cast<size_t>(scale)) {
+    const bool up = digits[point + static_cast<size_t>(scale) + 1] >= '5';
+    digits.resize(point + static_cast<size_t>(scale) + (scale > 0 ? 1 : 0));
+    if (up) {
+      // Carry the rounding leftwards through nines.
+      size_t i = digits.size();
+      while (i > 0) {
+        --i;
+        if (digits[i] == '.') continue;
+        if (digits[i] == '-') {
+          digits.insert(i + 1, "1");
+          break;
+        }
+        if (digits[i] != '9') {
+          ++digits[i];
+          break;
+        }
+        digits[i] = '0';
+        if (i == 0) digits.insert(0, "1");
+      }
+    }
+    if (digits.find_first_not_of("-0.") == std::string::npos && digits[0] == '-') digits.erase(0, 1);
+    return digits;
+  }
   if (point == std::string::npos && scale > 0) digits += '.';
   digits.append(static_cast<size_t>(scale) - have, '0');
   return digits;

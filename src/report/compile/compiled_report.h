@@ -206,6 +206,12 @@ struct RunTables {
 // Validates and compiles "design"; throws TemplateError with every problem found.
 std::shared_ptr<const CompiledReport> Compile(const Template& design, const std::string& file);
 
+// Reads and compiles template text: the reader's and the compiler's problems reported together.
+// Throws TemplateError.
+std::shared_ptr<const CompiledReport> CompileTemplate(std::string_view xml,
+                                                      const std::string& file);
+std::shared_ptr<const CompiledReport> CompileTemplateFile(const std::string& path);
+
 // Compiles a text set at run time for memo "memo" (brackets that are not valid expressions stay
 // literal), binding new fields and aggregates into "tables".
 TextTemplatePtr CompileRunText(const CompiledReport& report, int memo, const std::string& text,

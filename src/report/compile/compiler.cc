@@ -326,7 +326,21 @@ class Compiler {
     for (const DataBand& detail : data.details) NumberData(detail);
   }
 
-  ExpressionPtr CompileExpression(const std::string& source, int line, const std::string& what) {
+  // Attributes hold plain expressions; "[Q.id]", written as in a text, is accepted too.
+  static std::string Unbracketed(const std::string& source) {
+    const size_t first = source.find_first_not_of(" \t");
+    const size_t last = source.find_last_not_of(" \t");
+    if (first == std::string::npos || source[first] != '[' || source[last] != ']') return source;
+    int depth = 0;
+    for (size_t i = first; i <= last; ++i) {
+      if (source[i] == '[') ++depth;
+      if (source[i] == ']' && --depth == 0 && i != last) return source;  // "[a] + [b]"
+    }
+    return source.substr(first + 1, last - first - 1);
+  }
+
+  ExpressionPtr CompileExpression(const std::string& written, int line, const std::string& what) {
+    const std::string source = Unbracketed(written);
     try {
       return expr::Expression::Compile(source, *binder_);
     } catch (const expr::ExprError& error) {
@@ -574,6 +588,28 @@ int CompiledReport::FindVariable(std::string_view category, std::string_view wan
 
 std::shared_ptr<const CompiledReport> Compile(const Template& design, const std::string& file) {
   return Compiler(design, file).Run();
+}
+
+std::shared_ptr<const CompiledReport> CompileTemplate(std::string_view xml,
+                                                      const std::string& file) {
+  std::vector<Problem> problems;
+  const Template design = ParseTemplate(xml, file, problems);
+  std::shared_ptr<const CompiledReport> report;
+  try {
+    report = Compile(design, file);
+  } catch (const TemplateError& error) {
+    problems.insert(problems.end(), error.problems().begin(), error.problems().end());
+  }
+  if (!problems.empty()) {
+    std::stable_sort(problems.begin(), problems.end(),
+                     [](const Problem& a, const Problem& b) { return a.line < b.line; });
+    throw TemplateError(std::move(problems));
+  }
+  return report;
+}
+
+std::shared_ptr<const CompiledReport> CompileTemplateFile(const std::string& path) {
+  return CompileTemplate(ReadTemplateFile(path), path);
 }
 
 TextTemplatePtr CompileRunText(const CompiledReport& report, int memo, const std::string& text,

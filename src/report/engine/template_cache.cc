@@ -41,7 +41,7 @@ std::shared_ptr<const CompiledReport> LoadCompiledTemplate(const std::string& pa
   }
   std::shared_ptr<const CompiledReport> report;
   try {
-    report = Compile(LoadTemplateFile(path), path);
+    report = CompileTemplateFile(path);
   } catch (const TemplateError& error) {
     throw Error(errnum::kEngineFailure, "Vantorel report engine",
                 "Cannot load template " + path + ":\n" + FormatProblems(error.problems()));

@@ -279,6 +279,10 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
       tail.box.y = 0;
       tail.box.height = text->box.bottom() - height;
       text->text.resize(cut);
+      // The line break at the cut is the page break now.
+      while (!text->text.empty() && (text->text.back() == ' ' || text->text.back() == '\n')) {
+        text->text.pop_back();
+      }
       text->box.height = height - text->box.y;
       kept[i] = first.size();
       first.push_back(std::move(item));

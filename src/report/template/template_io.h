@@ -37,6 +37,15 @@ class TemplateError : public std::runtime_error {
 // Parses template XML; "file" names it in problems. Throws TemplateError with all problems.
 Template ParseTemplate(std::string_view xml, const std::string& file);
 
+// Parses as much of "xml" as it can and adds what is wrong to "problems" instead of throwing, so
+// the compiler can add its own and the author sees everything at once. XML that is not a
+// template at all gives an empty design.
+Template ParseTemplate(std::string_view xml, const std::string& file,
+                       std::vector<Problem>& problems);
+
+// The bytes of the template file at "path" (a host path). Throws TemplateError.
+std::string ReadTemplateFile(const std::string& path);
+
 // Reads and parses the template file at "path" (a host path).
 Template LoadTemplateFile(const std::string& path);
 

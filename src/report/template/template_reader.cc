@@ -95,7 +95,8 @@ class Reader {
     }
   }
 
-  Template Read() {
+  // Reads everything it can; the problems found are in problems().
+  Template ReadAll() {
     pugi::xml_document doc;
     const pugi::xml_parse_result parsed = doc.load_buffer(
         xml_.data(), xml_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single,
@@ -104,19 +105,20 @@ class Reader {
       Add(LineOfOffset(static_cast<size_t>(std::max<ptrdiff_t>(parsed.offset, 0))),
           std::string("not well-formed XML: ") + parsed.description(),
           "check the tags and quotes around this line");
-      throw TemplateError(std::move(problems_));
+      return {};
     }
     const pugi::xml_node root = doc.document_element();
     Template design;
     if (std::string_view(root.name()) != "report") {
       Add(Line(root), std::string("the root element is <") + root.name() + ">, not <report>",
           "a template starts with <report format=\"vantorel-template\" version=\"1\">");
-      throw TemplateError(std::move(problems_));
+      return {};
     }
     ReadReport(root, design);
-    if (!problems_.empty()) throw TemplateError(std::move(problems_));
     return design;
   }
+
+  std::vector<Problem>& problems() { return problems_; }
 
  private:
   int LineOfOffset(size_t offset) const {
@@ -758,18 +760,33 @@ std::string FormatProblems(const std::vector<Problem>& problems) {
 TemplateError::TemplateError(std::vector<Problem> problems)
     : std::runtime_error(FormatProblems(problems)), problems_(std::move(problems)) {}
 
-Template ParseTemplate(std::string_view xml, const std::string& file) {
-  return Reader(xml, file).Read();
+Template ParseTemplate(std::string_view xml, const std::string& file,
+                       std::vector<Problem>& problems) {
+  Reader reader(xml, file);
+  Template design = reader.ReadAll();
+  problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
+  return design;
 }
 
-Template LoadTemplateFile(const std::string& path) {
+Template ParseTemplate(std::string_view xml, const std::string& file) {
+  std::vector<Problem> problems;
+  Template design = ParseTemplate(xml, file, problems);
+  if (!problems.empty()) throw TemplateError(std::move(problems));
+  return design;
+}
+
+std::string ReadTemplateFile(const std::string& path) {
   std::ifstream in(NativePath(path), std::ios::binary);
   if (!in) {
     throw TemplateError({{path, 0, "cannot read the template file", "check the path and rights"}});
   }
   std::stringstream content;
   content << in.rdbuf();
-  return ParseTemplate(content.str(), path);
+  return content.str();
+}
+
+Template LoadTemplateFile(const std::string& path) {
+  return ParseTemplate(ReadTemplateFile(path), path);
 }
 
 std::optional<float> ParseLength(std::string_view text) {

@@ -126,6 +126,14 @@ GlyphRun ConvertRun(const PangoGlyphItem* glyph_item, const std::string& text, f
     while (k_end < n && glyphs->log_clusters[order[static_cast<size_t>(k_end)]] == cluster_start) {
       ++k_end;
     }
+    // A following cluster of zero-width glyphs (a vowel sign or other combining mark) joins this
+    // one, so the PDF maps base and marks to their text together: text extraction then reads
+    // "दे" as one piece instead of seeing a gap where the mark sits over its consonant.
+    while (k_end < n && glyphs->glyphs[order[static_cast<size_t>(k_end)]].geometry.width == 0 &&
+           glyphs->glyphs[order[static_cast<size_t>(k_end)]].glyph != PANGO_GLYPH_EMPTY) {
+      const int next = glyphs->log_clusters[order[static_cast<size_t>(k_end)]];
+      while (k_end < n && glyphs->log_clusters[order[static_cast<size_t>(k_end)]] == next) ++k_end;
+    }
     for (int j = k; j < k_end; ++j) {
       const int g = order[static_cast<size_t>(j)];
       const PangoGlyphInfo& info = glyphs->glyphs[g];

@@ -1,10 +1,13 @@
-// The fill: bands, groups, details, pagination, stretching, deferred totals, through real
-// templates and a real SQLite database, checked on the prepared document.
+// The fill: bands, groups, details, pagination, stretching, deferred totals, columns, through
+// real templates and a real SQLite database, checked on the prepared document.
 #include <gtest/gtest.h>
-
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <fstream>
+
 #include "report/engine/report_engine.h"
+#include "report/fill/fill.h"
 #include "support/test_support.h"
 #include "vantorel/error.h"
 
@@ -23,6 +26,14 @@ class FillTest : public ::testing::Test {
       insert into item values (3, 'Splendor', 'Mirror', 4, 120.10, '2024-03-02');
       insert into item values (4, 'Splendor', 'Horn', 1, 240.00, '2024-03-05');
       insert into item values (5, 'Splendor', 'Chain kit', 1, 1450.50, '2024-03-09');
+      create table many (n integer primary key, amount numeric(12,2));
+      with recursive c(n) as (select 1 union all select n + 1 from c where n < 3000)
+        insert into many select n, (n * 37 % 1000) + (n % 97) / 100.0 + 0.07 from c;
+      create table invoice (id integer primary key, cname text);
+      insert into invoice values (1, 'Ramesh Patil'), (2, 'Sunita Deshmukh');
+      create table line (invid integer, descr text, amount numeric(12,2));
+      insert into line values (1, 'Motorcycle', 60000), (1, 'Helmet', 1500),
+                              (2, 'Scooter', 75000);
     )");
   }
 
@@ -34,13 +45,15 @@ class FillTest : public ::testing::Test {
     sqlite3_close(db);
   }
 
-  Rendered Render(const std::string& body, std::vector<RenderRequest::Setting> params = {}) {
-    const std::string xml =
-        "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-        "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-        body + "\n</report>\n";
+  std::string Template(const std::string& body, const std::string& page = "size=\"A5\" margin=\"10mm\"") {
+    return "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n<page " + page +
+           "/>\n<database name=\"DMSDB\"/>\n" + body + "\n</report>\n";
+  }
+
+  Rendered Render(const std::string& body, const std::string& page = "size=\"A5\" margin=\"10mm\"",
+                  std::vector<RenderRequest::Setting> params = {}) {
     RenderRequest request;
-    request.template_path = dir_.Write("t" + std::to_string(++count_) + ".fr3", xml);
+    request.template_path = dir_.Write("t" + std::to_string(++count_) + ".fr3", Template(body, page));
     request.connections["DMSDB"] = db_;
     request.parameters = std::move(params);
     return RenderTemplate(request);
@@ -54,13 +67,28 @@ class FillTest : public ::testing::Test {
     return texts;
   }
 
+  static std::vector<const TextItem*> TextItems(const Document& document, size_t page) {
+    std::vector<const TextItem*> items;
+    for (const Item& item : document.pages.at(page).items) {
+      if (const auto* text = std::get_if<TextItem>(&item)) items.push_back(text);
+    }
+    return items;
+  }
+
+  static const TextItem* Find(const Document& document, size_t page, const std::string& text) {
+    for (const TextItem* item : TextItems(document, page)) {
+      if (item->text == text) return item;
+    }
+    return nullptr;
+  }
+
   testing::TempDir dir_;
   std::string db_;
   int count_ = 0;
 };
 
 TEST_F(FillTest, DataBandPrintsEveryRowWithRunningAndGroupTotals) {
-  const Rendered rendered = Render(R"(
+  const Rendered rendered = Render(R"t(
     <query name="Q"><sql>select * from item order by model, id</sql></query>
     <title height="8mm"><text width="100mm" height="6mm">Items: [Count(Q.id)] worth [Sum(Q.amount)]</text></title>
     <data name="Rows" query="Q" height="5mm">
@@ -74,7 +102,7 @@ TEST_F(FillTest, DataBandPrintsEveryRowWithRunningAndGroupTotals) {
       <text left="80mm" width="30mm" height="5mm">[Sum(Q.amount)]</text>
     </data>
     <summary height="6mm"><text width="60mm" height="6mm">Grand total [Sum(Q.amount)]</text></summary>
-  )");
+  )t");
   ASSERT_EQ(rendered.document.pages.size(), 1u);
   const std::vector<std::string> expected = {
       "Items: 5 worth 4272.27",
@@ -85,6 +113,284 @@ TEST_F(FillTest, DataBandPrintsEveryRowWithRunningAndGroupTotals) {
       "Splendor total 1810.60",
       "Grand total 4272.27"};
   EXPECT_EQ(Texts(rendered.document, 0), expected);
+}
+
+TEST_F(FillTest, PagesRepeatTheirHeadersAndKnowTheirTotal) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n from many where n &lt;= 200 order by n</sql></query>
+    <page-header height="6mm"><text width="100mm" height="6mm">Register</text></page-header>
+    <page-footer height="6mm"><text width="100mm" height="6mm">Page [Page] of [TotalPages]</text></page-footer>
+    <data name="Rows" query="Q" height="5mm">
+      <header height="5mm"><text width="30mm" height="5mm">No.</text></header>
+      <text width="30mm" height="5mm">[Q.n]</text>
+    </data>
+  )t");
+  const size_t pages = rendered.document.pages.size();
+  ASSERT_GT(pages, 3u);
+  std::vector<std::string> rows;
+  for (size_t p = 0; p < pages; ++p) {
+    const auto texts = Texts(rendered.document, p);
+    EXPECT_EQ(texts.front(), "Register") << p;
+    EXPECT_EQ(texts[1], "No.") << "the column header repeats on page " << p + 1;
+    EXPECT_EQ(texts.back(), "Page " + std::to_string(p + 1) + " of " + std::to_string(pages));
+    for (size_t i = 2; i + 1 < texts.size(); ++i) rows.push_back(texts[i]);
+  }
+  ASSERT_EQ(rows.size(), 200u) << "every row printed once";
+  for (size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i], std::to_string(i + 1));
+  // Rows never run into the footer.
+  const float footer_top = rendered.document.pages[0].size.height - static_cast<float>(Mm(16));
+  for (const TextItem* item : TextItems(rendered.document, 0)) {
+    if (item->text.rfind("Page", 0) != 0) {
+      EXPECT_LE(item->box.bottom(), footer_top + 0.01f);
+    }
+  }
+}
+
+TEST_F(FillTest, DetailRowsFollowTheirMaster) {
+  const Rendered rendered = Render(R"t(
+    <query name="inv"><sql>select * from invoice order by id</sql></query>
+    <query name="lines">
+      <sql>select * from line where invid = :inv</sql>
+      <param name="inv" type="integer" value="[inv.id]"/>
+    </query>
+    <data name="Invoices" query="inv" height="6mm">
+      <text width="80mm" height="6mm">[inv.cname]</text>
+      <data name="LineRows" query="lines" height="5mm">
+        <text left="10mm" width="50mm" height="5mm">[lines.descr]</text>
+        <footer height="5mm"><text left="10mm" width="50mm" height="5mm">[Sum(lines.amount)]</text></footer>
+      </data>
+    </data>
+  )t");
+  EXPECT_EQ(Texts(rendered.document, 0),
+            (std::vector<std::string>{"Ramesh Patil", "Motorcycle", "Helmet", "61500.00",
+                                      "Sunita Deshmukh", "Scooter", "75000.00"}));
+}
+
+TEST_F(FillTest, GrowingTextPushesWhatIsBelowAndLinesUpItsRow) {
+  const std::string long_text(400, 'x');
+  Sql("update item set name = '" + std::string(60, 'W') + " " + std::string(60, 'W') +
+      "' where id = 1");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item where id = 1</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <text name="Name" width="30mm" height="6mm" stretch="grow">[Q.name]</text>
+      <text name="Qty" left="30mm" width="20mm" height="6mm" stretch="band" border="all">[Q.qty]</text>
+      <text name="Below" top="6mm" width="30mm" height="0mm">below</text>
+    </data>
+    <summary height="5mm"><text width="30mm" height="5mm">after</text></summary>
+  )t");
+  const Document& document = rendered.document;
+  const TextItem* name = TextItems(document, 0)[0];
+  const TextItem* qty = Find(document, 0, "2");
+  const TextItem* below = Find(document, 0, "below");
+  const TextItem* after = Find(document, 0, "after");
+  ASSERT_TRUE(name && qty && below && after);
+  EXPECT_GT(name->box.height, static_cast<float>(Mm(12))) << "the name wraps to several lines";
+  EXPECT_FLOAT_EQ(qty->box.height, name->box.height) << "the row's cells line up";
+  EXPECT_GE(below->box.y, name->box.bottom() - 0.01f) << "objects below move down";
+  EXPECT_GE(after->box.y, name->box.bottom() - 0.01f) << "the band grew";
+}
+
+TEST_F(FillTest, TextTallerThanAPageContinuesOnTheNext) {
+  std::string words;
+  for (int i = 0; i < 900; ++i) words += "word" + std::to_string(i) + " ";
+  words.pop_back();
+  Sql("update item set name = '" + words + "' where id = 1");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item where id = 1</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <text width="120mm" height="6mm" stretch="grow">[Q.name]</text>
+    </data>
+  )t");
+  ASSERT_GE(rendered.document.pages.size(), 2u);
+  std::string printed;
+  for (size_t p = 0; p < rendered.document.pages.size(); ++p) {
+    for (const std::string& text : Texts(rendered.document, p)) {
+      if (!printed.empty()) printed += ' ';
+      printed += text;
+    }
+  }
+  // Line breaks become blanks at the cut; every word arrives, in order, once.
+  std::replace(printed.begin(), printed.end(), '\n', ' ');
+  EXPECT_EQ(printed, words);
+}
+
+TEST_F(FillTest, TotalsPrintBeforeTheirRows) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item order by model, id</sql></query>
+    <title height="6mm"><text width="100mm" height="6mm" format="#,##,##0.00">[Sum(Q.amount)]</text></title>
+    <data name="Rows" query="Q" height="5mm">
+      <group condition="Q.model">
+        <header height="5mm"><text width="100mm" height="5mm">[Q.model]: [Count()] items, [Sum(Q.amount)]</text></header>
+      </group>
+      <text width="40mm" height="5mm">[Q.name]</text>
+    </data>
+  )t");
+  const auto texts = Texts(rendered.document, 0);
+  EXPECT_EQ(texts[0], "4,272.27");
+  EXPECT_EQ(texts[1], "Shine: 2 items, 2461.67");
+  EXPECT_EQ(texts[4], "Splendor: 3 items, 1810.60");
+}
+
+TEST_F(FillTest, ThreeThousandAmountsSumExactly) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select amount from many</sql></query>
+    <data name="Rows" query="Q" height="0.1mm"/>
+    <summary height="5mm"><text width="80mm" height="5mm">[Sum(Q.amount)]</text></summary>
+  )t", "size=\"A4\" margin=\"10mm\"");
+  // The same sum in whole paise, computed here with integers.
+  int64_t paise = 0;
+  for (int n = 1; n <= 3000; ++n) paise += (n * 37 % 1000) * 100 + (n % 97) + 7;
+  const std::string expected = std::to_string(paise / 100) + "." +
+                               (paise % 100 < 10 ? "0" : "") + std::to_string(paise % 100);
+  const auto& last = rendered.document.pages.back();
+  const auto* total = std::get_if<TextItem>(&last.items.back());
+  ASSERT_NE(total, nullptr);
+  EXPECT_EQ(total->text, expected);
+}
+
+TEST_F(FillTest, LabelSheetsFillRowsAcross) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item order by id</sql></query>
+    <data name="Labels" query="Q" height="20mm">
+      <text width="50mm" height="20mm">[Q.name]</text>
+    </data>
+  )t", "size=\"A4\" margin=\"10mm\" columns=\"3\" column-gap=\"5mm\" column-order=\"across\"");
+  const auto items = TextItems(rendered.document, 0);
+  ASSERT_EQ(items.size(), 5u);
+  EXPECT_FLOAT_EQ(items[0]->box.y, items[1]->box.y);
+  EXPECT_FLOAT_EQ(items[1]->box.y, items[2]->box.y);
+  EXPECT_LT(items[0]->box.x, items[1]->box.x);
+  EXPECT_LT(items[1]->box.x, items[2]->box.x);
+  EXPECT_FLOAT_EQ(items[3]->box.x, items[0]->box.x) << "the fourth label starts a new row";
+  EXPECT_NEAR(items[3]->box.y - items[0]->box.y, Mm(20), 0.01);
+}
+
+TEST_F(FillTest, RollPaperIsOnePageAsTallAsItsContent) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n from many where n &lt;= 150</sql></query>
+    <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.n]</text></data>
+  )t", "size=\"80mm auto\" margin=\"4mm\"");
+  ASSERT_EQ(rendered.document.pages.size(), 1u);
+  EXPECT_NEAR(rendered.document.pages[0].size.height, Mm(150 * 5 + 8), 0.5);
+  EXPECT_NEAR(rendered.document.pages[0].size.width, Mm(80), 0.01);
+}
+
+TEST_F(FillTest, EmptyQueryPrintsHeadersOnlyWhenAsked) {
+  const Rendered quiet = Render(R"t(
+    <query name="Q"><sql>select * from item where id &lt; 0</sql></query>
+    <data name="Rows" query="Q" height="5mm">
+      <header height="5mm"><text width="40mm" height="5mm">Head</text></header>
+      <text width="40mm" height="5mm">[Q.name]</text>
+    </data>
+  )t");
+  EXPECT_TRUE(Texts(quiet.document, 0).empty());
+  const Rendered loud = Render(R"t(
+    <query name="Q"><sql>select * from item where id &lt; 0</sql></query>
+    <data name="Rows" query="Q" height="5mm">
+      <header height="5mm" print-if-empty="true"><text width="40mm" height="5mm">Head</text></header>
+      <text width="40mm" height="5mm">[Q.name]</text>
+    </data>
+  )t");
+  EXPECT_EQ(Texts(loud.document, 0), (std::vector<std::string>{"Head"}));
+}
+
+TEST_F(FillTest, NullsPrintNothingAndPrintWhenHides) {
+  Sql("insert into item (id, model) values (9, 'Null row')");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item where id = 9</sql></query>
+    <data name="Rows" query="Q" height="5mm">
+      <text width="40mm" height="5mm" format="#,##,##0.00">[Q.amount]</text>
+      <text left="40mm" width="40mm" height="5mm">[[[Q.name]]</text>
+      <text left="80mm" width="40mm" height="5mm" print-when="IsNull(Q.amount)">no amount</text>
+      <text left="120mm" width="40mm" height="5mm" print-when="Q.qty > 0">never</text>
+    </data>
+  )t");
+  EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"", "[]", "no amount"}));
+}
+
+TEST_F(FillTest, PageHeaderAndFooterCanSkipFirstAndLastPages) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n from many where n &lt;= 100</sql></query>
+    <page-header height="5mm" print-on-first-page="false" print-on-last-page="false">
+      <text width="40mm" height="5mm">HEAD</text></page-header>
+    <page-footer height="5mm" print-on-last-page="false"><text width="40mm" height="5mm">FOOT</text></page-footer>
+    <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.n]</text></data>
+  )t");
+  const size_t pages = rendered.document.pages.size();
+  ASSERT_GE(pages, 3u);
+  auto has = [&](size_t page, const char* text) {
+    const auto texts = Texts(rendered.document, page);
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+  };
+  EXPECT_FALSE(has(0, "HEAD"));
+  EXPECT_TRUE(has(1, "HEAD"));
+  EXPECT_FALSE(has(pages - 1, "HEAD"));
+  EXPECT_TRUE(has(0, "FOOT"));
+  EXPECT_FALSE(has(pages - 1, "FOOT"));
+}
+
+TEST_F(FillTest, KeepTogetherMovesAGroupToTheNextPage) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n, n / 10 as g from many where n &lt;= 60 order by n</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <group condition="Q.g" keep-together="true">
+        <header height="6mm"><text width="40mm" height="6mm">Group [Q.g]</text></header>
+      </group>
+      <text width="40mm" height="6mm">[Q.n]</text>
+    </data>
+  )t");
+  // No page ends in the middle of a group: each page starts with a group header.
+  for (size_t p = 0; p < rendered.document.pages.size(); ++p) {
+    const auto texts = Texts(rendered.document, p);
+    ASSERT_FALSE(texts.empty());
+    EXPECT_EQ(texts.front().rfind("Group ", 0), 0u) << "page " << p + 1 << " starts with " << texts.front();
+  }
+}
+
+TEST_F(FillTest, BadSqlNamesItsQuery) {
+  try {
+    Render(R"t(<query name="Broken"><sql>select * from no_such_table</sql></query>
+              <title height="5mm"><text width="40mm" height="5mm">[Broken.x]</text></title>)t");
+    FAIL() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_NE(error.description().find("query \"Broken\""), std::string::npos) << error.description();
+    EXPECT_NE(error.description().find("no_such_table"), std::string::npos) << error.description();
+  }
+}
+
+TEST_F(FillTest, ParametersKeepTheirTypes) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q">
+      <sql>select name from item where sold &gt;= :from and id &lt;= :last and model = :model</sql>
+      <param name="from" type="date" default="2024-03-02"/>
+      <param name="last" type="integer" default="5"/>
+      <param name="model" type="text" default="Splendor"/>
+    </query>
+    <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.name]</text></data>
+  )t", "size=\"A5\" margin=\"10mm\"", {{"Q", "last", "4"}});
+  EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"Mirror", "Horn"}));
+}
+
+// The prepared document of a small report, serialised, against the reference in golden/.
+TEST_F(FillTest, PreparedDocumentMatchesItsGoldenText) {
+  const Rendered rendered = Render(R"t(
+    <info title="Golden"/>
+    <query name="Q"><sql>select * from item order by id</sql></query>
+    <style name="cell" font="Liberation Sans" size="8" border="all" border-width="0.5pt"/>
+    <title height="10mm"><text width="128mm" height="8mm" size="14" bold="true" align="center">Items</text>
+      <line x1="0" y1="9mm" x2="128mm" y2="9mm" width="1pt"/></title>
+    <data name="Rows" query="Q" height="5mm">
+      <text style="cell" width="60mm" height="5mm">[Q.name]</text>
+      <text style="cell" left="60mm" width="30mm" height="5mm" align="right" format="#,##,##0.00">[Q.amount]</text>
+      <rect left="90mm" width="5mm" height="5mm" fill="#e8e8e8"/>
+    </data>
+    <page-footer height="5mm"><text width="128mm" height="5mm" align="center">[Page]/[TotalPages]</text></page-footer>
+  )t");
+  const std::string text = Serialize(rendered.document);
+  const std::string path = std::string(VANTOREL_TEST_DIR) + "/report/fill/golden/items.txt";
+  if (std::getenv("VANTOREL_UPDATE_REFERENCE") != nullptr) std::ofstream(path) << text;
+  EXPECT_EQ(text, testing::ReadFile(path)) << "regenerate with VANTOREL_UPDATE_REFERENCE=1";
 }
 
 }  // namespace

@@ -272,13 +272,23 @@ TEST_F(PdfWriterTest, FailedRenameLeavesNoTemporaryFile) {
   EXPECT_EQ(entries, 2u) << "only logo.jpg and the folder";
 }
 
-TEST_F(PdfWriterTest, ReadOnlyFolderThrows) {
-  if (geteuid() == 0) GTEST_SKIP() << "root writes anywhere";
-  fs::create_directories(dir_ / "locked");
-  fs::permissions(dir_ / "locked", fs::perms::owner_read | fs::perms::owner_exec);
-  EXPECT_THROW(WritePdf(Document{}, (dir_ / "locked" / "out.pdf").string()), Error);
-  fs::permissions(dir_ / "locked", fs::perms::owner_all);
-  EXPECT_TRUE(fs::is_empty(dir_ / "locked"));
+// A destination that cannot become a file (here a folder of that name, which stops root too)
+// fails with the path in the message, and leaves the folder and its contents as they were.
+TEST_F(PdfWriterTest, UnwritableDestinationThrowsAndLosesNothing) {
+  const fs::path target = dir_ / "invoice.pdf";
+  fs::create_directories(target);
+  std::ofstream(target / "keep.txt") << "kept";
+  try {
+    WritePdf(Invoice(), target.string());
+    FAIL() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_NE(error.description().find(target.string()), std::string::npos) << error.description();
+  }
+  EXPECT_TRUE(fs::is_directory(target));
+  EXPECT_EQ(ReadFile(target / "keep.txt"), "kept");
+  for (const auto& entry : fs::directory_iterator(dir_)) {
+    EXPECT_EQ(entry.path().string().find(".tmp-"), std::string::npos) << entry.path();
+  }
 }
 
 TEST_F(PdfWriterTest, ReplacesAnExistingFileWhole) {
