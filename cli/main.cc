@@ -288,7 +288,9 @@ int main(int argc, char** argv) {
   call_cmd->add_flag("--print", call.print, "Print (RptPrint)");
   call_cmd->add_flag("--design", call.design, "Open the designer first (DesigbeMode)");
   call_cmd->add_flag("--export", call.exported, "Offer export in the preview (Export)");
-  call_cmd->add_option("--set", call.sets, "Property=value, stored as given (e.g. RptPrint=1)");
+  call_cmd->add_option("--set", call.sets, "Property=value, stored as given (e.g. RptPrint=1)")
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   call_cmd->add_option("METHOD", call.method, "The print method, e.g. Challan_Customer")
       ->required();
   call_cmd->add_option("ARG", call.args,
@@ -300,8 +302,12 @@ int main(int argc, char** argv) {
   render_cmd->add_option("TEMPLATE", render.template_path, "The .fr3 template")->required();
   render_cmd->add_option("--db", render.db, "Connection of the template's \"DMSDB\" database");
   render_cmd->add_option("--tdb", render.tdb, "Connection of the template's \"temp\" database");
-  render_cmd->add_option("--param", render.params, "QUERY.PARAM=VALUE (dates as YYYY-MM-DD)");
-  render_cmd->add_option("--var", render.vars, "CATEGORY.NAME=VALUE, a text");
+  render_cmd->add_option("--param", render.params, "QUERY.PARAM=VALUE (dates as YYYY-MM-DD)")
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  render_cmd->add_option("--var", render.vars, "CATEGORY.NAME=VALUE, a text")
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   auto* outputs = render_cmd->add_option_group("output");
   outputs->add_option("--pdf", render.pdf, "Write the PDF to FILE");
   outputs->add_option("--png", render.png_dir, "Write one PNG per page into DIR");
@@ -338,6 +344,12 @@ int main(int argc, char** argv) {
   }
   if (app.got_subcommand("call")) {
     call.pdf = call_cmd->count("--pdf") > 0;
+    // "--pdf Challan_Customer 12": what --pdf took is the method, not a file name.
+    if (call.pdf && FindDispId(call.pdf_file) && call.pdf_file.find_first_of("/\\.") == std::string::npos) {
+      call.args.insert(call.args.begin(), call.method);
+      call.method = call.pdf_file;
+      call.pdf_file.clear();
+    }
     return Call(call);
   }
   if (app.got_subcommand("render")) {
