@@ -6,7 +6,12 @@ JOBS ?= 2
 BUILD ?= build/release
 CMAKE_FLAGS ?=
 
-.PHONY: all deps configure build demo test sanitize tsan lint format clean
+# ccache keyed on paths relative to the checkout, so every clone of the project shares one cache.
+export CCACHE_BASEDIR := $(CURDIR)
+export CCACHE_NOHASHDIR := 1
+export CCACHE_MAXSIZE ?= 5G
+
+.PHONY: all deps configure build demo test sanitize tsan fuzz lint format clean
 
 all: build
 
@@ -14,7 +19,7 @@ deps:
 	@scripts/install-deps.sh
 
 configure: deps
-	@cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS) >/dev/null
+	@cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Release $(CMAKE_FLAGS) >/dev/null
 
 build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
@@ -35,6 +40,21 @@ sanitize: deps
 	@cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp \
 	  ctest -j $(JOBS) -L unit --output-on-failure --timeout 600
+
+# The template and expression parsers under libFuzzer, FUZZ_SECONDS each, starting from the
+# checked-in corpora (new finds go to build/fuzz, not into the repository).
+FUZZ_SECONDS ?= 30
+fuzz: deps
+	@cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
+	  -DCMAKE_CXX_COMPILER=clang++ -DVANTOREL_FUZZ=ON >/dev/null
+	@cmake --build build/fuzz -j $(JOBS) --target expr_fuzz template_fuzz
+	@for f in expr template; do \
+	  mkdir -p build/fuzz/corpus/$$f && \
+	  build/fuzz/fuzz/$${f}_fuzz -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=1024 \
+	    -artifact_prefix=build/fuzz/ build/fuzz/corpus/$$f fuzz/corpus/$$f 2>build/fuzz/$$f.log \
+	  || { tail -40 build/fuzz/$$f.log; exit 1; }; \
+	  echo "fuzz: $$f: $$(grep -c . build/fuzz/$$f.log) log lines, $$(ls build/fuzz/corpus/$$f | wc -l) new inputs, no crash"; \
+	done
 
 # The threading tests under ThreadSanitizer.
 tsan: deps

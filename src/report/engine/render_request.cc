@@ -1,5 +1,4 @@
 #include <cctype>
-#include <ctime>
 
 #include "report/engine/report_engine.h"
 #include "report/fill/fill.h"
@@ -94,13 +93,7 @@ Rendered RenderTemplate(const RenderRequest& request) {
     }
     return *connection;
   };
-  services.today = CurrentPlatform()->Today();
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
-  char time[8];
-  std::snprintf(time, sizeof time, "%02d:%02d", local.tm_hour, local.tm_min);
-  services.time = time;
+  SetClock(services, CurrentPlatform()->Today());
   FillResult filled = Fill(*report, settings, services);
   return {std::move(filled.document), std::move(filled.warnings), report->page.printer};
 }

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
 #include <optional>
 
 #include "data/connection.h"
@@ -294,13 +293,7 @@ class ReportImpl final : public engine::ReportObject {
       }
       return *state.connection;
     };
-    services.today = CurrentPlatform()->Today();
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    ::localtime_r(&now, &local);
-    char time[8];
-    std::snprintf(time, sizeof time, "%02d:%02d", local.tm_hour, local.tm_min);
-    services.time = time;
+    SetClock(services, CurrentPlatform()->Today());
     FillResult result = report::Fill(report, run_->settings, services);
     for (const std::string& warning : result.warnings) {
       trace::Event("Warning").Text("template", report.file).Text("text", warning).Write();

@@ -140,18 +140,21 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       p.right = text->box.right();
       const TextStyle& style = report_.styles[text->style];
       if (band.stretch && !deferred && style.rotation == 0 &&
-          (text->stretch == StretchMode::kGrow || text->shrink)) {
+          (text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell ||
+           text->shrink)) {
         const float width = text->box.width - style.padding.left - style.padding.right;
         const float need =
             text::MeasureText(item.text, style, std::max(width, 1.0f)).height +
             style.padding.top + style.padding.bottom;
-        if ((text->stretch == StretchMode::kGrow && need > text->box.height) ||
+        const bool grows = text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell;
+        if ((grows && need > text->box.height) ||
             (text->shrink && need < text->box.height)) {
           p.delta = need - text->box.height;
           item.box.height = need;
         }
       }
-      p.to_band = band.stretch && text->stretch == StretchMode::kBand;
+      p.to_band = band.stretch &&
+                  (text->stretch == StretchMode::kBand || text->stretch == StretchMode::kCell);
       block.items.emplace_back(std::move(item));
       placed.push_back(p);
     } else if (const auto* picture = std::get_if<CompiledPicture>(&object)) {
@@ -221,7 +224,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
     for (size_t j = 0; j < i; ++j) {
       const Placed& above = placed[order[j]];
       const float push = above.shift + above.delta;
-      if (push <= 0 || p.to_band) continue;
+      if (push <= 0) continue;
       const bool below = above.top + above.height <= p.top + kEpsilon;
       const bool overlaps = above.left < p.right - kEpsilon && p.left < above.right - kEpsilon;
       if (below && overlaps) p.shift = std::max(p.shift, push);
@@ -230,20 +233,27 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
     const float gap = std::max(0.0f, band.height - (p.top + p.height));
     height = std::max(height, p.top + p.shift + p.height + p.delta + gap);
   }
-  // Objects that follow the band's height now that it is known.
+  // Objects that follow the band's height now that it is known: their foot keeps its distance
+  // from the band's foot.
   for (const Placed& p : placed) {
     if (!p.to_band) continue;
     const float gap = std::max(0.0f, band.height - (p.top + p.height));
-    const float target = height - gap - p.top;
+    const float foot = height - gap;
     Item& item = block.items[p.item];
     if (auto* line = std::get_if<LineItem>(&item)) {
-      (line->from.y < line->to.y ? line->to.y : line->from.y) = p.top + target;
+      (line->from.y < line->to.y ? line->to.y : line->from.y) = foot;
     } else if (RectF* box = BoxOf(item)) {
-      box->height = std::max(box->height, target);
+      box->height = std::max(box->height, foot - box->y);
     }
   }
   block.height = height;
   return block;
+}
+
+float BandRenderer::ContentBottom(const BandBlock& block) {
+  float bottom = 0;
+  for (const Item& item : block.items) bottom = std::max(bottom, Span(item).second);
+  return bottom;
 }
 
 BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& document) {

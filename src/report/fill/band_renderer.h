@@ -48,6 +48,9 @@ class BandRenderer {
   // texts at a line boundary. Objects entirely below the cut move to the rest.
   static BandBlock Split(BandBlock& block, float height, const Document& document);
 
+  // The lowest point any of the block's items reaches; 0 when it has none.
+  static float ContentBottom(const BandBlock& block);
+
  private:
   uint32_t DocumentStyle(uint32_t report_style);
   bool Visible(const ExpressionPtr& print_when);

@@ -30,8 +30,12 @@ struct FillServices {
   // The open connection of database "index"; throws vantorel::Error when it has none.
   std::function<data::Connection&(int index)> connection;
   Date today;               // the value of [Date]
+  Date now;                 // the value of [Now]: today with the time of day
   std::string time = "";    // the value of [Time] ("HH:MM")
 };
+
+// Sets [Date] to "today" and [Time] and [Now] from the local clock.
+void SetClock(FillServices& services, Date today);
 
 struct FillResult {
   Document document;

@@ -45,7 +45,8 @@ const data::Value& FillContext::Raw(int id) const {
   if (column < 0) return kNull;
   if (snapshot_ != nullptr) {
     const auto& row = snapshot_->rows[static_cast<size_t>(field.query)];
-    return static_cast<size_t>(column) < row.size() ? row[static_cast<size_t>(column)] : kNull;
+    if (static_cast<size_t>(column) < row.size()) return row[static_cast<size_t>(column)];
+    return cursor.IsParameter(column) ? cursor.Get(column) : kNull;
   }
   return cursor.Get(column);
 }
@@ -68,7 +69,7 @@ Value FillContext::System(expr::SystemValue which) const {
       return Value::Integer(total_pages);
     case expr::SystemValue::kDate: return Value::FromDate(services_.today);
     case expr::SystemValue::kTime: return Value::Text(services_.time);
-    case expr::SystemValue::kNow: return Value::FromDate(services_.today);
+    case expr::SystemValue::kNow: return Value::FromDate(services_.now);
     case expr::SystemValue::kLine: return Value::Integer(snapshot_ ? snapshot_->line : line);
     case expr::SystemValue::kCopy: return Value::Integer(1);
   }

@@ -4,6 +4,8 @@
 // rows).
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
+#include <ctime>
 #include <limits>
 
 #include "report/fill/band_renderer.h"
@@ -65,6 +67,52 @@ bool SameKey(const expr::Value& a, const expr::Value& b) {
   return CompareValues(a, b) == 0;
 }
 
+bool ReadsTotalPages(const ExpressionPtr& condition) {
+  return condition && condition->Uses(expr::SystemValue::kTotalPages);
+}
+
+bool ReadsTotalPages(const CompiledBand& band) {
+  if (ReadsTotalPages(band.print_when)) return true;
+  for (const CompiledObject& object : band.objects) {
+    const bool reads = std::visit([](const auto& o) { return ReadsTotalPages(o.print_when); }, object);
+    if (reads) return true;
+  }
+  for (const CompiledBand& child : band.children) {
+    if (ReadsTotalPages(child)) return true;
+  }
+  return false;
+}
+
+bool ReadsTotalPages(const std::optional<CompiledBand>& band) {
+  return band && ReadsTotalPages(*band);
+}
+
+bool ReadsTotalPages(const CompiledData& data) {
+  if (ReadsTotalPages(data.band) || ReadsTotalPages(data.header) || ReadsTotalPages(data.footer)) {
+    return true;
+  }
+  for (const CompiledGroup& group : data.groups) {
+    if (ReadsTotalPages(group.header) || ReadsTotalPages(group.footer)) return true;
+  }
+  for (const CompiledData& detail : data.details) {
+    if (ReadsTotalPages(detail)) return true;
+  }
+  return false;
+}
+
+// Whether a print-when reads [TotalPages]: such a report is laid out twice, the first time to
+// count its pages.
+bool ConditionsReadTotalPages(const CompiledReport& report) {
+  for (const auto* band : {&report.page_header, &report.page_footer, &report.title,
+                           &report.summary, &report.column_header, &report.column_footer}) {
+    if (ReadsTotalPages(*band)) return true;
+  }
+  for (const CompiledData& data : report.data) {
+    if (ReadsTotalPages(data)) return true;
+  }
+  return false;
+}
+
 struct PlacedDeferred {
   size_t page;
   DeferredText text;
@@ -81,7 +129,8 @@ class Filler {
         primed_(report.queries.size(), false),
         memo_texts_(report.memos.size()) {}
 
-  FillResult Run() {
+  // "total_pages": the page count of an earlier layout of the same run, or 0.
+  FillResult Run(int total_pages = 0) {
     // Texts set at run time bind first: they may add fields and aggregates to the run's tables.
     for (const auto& [memo, text] : settings_.memo_texts) {
       if (memo >= 0 && static_cast<size_t>(memo) < memo_texts_.size()) {
@@ -106,6 +155,7 @@ class Filler {
     }
     context_ = std::make_unique<FillContext>(report_, tables_, cursors_, *tracker_, services_,
                                              std::move(variables));
+    context_->total_pages = total_pages;
     renderer_ = std::make_unique<BandRenderer>(report_, memo_texts_, *context_, result_.document,
                                                result_.warnings);
     result_.document.metadata = report_.info;
@@ -197,7 +247,14 @@ class Filler {
       return;
     }
     const size_t repeat_mark = repeats_.size();
+    // Headers wait for the first row under them, so none is left alone at the foot of a page.
+    int waiting = 0;
+    auto hold = [&] {
+      BeginBuffer();
+      ++waiting;
+    };
     if (data.header) {
+      hold();
       PlaceBand(*data.header, Flow::kColumn);
       if (data.header->repeat) repeats_.push_back(&*data.header);
     }
@@ -216,6 +273,7 @@ class Filler {
         if (group.start_new_page && line > 0 && page_has_body_) NewPage(false);
         if (group.keep_together) BeginBuffer();
         if (group.header) {
+          hold();
           PlaceBand(*group.header, Flow::kColumn);
           if (group.repeat_header) repeats_.push_back(&*group.header);
         }
@@ -240,6 +298,7 @@ class Filler {
       if (data.band.keep_together) BeginBuffer();
       PlaceBand(data.band, report_.page.columns > 1 && report_.page.columns_across ? Flow::kCell
                                                                                    : Flow::kColumn);
+      for (; waiting > 0; --waiting) EndBuffer();
       tracker_->Row(data.index, *context_, true);
       for (const CompiledData& detail : data.details) FillData(detail);
       if (data.band.keep_together) EndBuffer();
@@ -285,6 +344,14 @@ class Filler {
     if (report_.page_footer) limit -= report_.page_footer->height;
     if (report_.column_footer) limit -= report_.column_footer->height;
     return limit;
+  }
+
+  // Where the body starts on a page after the first: below the page and column headers.
+  float NextPageTop() const {
+    float top = report_.page.margin_top;
+    if (report_.page_header) top += report_.page_header->height;
+    if (report_.column_header) top += report_.column_header->height;
+    return top;
   }
 
   float ColumnWidth() const {
@@ -367,19 +434,27 @@ class Filler {
     buffer_.clear();
     float total = 0;
     for (const auto& [block, flow] : blocks) total += block.height;
-    if (y_ + total > BodyLimit() && page_has_body_ && total <= BodyLimit() - column_top_) {
+    // Moved on only when it fits where it lands: the next column, or a page without the title.
+    const float fresh_top = std::min(column_top_, NextPageTop());
+    if (y_ + total > BodyLimit() && page_has_body_ && total <= BodyLimit() - fresh_top) {
       NextColumnOrPage();
     }
-    for (auto& [block, flow] : blocks) Place(std::move(block), flow, nullptr);
+    for (auto& [block, flow] : blocks) {
+      if (!block.items.empty() || block.height > 0) page_has_body_ = true;
+      Place(std::move(block), flow, nullptr);
+    }
   }
 
   void PlaceBand(const CompiledBand& band, Flow flow, bool repeat = false) {
     std::optional<BandBlock> block = renderer_->Render(band);
     if (!block) return;
     if (band.start_new_page && page_has_body_ && !repeat) NewPage(false);
+    // An empty band of no height (one that only walks rows) puts nothing on the page.
+    const bool content = !block->items.empty() || block->height > 0;
     Place(std::move(*block), flow, &band);
     for (const CompiledBand& child : band.children) PlaceBand(child, flow, repeat);
-    if (!repeat && band.kind != BandKind::kPageHeader && band.kind != BandKind::kColumnHeader) {
+    if (content && !repeat && band.kind != BandKind::kPageHeader &&
+        band.kind != BandKind::kColumnHeader) {
       page_has_body_ = true;
     }
   }
@@ -412,6 +487,14 @@ class Filler {
       return;
     }
     EndCellRow();
+    if (y_ + block.height > BodyLimit() + 0.01f &&
+        y_ + BandRenderer::ContentBottom(block) <= BodyLimit() + 0.01f) {
+      // Only empty space at its foot runs past the page: the band stays here, the space goes.
+      const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+      Emit(std::move(block), x, y_);
+      y_ = BodyLimit();
+      return;
+    }
     if (y_ + block.height > BodyLimit() + 0.01f && page_has_body_) {
       NextColumnOrPage();
       // Page numbers shown in the band belong to the page it lands on.
@@ -554,9 +637,29 @@ class Filler {
 
 }  // namespace
 
+void SetClock(FillServices& services, Date today) {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  ::localtime_r(&now, &local);
+  char time[8];
+  std::snprintf(time, sizeof time, "%02d:%02d", local.tm_hour, local.tm_min);
+  services.today = today;
+  services.time = time;
+  services.now = today;
+  services.now.serial += (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
+}
+
 FillResult Fill(const CompiledReport& report, const RunSettings& settings,
                 const FillServices& services) {
-  return Filler(report, settings, services).Run();
+  FillResult result = Filler(report, settings, services).Run();
+  if (!ConditionsReadTotalPages(report)) return result;
+  // Laid out again knowing the page count; a condition may change it, so until it holds.
+  for (int pass = 0; pass < 3; ++pass) {
+    const size_t pages = result.document.pages.size();
+    result = Filler(report, settings, services).Run(static_cast<int>(pages));
+    if (result.document.pages.size() == pages) break;
+  }
+  return result;
 }
 
 }  // namespace vantorel::report

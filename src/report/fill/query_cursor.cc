@@ -13,6 +13,18 @@ std::string Upper(std::string_view text) {
 
 const data::Value kNull;
 
+data::Value ToValue(const data::ParamValue& param) {
+  if (const auto* integer = std::get_if<int64_t>(&param)) return data::Value::Integer(*integer);
+  if (const auto* real = std::get_if<double>(&param)) return data::Value::Real(*real);
+  if (const auto* text = std::get_if<std::string>(&param)) return data::Value::Text(*text);
+  if (const auto* date = std::get_if<Date>(&param)) {
+    return date->serial == static_cast<double>(static_cast<int64_t>(date->serial))
+               ? data::Value::FromDate(*date)
+               : data::Value::FromDateTime(*date);
+  }
+  return {};
+}
+
 }  // namespace
 
 void QueryCursor::Open(data::Connection& connection, const std::string& sql,
@@ -22,12 +34,20 @@ void QueryCursor::Open(data::Connection& connection, const std::string& sql,
   current_.clear();
   next_.clear();
   columns_.clear();
+  parameters_.clear();
   ++generation_;
   cursor_ = connection.Execute(sql, params);
   opened_ = true;
   const auto& columns = cursor_->columns();
+  width_ = columns.size();
   for (size_t i = 0; i < columns.size(); ++i) {
     columns_.emplace(Upper(columns[i].name), static_cast<int>(i));
+  }
+  for (const auto& [name, value] : params) {
+    // A column of the same name wins.
+    if (columns_.emplace(Upper(name), static_cast<int>(width_ + parameters_.size())).second) {
+      parameters_.push_back(ToValue(value));
+    }
   }
   ReadAhead();
 }
@@ -51,6 +71,10 @@ int QueryCursor::Column(std::string_view name) const {
 }
 
 const data::Value& QueryCursor::Get(int column) const {
+  if (IsParameter(column)) {
+    const size_t index = static_cast<size_t>(column) - width_;
+    return index < parameters_.size() ? parameters_[index] : kNull;
+  }
   if (!has_current_ || column < 0 || static_cast<size_t>(column) >= current_.size()) return kNull;
   return current_[static_cast<size_t>(column)];
 }

@@ -35,10 +35,15 @@ class QueryCursor {
     } restore{this};
     return look();
   }
-  // The column of "name" (any case), or -1.
+  // The column of "name" (any case), or -1. The query's parameters read as columns after its
+  // own, so "[Q.fromdate]" shows the value the query ran with.
   int Column(std::string_view name) const;
-  // The current row's value of "column"; NULL when there is no current row.
+  // The current row's value of "column"; NULL when there is no current row. A parameter's
+  // value is there with or without rows.
   const data::Value& Get(int column) const;
+  bool IsParameter(int column) const {
+    return column >= 0 && static_cast<size_t>(column) >= width_;
+  }
   // Bumped at every Open, so cached column numbers know when to look again.
   int generation() const { return generation_; }
 
@@ -49,6 +54,8 @@ class QueryCursor {
   bool opened_ = false;
   std::map<std::string, int> columns_;  // upper-cased name → index
   std::vector<data::Value> current_, next_;
+  size_t width_ = 0;                     // the query's own columns
+  std::vector<data::Value> parameters_;  // columns from width_ on
   bool has_current_ = false;
   bool has_next_ = false;
   int generation_ = 0;

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "host/native_path.h"
+#include "report/pdf/resource_filter.h"
 #include "report/render/draw_page.h"
 #include "report/text/handles.h"
 #include "vantorel/error.h"
@@ -51,8 +52,9 @@ SizeF PageSize(const Page& page) {
 // Draws every page through "write"; returns Cairo's final status.
 cairo_status_t Render(const Document& document, cairo_write_func_t write, void* closure) {
   const SizeF first = document.pages.empty() ? kA4 : PageSize(document.pages.front());
-  SurfacePtr surface(
-      cairo_pdf_surface_create_for_stream(write, closure, first.width, first.height));
+  ResourceFilter filter(write, closure);
+  SurfacePtr surface(cairo_pdf_surface_create_for_stream(&ResourceFilter::Write, &filter,
+                                                         first.width, first.height));
   const Metadata& meta = document.metadata;
   const std::pair<cairo_pdf_metadata_t, const std::string*> fields[] = {
       {CAIRO_PDF_METADATA_TITLE, &meta.title},
@@ -78,7 +80,9 @@ cairo_status_t Render(const Document& document, cairo_write_func_t write, void* 
     if (status != CAIRO_STATUS_SUCCESS) return status;
   }
   cairo_surface_finish(surface.get());
-  return cairo_surface_status(surface.get());
+  const cairo_status_t status = cairo_surface_status(surface.get());
+  if (status != CAIRO_STATUS_SUCCESS) return status;
+  return filter.Flush();
 }
 
 [[noreturn]] void CannotWrite(const std::string& path, const std::string& reason, int error = 0) {

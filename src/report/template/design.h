@@ -40,9 +40,10 @@ struct StyleSpec {
   std::optional<Padding> padding;
 };
 
-// How an object grows with its band: not at all, to fit its own content, or to the band's final
-// height (table cells whose borders must line up when a neighbour grows).
-enum class StretchMode { kNone, kGrow, kBand };
+// How an object grows with its band: not at all, to fit its own content, to the band's final
+// height (table cells whose borders must line up when a neighbour grows), or both (cells that
+// may wrap themselves).
+enum class StretchMode { kNone, kGrow, kBand, kCell };
 
 struct ObjectCommon {
   std::string name;

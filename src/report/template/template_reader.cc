@@ -323,7 +323,7 @@ class Reader {
     return Choice<StretchMode>(node, "stretch",
                                {{"none", StretchMode::kNone}, {"false", StretchMode::kNone},
                                 {"grow", StretchMode::kGrow}, {"true", StretchMode::kGrow},
-                                {"band", StretchMode::kBand}})
+                                {"band", StretchMode::kBand}, {"cell", StretchMode::kCell}})
         .value_or(StretchMode::kNone);
   }
 

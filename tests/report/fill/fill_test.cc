@@ -348,6 +348,179 @@ TEST_F(FillTest, KeepTogetherMovesAGroupToTheNextPage) {
   }
 }
 
+TEST_F(FillTest, KeepTogetherWithGrowingRowsLeavesNoStrayPage) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n, 'a remark that wraps onto a second line ' || n as r
+      from many where n &lt;= 16 order by n</sql></query>
+    <title height="60mm"><text width="60mm" height="8mm">Register</text></title>
+    <data name="Rows" query="Q" height="6mm">
+      <group condition="1" keep-together="true">
+        <header height="6mm"><text width="40mm" height="6mm">Month</text></header>
+      </group>
+      <text width="20mm" height="6mm">[Q.n]</text>
+      <text left="20mm" width="50mm" height="6mm" stretch="grow">[Q.r]</text>
+    </data>
+    <summary height="8mm"><text width="60mm" height="8mm">Grand total</text></summary>
+  )t");
+  const Document& document = rendered.document;
+  // The group is too tall for the room under the title, so it moves whole; the summary follows
+  // it and no page holds only a sliver.
+  ASSERT_EQ(document.pages.size(), 2u);
+  EXPECT_EQ(Texts(document, 0), std::vector<std::string>{"Register"});
+  const auto second = Texts(document, 1);
+  EXPECT_EQ(second.front(), "Month");
+  EXPECT_EQ(second.back(), "Grand total");
+}
+
+TEST_F(FillTest, GroupHeaderIsNeverLeftAloneAtThePageFoot) {
+  // Each page of A5 holds 30 rows of 6 mm under the 10 mm margins: fill it to one row short of
+  // the foot, so the next group's header would fit but its first row would not.
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n, case when n &lt;= 29 then 1 else 2 end as g from many
+      where n &lt;= 40 order by n</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <group condition="Q.g">
+        <header height="6mm"><text width="40mm" height="6mm">Group [Q.g]</text></header>
+      </group>
+      <text width="40mm" height="6mm">[Q.n]</text>
+    </data>
+  )t", "size=\"A5\" margin=\"10mm\"");
+  const Document& document = rendered.document;
+  ASSERT_EQ(document.pages.size(), 2u);
+  EXPECT_NE(Texts(document, 0).back(), "Group 2") << "the header went on with its first row";
+  const auto second = Texts(document, 1);
+  ASSERT_GE(second.size(), 2u);
+  EXPECT_EQ(second[0], "Group 2");
+  EXPECT_EQ(second[1], "30");
+}
+
+TEST_F(FillTest, EmptyBandOfNoHeightDoesNotStartAPage) {
+  const Rendered rendered = Render(R"t(
+    <query name="Inv"><sql>select * from invoice where id = 1</sql></query>
+    <query name="L">
+      <sql>select * from line where invid = :id</sql>
+      <param name="id" type="integer" value="Inv.id"/>
+    </query>
+    <data name="Invoices" query="Inv" height="0">
+      <data name="Lines" query="L" height="80mm" start-new-page="true">
+        <text width="60mm" height="6mm">[L.descr]</text>
+      </data>
+    </data>
+  )t");
+  const Document& document = rendered.document;
+  ASSERT_EQ(document.pages.size(), 2u) << "one page per line, the first on page 1";
+  EXPECT_EQ(Texts(document, 0), std::vector<std::string>{"Motorcycle"});
+  EXPECT_EQ(Texts(document, 1), std::vector<std::string>{"Helmet"});
+}
+
+TEST_F(FillTest, EmptySpaceAtABandsFootDoesNotMakeAPage) {
+  const Rendered rendered = Render(R"t(
+    <title height="150mm">
+      <text width="60mm" height="6mm">Letter</text>
+      <child height="150mm"><text width="60mm" height="6mm">Signed</text></child>
+    </title>
+  )t");
+  // A5 has 190 mm between its margins: the child's text fits, its empty foot does not.
+  ASSERT_EQ(rendered.document.pages.size(), 1u);
+  EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"Letter", "Signed"}));
+}
+
+TEST_F(FillTest, CellsGrowAndLineUpWhicheverWraps) {
+  Sql("update item set name = '" + std::string(60, 'W') + " " + std::string(60, 'W') +
+      "', model = 'A model name long enough to wrap in its cell' where id = 1");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item where id in (1, 3) order by id</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <text width="30mm" height="6mm" stretch="cell" border="all">[Q.name]</text>
+      <text left="30mm" width="25mm" height="6mm" stretch="cell" border="all">[Q.model]</text>
+      <text left="55mm" width="20mm" height="6mm" stretch="cell" border="all">[Q.qty]</text>
+    </data>
+  )t");
+  const auto items = TextItems(rendered.document, 0);
+  ASSERT_EQ(items.size(), 6u);
+  EXPECT_GT(items[0]->box.height, static_cast<float>(Mm(12)));
+  EXPECT_FLOAT_EQ(items[1]->box.height, items[0]->box.height);
+  EXPECT_FLOAT_EQ(items[2]->box.height, items[0]->box.height);
+  EXPECT_FLOAT_EQ(items[3]->box.y, items[0]->box.bottom()) << "the next row starts below";
+  EXPECT_FLOAT_EQ(items[3]->box.height, static_cast<float>(Mm(6))) << "a short row stays short";
+}
+
+TEST_F(FillTest, BoxesBelowAGrowingTextMoveDownAndKeepTheirShape) {
+  Sql("update item set name = '" + std::string(60, 'W') + " " + std::string(60, 'W') +
+      "' where id = 1");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item where id = 1</sql></query>
+    <title height="30mm">
+      <rect name="Around" width="60mm" height="18mm" grow-with-band="true"/>
+      <text left="2mm" top="5mm" width="30mm" height="5mm" stretch="grow">[Q.name]</text>
+      <rect name="Below" top="20mm" width="60mm" height="10mm" grow-with-band="true"/>
+    </title>
+  )t");
+  std::vector<RectF> boxes;
+  const TextItem* name = nullptr;
+  for (const Item& item : rendered.document.pages.at(0).items) {
+    if (const auto* rect = std::get_if<RectItem>(&item)) boxes.push_back(rect->box);
+    if (const auto* text = std::get_if<TextItem>(&item)) name = text;
+  }
+  ASSERT_EQ(boxes.size(), 2u);
+  ASSERT_NE(name, nullptr);
+  const float growth = name->box.height - static_cast<float>(Mm(5));
+  ASSERT_GT(growth, 1.0f);
+  const float top = static_cast<float>(Mm(10));  // the page margin
+  EXPECT_NEAR(boxes[0].y, top, 0.01) << "the box around the text stays";
+  EXPECT_NEAR(boxes[0].height, static_cast<float>(Mm(18)) + growth, 0.01) << "and grows with it";
+  EXPECT_NEAR(boxes[1].y, top + static_cast<float>(Mm(20)) + growth, 0.01) << "the box below moves";
+  EXPECT_NEAR(boxes[1].height, static_cast<float>(Mm(10)), 0.01) << "and keeps its height";
+  EXPECT_LE(boxes[0].bottom(), boxes[1].y + 0.01f) << "stacked boxes never cut through each other";
+}
+
+TEST_F(FillTest, ParametersReadLikeFields) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q">
+      <sql>select name from item where sold &gt;= :fromdate order by id</sql>
+      <param name="fromdate" type="date" default="2024-03-05"/>
+    </query>
+    <title height="6mm"><text width="80mm" height="6mm">From [FormatDate(Q.fromdate, "dd-mm-yyyy")]</text></title>
+    <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.name]</text></data>
+  )t", "size=\"A5\" margin=\"10mm\"", {{"Q", "fromdate", "2024-03-09"}});
+  EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"From 09-03-2024", "Chain kit"}));
+}
+
+TEST_F(FillTest, NowCarriesTheTimeOfDay) {
+  const Rendered rendered = Render(R"t(
+    <title height="6mm">
+      <text width="40mm" height="6mm">[FormatDate(Now, "hh:nn")]</text>
+      <text left="40mm" width="40mm" height="6mm">[Time]</text>
+      <text left="80mm" width="40mm" height="6mm">[FormatDate(Now, "dd-mm-yyyy")]|[FormatDate(Date, "dd-mm-yyyy")]</text>
+    </title>
+  )t");
+  const auto texts = Texts(rendered.document, 0);
+  ASSERT_EQ(texts.size(), 3u);
+  // The two clock readings may straddle a minute.
+  const auto minutes = [](const std::string& hhmm) {
+    return std::stoi(hhmm.substr(0, 2)) * 60 + std::stoi(hhmm.substr(3, 2));
+  };
+  EXPECT_LE(std::abs(minutes(texts[0]) - minutes(texts[1])), 1) << texts[0] << " vs " << texts[1];
+  const size_t bar = texts[2].find('|');
+  EXPECT_EQ(texts[2].substr(0, bar), texts[2].substr(bar + 1)) << "Now is today";
+}
+
+TEST_F(FillTest, FooterCanPrintOnlyOnTheLastPage) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n from many where n &lt;= 70 order by n</sql></query>
+    <page-footer height="6mm">
+      <text width="60mm" height="6mm" print-when="Page = TotalPages">Continued: no</text>
+      <text left="60mm" width="60mm" height="6mm" print-when="Page &lt; TotalPages">Continued overleaf</text>
+    </page-footer>
+    <data name="Rows" query="Q" height="6mm"><text width="40mm" height="6mm">[Q.n]</text></data>
+  )t");
+  const Document& document = rendered.document;
+  ASSERT_EQ(document.pages.size(), 3u);
+  for (size_t p = 0; p < 3; ++p) {
+    EXPECT_EQ(Texts(document, p).back(), p == 2 ? "Continued: no" : "Continued overleaf") << p;
+  }
+}
+
 TEST_F(FillTest, BadSqlNamesItsQuery) {
   try {
     Render(R"t(<query name="Broken"><sql>select * from no_such_table</sql></query>

@@ -9,11 +9,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 
 #include "report/barcode/barcode.h"
 #include "report/image/image_loader.h"
+#include "report/pdf/resource_filter.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
@@ -215,6 +217,61 @@ TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
   }
   EXPECT_EQ(images, 1u) << "one image object for the logo on three pages";
   EXPECT_NE(qdf.text.find("/DCTDecode"), std::string::npos);
+}
+
+// Cairo lists an image once per use; a page showing the logo twice must still have a clean
+// resource dictionary, or some print filters drop the page.
+TEST_F(PdfWriterTest, ImageShownTwiceOnAPageIsListedOnce) {
+  Document document = Invoice();
+  const uint32_t logo = std::get<ImageItem>(document.pages[0].items[0]).image;
+  for (Page& page : document.pages) {
+    page.items.push_back(ImageItem{{40, 700, 80, 60}, logo, ImageFit::kContain});
+    page.items.push_back(ImageItem{{200, 700, 80, 60}, logo, ImageFit::kContain});
+  }
+  const fs::path path = dir_ / "logos.pdf";
+  WritePdf(document, path.string());
+  const Output check = RunTool("qpdf --check '" + path.string() + "'");
+  EXPECT_EQ(check.status, 0) << check.text;
+  EXPECT_EQ(check.text.find("WARNING"), std::string::npos) << check.text;
+  // All three uses are still drawn on every page.
+  const Output images = RunTool("pdfimages -list '" + path.string() + "'");
+  ASSERT_EQ(images.status, 0) << images.text;
+  std::istringstream lines(images.text);
+  std::string line;
+  std::map<int, int> per_page;
+  while (std::getline(lines, line)) {
+    std::istringstream fields(line);
+    int page = 0;
+    if (fields >> page) ++per_page[page];
+  }
+  EXPECT_EQ(per_page, (std::map<int, int>{{1, 3}, {2, 3}, {3, 3}})) << images.text;
+}
+
+TEST(ResourceFilterTest, BlanksRepeatsWhateverTheChunking) {
+  const std::string input =
+      "1 0 obj\n<< /XObject << /x6 6 0 R /x7 7 0 R /x6 6 0 R\n /x6 6 0 R >> /Font << /f-0-0 7 0 "
+      "R /f-0-0 7 0 R >> >>\nendobj\nstream\n/XObject << /a 1 0 R >>\n";
+  const std::string expected =
+      "1 0 obj\n<< /XObject << /x6 6 0 R /x7 7 0 R          \n           >> /Font << /f-0-0 7 0 "
+      "R /f-0-0 7 0 R >> >>\nendobj\nstream\n/XObject << /a 1 0 R >>\n";
+  for (size_t chunk : {size_t{1}, size_t{2}, size_t{5}, size_t{11}, input.size()}) {
+    std::string output;
+    ResourceFilter filter(
+        +[](void* closure, const unsigned char* data, unsigned int length) {
+          static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+          return CAIRO_STATUS_SUCCESS;
+        },
+        &output);
+    for (size_t at = 0; at < input.size(); at += chunk) {
+      const std::string part = input.substr(at, chunk);
+      ASSERT_EQ(ResourceFilter::Write(&filter, reinterpret_cast<const unsigned char*>(part.data()),
+                                      static_cast<unsigned int>(part.size())),
+                CAIRO_STATUS_SUCCESS);
+    }
+    ASSERT_EQ(filter.Flush(), CAIRO_STATUS_SUCCESS);
+    EXPECT_EQ(output.size(), input.size()) << "chunks of " << chunk;
+    EXPECT_EQ(output, expected) << "chunks of " << chunk;
+  }
 }
 
 TEST_F(PdfWriterTest, MetadataIsWritten) {

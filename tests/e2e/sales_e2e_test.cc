@@ -1,0 +1,367 @@
+// Every sales print method, end to end: the demo dealership's database (SQLite, and the same
+// data in PostgreSQL), the shipped templates, our engine, a PDF checked with qpdf and read back
+// with pdftotext for what the document must show — the customer, the vehicle, the amount in
+// words exactly as the component wrote it.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <sstream>
+
+#include "data/connection.h"
+#include "data/value.h"
+#include "host/date_format.h"
+#include "support/test_support.h"
+#include "vantorel/crepoter.h"
+#include "vantorel/error.h"
+#include "words/amount_in_words.h"
+
+namespace vantorel {
+namespace {
+
+std::string Shell(const std::string& command) {
+  std::string out;
+  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
+  std::array<char, 4096> buffer;
+  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr) out += buffer.data();
+  return out;
+}
+
+// Runs of blanks and line breaks as one blank: documents wrap and align text as they like.
+std::string Squeezed(const std::string& text) {
+  std::string out;
+  for (char c : text) {
+    const bool blank = c == ' ' || c == '\n' || c == '\t' || c == '\f' || c == '\r';
+    if (blank) {
+      if (!out.empty() && out.back() != ' ') out += ' ';
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+std::map<std::string, std::string> ReadFacts(const std::string& path) {
+  std::map<std::string, std::string> facts;
+  std::ifstream in(path);
+  std::string line;
+  while (std::getline(in, line)) {
+    const size_t equals = line.find('=');
+    if (!line.empty() && line[0] != '#' && equals != std::string::npos) {
+      facts[line.substr(0, equals)] = line.substr(equals + 1);
+    }
+  }
+  return facts;
+}
+
+std::vector<std::string> Statements(const std::string& path) {
+  std::ifstream in(path);
+  std::vector<std::string> statements;
+  std::string line, statement;
+  while (std::getline(in, line)) {
+    const size_t text = line.find_first_not_of(" \t\r");
+    if (text == std::string::npos || line.compare(text, 2, "--") == 0) continue;
+    statement += line + "\n";
+    if (line[line.find_last_not_of(" \t\r")] == ';') {
+      statements.push_back(statement.substr(0, statement.rfind(';')));
+      statement.clear();
+    }
+  }
+  return statements;
+}
+
+// The demo database once for all tests: as an SQLite file and loaded into PostgreSQL.
+class Demo {
+ public:
+  static Demo& Get() {
+    static Demo demo;
+    return demo;
+  }
+
+  std::string folder() const { return dir_.path().string(); }
+  std::string sqlite() const { return folder() + "/demo.db"; }
+  const std::map<std::string, std::string>& facts() const { return facts_; }
+
+  // The PostgreSQL connection string of a schema holding the demo data; empty without a server.
+  const std::string& postgres() {
+    if (!postgres_loaded_) LoadPostgres();
+    return postgres_;
+  }
+
+ private:
+  Demo() {
+    const std::string command = std::string(DEMO_GEN) + " --sqlite " + sqlite() + " --sql " +
+                                folder() + "/data.sql --facts " + folder() + "/facts.txt";
+    if (std::system(command.c_str()) != 0) ADD_FAILURE() << "demo_gen failed";
+    facts_ = ReadFacts(folder() + "/facts.txt");
+  }
+
+  void LoadPostgres() {
+    postgres_loaded_ = true;
+    std::ifstream in(std::string(VANTOREL_BUILD_DIR) + "/pg/conn");
+    std::string server;
+    std::getline(in, server);
+    if (server.empty()) return;
+    const std::string schema = "sales_e2e_" + std::to_string(::getpid());
+    auto db = data::Connection::Open(server);
+    db->Execute("drop schema if exists " + schema + " cascade");
+    db->Execute("create schema " + schema);
+    db->Execute("set search_path to " + schema);
+    db->Execute("set client_min_messages to warning");
+    for (const std::string& file :
+         {std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql", folder() + "/data.sql"}) {
+      for (const std::string& statement : Statements(file)) db->Execute(statement);
+    }
+    // Every connection the component and the templates make lands in that schema.
+    postgres_ = server + ";ConnSettings=set search_path to " + schema;
+  }
+
+  testing::TempDir dir_;
+  std::map<std::string, std::string> facts_;
+  std::string postgres_;
+  bool postgres_loaded_ = false;
+};
+
+struct Document {
+  std::string name;
+  std::function<void(CRepoter&, const std::map<std::string, std::string>&, const std::string&)>
+      print;
+  // What the PDF must show, from the database the document was printed from.
+  std::function<std::vector<std::string>(data::Connection&,
+                                         const std::map<std::string, std::string>&)>
+      expected;
+};
+
+int16_t Id(const std::map<std::string, std::string>& facts, const std::string& key) {
+  const auto it = facts.find(key);
+  EXPECT_NE(it, facts.end()) << key;
+  return it == facts.end() ? 0 : static_cast<int16_t>(std::stoi(it->second));
+}
+
+std::string One(data::Connection& db, const std::string& sql) {
+  auto cursor = db.Execute(sql);
+  std::vector<data::Value> row;
+  if (!cursor->Next(row) || row.empty() || row[0].is_null()) return {};
+  return data::ToText(row[0]);
+}
+
+double Amount(data::Connection& db, const std::string& sql) {
+  const std::string text = One(db, sql);
+  return text.empty() ? 0 : data::Val(text);
+}
+
+std::string Words(double amount) {
+  std::string words = AmountInWords(amount);
+  while (!words.empty() && words.back() == ' ') words.pop_back();
+  return words;
+}
+
+// An invoice document: its customer, its chassis and, when the form prints them, its words.
+std::vector<std::string> InvoiceShows(data::Connection& db, int16_t id, const std::string& words) {
+  const std::string where = " from vu_invoice where id=" + std::to_string(id);
+  std::vector<std::string> shows = {One(db, "select cname" + where),
+                                    One(db, "select chassis" + where + " and chassis is not null")};
+  if (!words.empty()) shows.push_back(words);
+  return shows;
+}
+
+std::string InvoiceWords(data::Connection& db, int16_t id, bool less_subsidy, bool rupees) {
+  const double amount = Amount(
+      db, std::string("select sum(") +
+              (less_subsidy ? "netprice-coalesce(subsidyamt,0)" : "netprice") +
+              ") from purdata where invid=" + std::to_string(id));
+  return (rupees ? "Rupees " : "AMOUNT IN WORDS ") + Words(amount);
+}
+
+using Facts = std::map<std::string, std::string>;
+
+#define DOC(NAME, PRINT, ...)                                                                 \
+  Document {                                                                                   \
+    NAME,                                                                                      \
+        [](CRepoter& rep, [[maybe_unused]] const Facts& f, [[maybe_unused]] const std::string& logo) { PRINT; }, \
+        []([[maybe_unused]] data::Connection& db, [[maybe_unused]] const Facts& f) -> std::vector<std::string> { __VA_ARGS__; }   \
+  }
+
+std::string Title(const Facts& f, const char* from, const char* to) {
+  auto date = [&](const char* key) {
+    return FormatDate(*Date::FromIso(f.at(key)), "dd-mm-yyyy", '-');
+  };
+  return date(from) + " TO " + date(to);
+}
+
+const std::vector<Document>& Documents() {
+  static const std::vector<Document> documents = {
+      DOC("Challan_Customer", rep.Challan_Customer(Id(f, "challan_customer_id"), logo),
+          return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
+                                                     f.at("challan_customer_id")))}),
+      DOC("ReceiptPrint", rep.ReceiptPrint(Id(f, "receipt_id")),
+          return {"(AMOUNT IN WORDS RUPEES " +
+                  Squeezed(AmountInWords(Amount(db, "select amt from receipt where id=" +
+                                                        f.at("receipt_id")))) + ")"}),
+      DOC("EnqGroupwise",
+          rep.EnqGroupwise(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to"))),
+          return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
+      DOC("EnqPending",
+          rep.EnqPending(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to")), 1),
+          return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+      DOC("EnqBooking",
+          rep.EnqBooking(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to"))),
+          return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+      DOC("RecRegister",
+          rep.RecRegister(*Date::FromIso(f.at("receipt_from")), *Date::FromIso(f.at("receipt_to"))),
+          return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
+      DOC("VehPurBill", rep.VehPurBill(Id(f, "purchase_id")),
+          return {One(db, "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
+                          "p.id=" + f.at("purchase_id"))}),
+      DOC("VehPurBillGST", rep.VehPurBillGST(Id(f, "purchase_id")),
+          return {One(db, "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
+                          "p.id=" + f.at("purchase_id"))}),
+      DOC("VinTrf", rep.VinTrf(Id(f, "vintrf_id")),
+          return {One(db, "select chassis from vu_vintrf where tid=" + f.at("vintrf_id") +
+                              " order by line limit 1")}),
+      DOC("VehBtPrint", rep.VehBtPrint(Id(f, "branch_transfer_id")),
+          return {One(db, "select am_name from btmstveh bv, fa_acmaster where bv.btto = am_id and "
+                          "bv.id=" + f.at("branch_transfer_id"))}),
+      DOC("ChallanSub", rep.ChallanSub(Id(f, "challan_sub_id"), logo),
+          return {"AMOUNT IN WORDS " + Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
+                                                            f.at("challan_sub_id")))}),
+      DOC("VehInvoice2in1", rep.VehInvoice2in1(Id(f, "invoice_id")),
+          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+      DOC("VehInvoicewith21", rep.VehInvoicewith21(Id(f, "invoice_id")),
+          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+      DOC("VehInvoiceSingle", rep.VehInvoiceSingle(Id(f, "invoice_id")),
+          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+      DOC("VehInvoiceHero", rep.VehInvoiceHero(Id(f, "hero_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_invoice_id"), InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+      DOC("VehInvoiceHeroSubdealer", rep.VehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+      DOC("ProVisionalRc", rep.ProVisionalRc(Id(f, "prorc_invoice_id")),
+          return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
+      DOC("VehGatePass", rep.VehGatePass(Id(f, "gatepass_invoice_id")),
+          return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
+      DOC("CycleGatePass", rep.CycleGatePass(Id(f, "cycle_invoice_id"), logo),
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+      DOC("DecForm", rep.DecForm(Id(f, "invoice_id")), return InvoiceShows(db, Id(f, "invoice_id"), "")),
+      DOC("VehSticker", rep.VehSticker(Id(f, "sticker_invoice_id"), 3),
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("sticker_invoice_id") +
+                              " and chassis is not null")}),
+      DOC("VehSaleLetter", rep.VehSaleLetter(Id(f, "invoice_id")),
+          return InvoiceShows(db, Id(f, "invoice_id"), "")),
+      DOC("CycleSaleLetter", rep.CycleSaleLetter(Id(f, "cycle_invoice_id"), logo),
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+      DOC("VehForm22", rep.VehForm22(Id(f, "form22_invoice_id")),
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
+                              " and chassis is not null")}),
+      DOC("VehHSRP", rep.VehHSRP(Id(f, "hsrp_invoice_id")),
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("hsrp_invoice_id") +
+                              " and chassis is not null")}),
+      DOC("VehTempCertificate", rep.VehTempCertificate(Id(f, "temp_tline"), "Y"),
+          return {One(db, "select tno from vu_tempnumber where tline=" + f.at("temp_tline")),
+                  One(db, "select chassis from vu_tempnumber where tline=" + f.at("temp_tline"))}),
+      DOC("VehInvoiceSubDealer", rep.VehInvoiceSubDealer(Id(f, "subdealer_invoice_id")),
+          return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
+      DOC("Wrc", rep.Wrc(), return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
+      DOC("BulkReceiptPrint", rep.BulkReceiptPrint(Id(f, "bulk_receipt_id"), "R"),
+          return {One(db, "select am_name from vu_bulkreceipt where id=" + f.at("bulk_receipt_id") +
+                              " limit 1")}),
+      DOC("GSTVehInvoiceSingle", rep.GSTVehInvoiceSingle(Id(f, "invoice_subsidy_id"), logo),
+          return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
+                              InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
+      DOC("CycleInvoice", rep.CycleInvoice(Id(f, "cycle_invoice_id"), logo),
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
+                  InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
+      DOC("GSTVehInvoiceHero", rep.GSTVehInvoiceHero(Id(f, "hero_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_invoice_id"), InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+      DOC("GSTVehInvoiceHeroSubdealer", rep.GSTVehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+      DOC("GSTVehInvoice2in1", rep.GSTVehInvoice2in1(Id(f, "invoice_id"), logo),
+          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+      DOC("GSTVehInvoicewith21", rep.GSTVehInvoicewith21(Id(f, "invoice_after_revision_id"), logo),
+          return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
+                              InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),
+      DOC("GSTVehInvoiceSubDealer", rep.GSTVehInvoiceSubDealer(Id(f, "subdealer_igst_invoice_id"), logo),
+          return InvoiceShows(db, Id(f, "subdealer_igst_invoice_id"),
+                              InvoiceWords(db, Id(f, "subdealer_igst_invoice_id"), false, false))),
+      DOC("CycleInvoiceSubDealer", rep.CycleInvoiceSubDealer(Id(f, "cycle_subdealer_invoice_id"), logo),
+          return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
+      DOC("VehSubDealerPackingList", rep.VehSubDealerPackingList(Id(f, "packing_list_id")),
+          return InvoiceShows(db, Id(f, "packing_list_id"), "")),
+      DOC("EInvoiceVehicle", rep.EInvoiceVehicle(Id(f, "einvoice_id"), logo, logo),
+          return InvoiceShows(db, Id(f, "einvoice_id"), InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+  };
+  return documents;
+}
+
+struct Case {
+  const Document* document;
+  bool postgres;
+};
+
+void PrintTo(const Case& c, std::ostream* out) {
+  *out << c.document->name << (c.postgres ? " on PostgreSQL" : " on SQLite");
+}
+
+class SalesEndToEnd : public ::testing::TestWithParam<Case> {};
+
+TEST_P(SalesEndToEnd, PrintsAValidPdfShowingItsData) {
+  const Case& c = GetParam();
+  Demo& demo = Demo::Get();
+  const std::string connection = c.postgres ? demo.postgres() : demo.sqlite();
+  ASSERT_FALSE(connection.empty()) << "no PostgreSQL server: run with the postgres fixture";
+  testing::TempDir out;
+  const std::string pdf = out.path().string() + "/" + c.document->name + ".pdf";
+  const std::string logo = std::string(VANTOREL_SOURCE_DIR) + "/demo/assets/logo.png";
+  testing::PlatformScope platform;
+  CRepoter rep;
+  rep.put_ReportPath(std::string(VANTOREL_SOURCE_DIR) + "/templates/");
+  rep.put_DbConnectstring(connection);
+  rep.put_RptPDF(kTrue);
+  rep.put_PDFPath(pdf);
+  rep.put_FirmID(1);
+  rep.SetVars();
+  c.document->print(rep, demo.facts(), logo);
+  EXPECT_TRUE(platform->messages().empty())
+      << platform->messages()[0].text << " (LastMsg: " << rep.get_LastMsg() << ")";
+  ASSERT_TRUE(std::filesystem::exists(pdf)) << "LastMsg: " << rep.get_LastMsg();
+  EXPECT_EQ(Shell("qpdf --check '" + pdf + "' >/dev/null 2>&1; echo $?"), "0\n");
+  // In layout order a wrapped text interleaves with its neighbours' columns; in content order
+  // it reads through.
+  const std::string layout = Squeezed(Shell("pdftotext -layout '" + pdf + "' -"));
+  const std::string raw = Squeezed(Shell("pdftotext -raw '" + pdf + "' -"));
+  auto db = data::Connection::Open(connection);
+  const std::vector<std::string> expected = c.document->expected(*db, demo.facts());
+  ASSERT_FALSE(expected.empty());
+  for (const std::string& shown : expected) {
+    ASSERT_FALSE(shown.empty()) << "the database has nothing this document must show";
+    const std::string wanted = Squeezed(shown);
+    EXPECT_TRUE(layout.find(wanted) != std::string::npos || raw.find(wanted) != std::string::npos)
+        << "missing: " << shown << "\n" << layout;
+  }
+}
+
+std::vector<Case> Cases(bool postgres) {
+  std::vector<Case> cases;
+  for (const Document& document : Documents()) cases.push_back({&document, postgres});
+  return cases;
+}
+
+std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
+  return info.param.document->name;
+}
+
+#ifdef VANTOREL_E2E_POSTGRES
+INSTANTIATE_TEST_SUITE_P(Postgres, SalesEndToEnd, ::testing::ValuesIn(Cases(true)), CaseName);
+#else
+INSTANTIATE_TEST_SUITE_P(Sqlite, SalesEndToEnd, ::testing::ValuesIn(Cases(false)), CaseName);
+#endif
+
+}  // namespace
+}  // namespace vantorel
