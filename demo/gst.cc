@@ -31,8 +31,9 @@ int GstRate(TaxClass tax_class, Day day) {
     case TaxClass::kCyclePart:
       return revised ? 5 : 12;
     case TaxClass::kElectric:
-    case TaxClass::kHelmet:
       return 5;
+    case TaxClass::kHelmet:
+      return 18;
   }
   return 0;
 }

@@ -27,7 +27,7 @@ inline constexpr Day kRateRevision = Day::FromYmd(2025, 9, 22);
 TaxClass TaxClassOfHsn(std::string_view hsn);
 
 // The GST rate in percent: two-wheelers and their parts 28, bicycles and their parts 12 before
-// the revision; 18 and 5 from it; electric two-wheelers and helmets 5 throughout.
+// the revision; 18 and 5 from it; electric two-wheelers 5 and helmets 18 throughout.
 int GstRate(TaxClass tax_class, Day day);
 
 struct TaxSplit {

@@ -184,7 +184,7 @@ struct Invariant {
   " < '2025-09-22' then 28 else 18 end "                                    \
   "when " hsn " like '8712%' or " hsn " like '87149%' then case when " day  \
   " < '2025-09-22' then 12 else 5 end "                                     \
-  "when " hsn " like '6506%' then 5 end"
+  "when " hsn " like '6506%' then 18 end"
 
 inline const std::vector<Invariant>& Invariants() {
   static const std::vector<Invariant> invariants = {

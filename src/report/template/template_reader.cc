@@ -4,10 +4,13 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <fstream>
 #include <initializer_list>
+#include <map>
+#include <optional>
 #include <sstream>
 
 #include "host/native_path.h"
@@ -86,6 +89,156 @@ std::vector<std::string_view> Words(std::string_view text) {
   return words;
 }
 
+std::optional<bool> ParseFlag(std::string_view value) {
+  for (const char* yes : {"true", "yes", "1"}) {
+    if (EqualsNoCase(value, yes)) return true;
+  }
+  for (const char* no : {"false", "no", "0"}) {
+    if (EqualsNoCase(value, no)) return false;
+  }
+  return std::nullopt;
+}
+
+// ---- The file as written ----
+//
+// pugixml hands over text with its references decoded and takes a few things XML forbids. Where
+// that matters — well-formedness, and rich texts, whose markup must keep its escapes — the reader
+// looks at the characters of the file itself. The document has been parsed by then, so its
+// markup is known to be balanced.
+
+bool StartsWith(std::string_view text, size_t at, std::string_view prefix) {
+  return text.compare(at, prefix.size(), prefix) == 0;
+}
+
+bool IsXmlChar(uint32_t c) {
+  return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) ||
+         (c >= 0xE000 && c <= 0xFFFD) || (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+// A reference at "at" ('&'): "&amp;" "&lt;" "&gt;" "&quot;" "&apos;" "&#N;" "&#xH;". The
+// character it stands for and the length written; nullopt when it is not one.
+struct Reference {
+  uint32_t code;
+  size_t length;
+};
+
+std::optional<Reference> ReadReference(std::string_view xml, size_t at) {
+  static constexpr std::pair<std::string_view, uint32_t> kNamed[] = {
+      {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
+  for (const auto& [written, code] : kNamed) {
+    if (StartsWith(xml, at, written)) return Reference{code, written.size()};
+  }
+  if (!StartsWith(xml, at, "&#")) return std::nullopt;
+  const bool hex = StartsWith(xml, at, "&#x");
+  const size_t digits = at + (hex ? 3 : 2);
+  const size_t semicolon = xml.substr(0, digits + 9).find(';', digits);
+  if (semicolon == std::string_view::npos || semicolon == digits) return std::nullopt;
+  uint32_t code = 0;
+  const auto [end, error] =
+      std::from_chars(xml.data() + digits, xml.data() + semicolon, code, hex ? 16 : 10);
+  if (error != std::errc() || end != xml.data() + semicolon || !IsXmlChar(code)) {
+    return std::nullopt;
+  }
+  return Reference{code, semicolon + 1 - at};
+}
+
+void AppendUtf8(std::string& out, uint32_t c) {
+  if (c < 0x80) {
+    out += static_cast<char>(c);
+  } else if (c < 0x800) {
+    out += static_cast<char>(0xC0 | (c >> 6));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    out += static_cast<char>(0xE0 | (c >> 12));
+    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (c >> 18));
+    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (c & 0x3F));
+  }
+}
+
+enum class Markup { kComment, kCdata, kInstruction, kDeclaration, kStartTag, kEmptyTag, kEndTag };
+
+// The markup starting at "at" ('<') and the offset just past it.
+std::pair<Markup, size_t> SkipMarkup(std::string_view xml, size_t at) {
+  const auto past = [&](std::string_view close, size_t from) {
+    const size_t found = xml.find(close, from);
+    return found == std::string_view::npos ? xml.size() : found + close.size();
+  };
+  if (StartsWith(xml, at, "<!--")) return {Markup::kComment, past("-->", at + 4)};
+  if (StartsWith(xml, at, "<![CDATA[")) return {Markup::kCdata, past("]]>", at + 9)};
+  if (StartsWith(xml, at, "<?")) return {Markup::kInstruction, past("?>", at + 2)};
+  if (StartsWith(xml, at, "</")) return {Markup::kEndTag, past(">", at + 2)};
+  const bool declaration = StartsWith(xml, at, "<!");
+  char quote = 0;
+  int subset = 0;  // a DOCTYPE's [ … ]
+  for (size_t i = at + 1; i < xml.size(); ++i) {
+    const char c = xml[i];
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (declaration && (c == '[' || c == ']')) {
+      subset += c == '[' ? 1 : -1;
+    } else if (c == '>' && subset <= 0) {
+      if (declaration) return {Markup::kDeclaration, i + 1};
+      return {xml[i - 1] == '/' ? Markup::kEmptyTag : Markup::kStartTag, i + 1};
+    }
+  }
+  return {declaration ? Markup::kDeclaration : Markup::kStartTag, xml.size()};
+}
+
+// The "]" closing the "[" at "open", by the rules texts are compiled with: brackets nest, quotes
+// (a doubled quote standing for itself) hide them, and a bracket whose quotes never close is
+// matched ignoring quotes.
+std::optional<size_t> ClosingBracket(std::string_view text, size_t open) {
+  for (const bool quotes : {true, false}) {
+    int depth = 0;
+    char quote = 0;
+    for (size_t i = open; i < text.size(); ++i) {
+      const char c = text[i];
+      if (quote != 0) {
+        if (c == quote) {
+          if (i + 1 < text.size() && text[i + 1] == quote) {
+            ++i;
+          } else {
+            quote = 0;
+          }
+        }
+      } else if (quotes && (c == '"' || c == '\'')) {
+        quote = c;
+      } else if (c == '[') {
+        ++depth;
+      } else if (c == ']' && --depth == 0) {
+        return i;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+// The [expressions] of a text: their byte ranges, brackets included.
+std::vector<std::pair<size_t, size_t>> ExpressionSpans(std::string_view text) {
+  std::vector<std::pair<size_t, size_t>> spans;
+  size_t i = 0;
+  while (i < text.size()) {
+    if (text[i] != '[') {
+      ++i;
+    } else if (i + 1 < text.size() && text[i + 1] == '[') {
+      i += 2;  // "[[" is a literal "["
+    } else if (const auto close = ClosingBracket(text, i)) {
+      spans.emplace_back(i, *close + 1);
+      i = *close + 1;
+    } else {
+      ++i;
+    }
+  }
+  return spans;
+}
+
 class Reader {
  public:
   Reader(std::string_view xml, std::string file) : xml_(xml), file_(std::move(file)) {
@@ -107,6 +260,7 @@ class Reader {
           "check the tags and quotes around this line");
       return {};
     }
+    CheckEscapes();
     const pugi::xml_node root = doc.document_element();
     Template design;
     if (std::string_view(root.name()) != "report") {
@@ -121,6 +275,147 @@ class Reader {
   std::vector<Problem>& problems() { return problems_; }
 
  private:
+  // What pugixml takes although XML does not: a "&" that starts no reference, and a "<" in an
+  // attribute value. Comments, CDATA sections, instructions and declarations are skipped.
+  void CheckEscapes() {
+    size_t i = 0;
+    while (i < xml_.size()) {
+      if (xml_[i] == '&') {
+        CheckReference(i++);
+      } else if (xml_[i] == '<') {
+        const auto [markup, end] = SkipMarkup(xml_, i);
+        if (markup == Markup::kStartTag || markup == Markup::kEmptyTag) {
+          CheckAttributeValues(i, end);
+        }
+        i = end;
+      } else {
+        ++i;
+      }
+    }
+  }
+
+  void CheckAttributeValues(size_t tag, size_t end) {
+    char quote = 0;
+    for (size_t i = tag; i < end; ++i) {
+      const char c = xml_[i];
+      if (quote == 0) {
+        if (c == '"' || c == '\'') quote = c;
+      } else if (c == quote) {
+        quote = 0;
+      } else if (c == '&') {
+        CheckReference(i);
+      } else if (c == '<') {
+        Add(LineOfOffset(i), "\"<\" in an attribute must be written \"&lt;\"");
+      }
+    }
+  }
+
+  void CheckReference(size_t at) {
+    if (ReadReference(xml_, at)) return;
+    size_t end = at + 1;  // "&name;" or "&#…;", though not a reference XML knows
+    while (end < xml_.size() && end - at < 32 &&
+           (std::isalnum(static_cast<unsigned char>(xml_[end])) ||
+            std::string_view("#_-.:").find(xml_[end]) != std::string_view::npos)) {
+      ++end;
+    }
+    if (end > at + 1 && end < xml_.size() && xml_[end] == ';') {
+      const std::string written(xml_.substr(at, end + 1 - at));
+      if (xml_[at + 1] == '#') {
+        Add(LineOfOffset(at), "\"" + written + "\" is not a character XML allows");
+      } else {
+        Add(LineOfOffset(at), "\"" + written + "\" is not an XML entity",
+            "XML knows &amp; &lt; &gt; &quot; &apos; and numbered characters such as &#160;");
+      }
+      return;
+    }
+    Add(LineOfOffset(at), "\"&\" must be written \"&amp;\"",
+        "or, in the text of an element, put the text in <![CDATA[ … ]]>");
+  }
+
+  // Whether a <text> is rich: its own "rich", else its style's or that style's base's.
+  bool IsRich(const pugi::xml_node& node) const {
+    if (node.attribute("rich")) return ParseFlag(node.attribute("rich").value()).value_or(false);
+    std::string style = node.attribute("style").value();
+    for (int depth = 0; !style.empty() && depth < 16; ++depth) {
+      const auto found = style_rich_.find(style);
+      if (found == style_rich_.end()) break;
+      if (found->second.second) return *found->second.second;
+      style = found->second.first;
+    }
+    return false;
+  }
+
+  // What a <text> prints, read from the file as written: its text and CDATA sections, with child
+  // elements kept as markup. Every reference is decoded, except that in a rich text a reference
+  // outside the [expressions] stays as written — the rich-text reader decodes it, so that
+  // "&lt;b&gt;" prints "<b>" rather than turning bold — while the expressions get characters:
+  // "&amp;" in one is the operator &.
+  std::string TextContent(const pugi::xml_node& node, bool rich) const {
+    const ptrdiff_t name = node.offset_debug();
+    if (name < 1 || static_cast<size_t>(name) > xml_.size() || xml_[name - 1] != '<') {
+      return node.child_value();
+    }
+    auto [start, i] = SkipMarkup(xml_, static_cast<size_t>(name) - 1);
+    if (start != Markup::kStartTag) return {};
+    std::string decoded;
+    struct Written {
+      size_t at, length;  // the decoded bytes
+      std::string_view as;
+    };
+    std::vector<Written> references;
+    const auto append_text = [&decoded](std::string_view text) {  // line ends as pugixml reads them
+      for (size_t k = 0; k < text.size(); ++k) {
+        if (text[k] != '\r') {
+          decoded += text[k];
+        } else {
+          decoded += '\n';
+          if (k + 1 < text.size() && text[k + 1] == '\n') ++k;
+        }
+      }
+    };
+    int depth = 0;
+    while (i < xml_.size()) {
+      if (xml_[i] == '<') {
+        const auto [markup, end] = SkipMarkup(xml_, i);
+        if (markup == Markup::kEndTag && depth-- == 0) break;
+        if (markup == Markup::kStartTag) ++depth;
+        if (markup == Markup::kCdata) {
+          append_text(xml_.substr(i + 9, std::max(end, i + 12) - 3 - (i + 9)));
+        } else if (markup == Markup::kStartTag || markup == Markup::kEmptyTag ||
+                   markup == Markup::kEndTag) {
+          decoded.append(xml_.substr(i, end - i));
+        }
+        i = end;
+      } else if (const auto reference = xml_[i] == '&' ? ReadReference(xml_, i) : std::nullopt) {
+        const size_t at = decoded.size();
+        AppendUtf8(decoded, reference->code);
+        references.push_back({at, decoded.size() - at, xml_.substr(i, reference->length)});
+        i += reference->length;
+      } else {
+        const size_t next = xml_.find_first_of("<&", i + 1);
+        append_text(xml_.substr(i, (next == std::string_view::npos ? xml_.size() : next) - i));
+        i = next == std::string_view::npos ? xml_.size() : next;
+      }
+    }
+    if (!rich || references.empty()) return decoded;
+    const auto spans = ExpressionSpans(decoded);
+    std::string markup;
+    size_t copied = 0;
+    size_t span = 0;
+    for (const Written& reference : references) {
+      while (span < spans.size() && spans[span].second <= reference.at) ++span;
+      const bool in_expression = span < spans.size() && spans[span].first <= reference.at;
+      // Brackets stay decoded wherever they are: the spans were found with them.
+      const char c = decoded[reference.at];
+      if (in_expression || c == '[' || c == ']') continue;
+      markup.append(decoded, copied, reference.at - copied);
+      markup.append(reference.as);
+      copied = reference.at + reference.length;
+    }
+    markup.append(decoded, copied);
+    return markup;
+  }
+
   int LineOfOffset(size_t offset) const {
     const auto it = std::upper_bound(line_starts_.begin(), line_starts_.end(), offset);
     return static_cast<int>(it - line_starts_.begin());
@@ -165,8 +460,7 @@ class Reader {
     const pugi::xml_attribute attribute = node.attribute(name);
     if (!attribute) return fallback;
     const std::string_view value = attribute.value();
-    if (value == "true" || value == "yes" || value == "1") return true;
-    if (value == "false" || value == "no" || value == "0") return false;
+    if (const auto flag = ParseFlag(value)) return *flag;
     Add(Line(node), "\"" + std::string(name) + "\" must be true or false, not \"" +
                         std::string(value) + "\"");
     return fallback;
@@ -357,16 +651,7 @@ class Reader {
       text.shrink = Flag(node, "shrink", false);
       text.hide_zero = Flag(node, "hide-zero", false);
       ReadStyle(node, text.style);
-      // Rich texts keep their markup; it is written escaped or as child elements.
-      std::ostringstream content;
-      for (const pugi::xml_node& child : node.children()) {
-        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
-          content << child.value();
-        } else if (child.type() == pugi::node_element) {
-          child.print(content, "", pugi::format_raw);
-        }
-      }
-      text.text = Trimmed(content.str());
+      text.text = Trimmed(TextContent(node, IsRich(node)));
       return text;
     }
     if (kind == "picture") {
@@ -660,6 +945,12 @@ class Reader {
       return;
     }
     design.name = Text(root, "name");
+    // Whether a text is rich decides how its content is read, and its style may say so.
+    for (const pugi::xml_node& node : root.children("style")) {
+      style_rich_[node.attribute("name").value()] = {
+          node.attribute("based-on").value(),
+          node.attribute("rich") ? ParseFlag(node.attribute("rich").value()) : std::nullopt};
+    }
     for (const pugi::xml_node& node : root.children()) {
       if (node.type() != pugi::node_element) continue;
       const std::string_view name = node.name();
@@ -723,6 +1014,8 @@ class Reader {
   std::string file_;
   std::vector<size_t> line_starts_;
   std::vector<Problem> problems_;
+  // Each style's based-on and own "rich".
+  std::map<std::string, std::pair<std::string, std::optional<bool>>> style_rich_;
 };
 
 }  // namespace

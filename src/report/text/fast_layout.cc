@@ -1,8 +1,10 @@
 // The fast path: plain text in one font, shaped a paragraph at a time with HarfBuzz through the
-// very hb_font Pango would use, then wrapped greedily. Shaping matches Pango's exactly; only the
-// break rules are our own (spaces, and hyphens between letters), which is harmless because a
-// given text always takes the same path.
+// very hb_font Pango would use, then wrapped greedily. Shaping matches Pango's exactly, and so do
+// the places a line may break: Pango's own rules (UAX #14) with the same adjustment the Pango
+// path makes (NumberJoinsAt), so a text wraps alike whichever way it goes.
+#include <glib.h>
 #include <hb.h>
+#include <pango/pango.h>
 
 #include <algorithm>
 #include <cmath>
@@ -30,17 +32,71 @@ bool IsSimpleCodePoint(uint32_t c) {
   return false;
 }
 
-bool IsLetterOrDigit(uint8_t c) {
-  return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c >= 0x80;
-}
-
 struct Cluster {
   uint32_t begin, end;  // bytes of the text
   uint32_t first_glyph, glyph_count;
-  float advance;     // points, character spacing included
-  bool space;        // a break may follow; hangs at a line's end
-  bool break_after;  // a hyphen between letters
+  float advance;      // points, character spacing included
+  int64_t units;      // the same in Pango units, as Pango adds them up
+  int64_t cut_units;  // the same when a line ends with this cluster: no kerning with the next
+  bool space;         // hangs at a line's end
+  bool break_before;  // a line may start here
+  bool split_before;  // a word too long for its line may be split here
 };
+
+// Marks where the paragraph "text[begin, end)" may break, by Pango's rules and our adjustment.
+// Only needed when the paragraph is wider than its line.
+void MarkBreaks(std::string_view text, size_t begin, size_t end, std::vector<Cluster>& clusters) {
+  thread_local std::vector<PangoLogAttr> attributes;
+  static PangoLanguage* const kEnglish = pango_language_from_string("en");
+  const char* paragraph = text.data() + begin;
+  const int length = static_cast<int>(end - begin);
+  attributes.resize(static_cast<size_t>(g_utf8_strlen(paragraph, length)) + 1);
+  pango_get_log_attrs(paragraph, length, 0, kEnglish, attributes.data(),
+                      static_cast<int>(attributes.size()));
+  size_t k = 0;  // the cluster holding the current character
+  size_t i = begin;
+  for (const PangoLogAttr& attribute : attributes) {
+    if (i >= end) break;
+    while (k + 1 < clusters.size() && clusters[k + 1].begin <= i) ++k;
+    if (clusters[k].begin == i && k > 0) {
+      const bool joined = NumberJoinsAt(text, i);
+      clusters[k].break_before = attribute.is_line_break && !joined;
+      clusters[k].split_before = attribute.is_char_break && !joined;
+    }
+    NextCodePoint(text, i);
+  }
+}
+
+// Where the line starting at cluster "start" may end, chosen as Pango chooses: among the places a
+// line may break ("split": a word may be split), the last where the text before it, shaped
+// alone, fits in "available" with one space just before it hanging outside; failing that, the
+// narrowest. "em" bounds what hanging and kerning take back, so the search stops once past it.
+struct LineEnd {
+  size_t end;  // "start" when there is no place at all
+  bool fits;
+};
+
+LineEnd LastFit(const std::vector<Cluster>& clusters, size_t start, int64_t available, int64_t em,
+                bool split) {
+  LineEnd best{start, false};
+  int64_t best_width = 0;
+  int64_t width = 0;  // of clusters [start, p), letter spacing after each as Pango counts it
+  for (size_t p = start + 1; p <= clusters.size(); ++p) {
+    const Cluster& last = clusters[p - 1];
+    width += last.units;
+    const int64_t hanging = last.space ? last.units : 0;
+    if (width - hanging > available + em && best.end != start) break;
+    if (p < clusters.size() && !(split ? clusters[p].split_before : clusters[p].break_before)) {
+      continue;
+    }
+    const int64_t cut = width - last.units + last.cut_units - hanging;
+    if (best.end == start || cut <= available || cut < best_width) {
+      best = {p, cut <= available};
+      best_width = cut;
+    }
+  }
+  return best;
+}
 
 struct Shaper {
   Shaper() : buffer(hb_buffer_create()) {}
@@ -58,6 +114,12 @@ constexpr hb_feature_t kNoLigatures[] = {
 };
 
 }  // namespace
+
+bool NumberJoinsAt(std::string_view text, size_t i) {
+  if (i == 0 || i >= text.size() || (text[i - 1] != '-' && text[i - 1] != '/')) return false;
+  const int32_t c = NextCodePoint(text, i);
+  return c > 0 && g_unichar_isdigit(static_cast<gunichar>(c));
+}
 
 bool CanLayOutFast(std::string_view text, const FontInfo& font) {
   size_t i = 0;
@@ -86,12 +148,16 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
   thread_local Shaper shaper;
   thread_local std::vector<float> advances;  // of the current paragraph's glyphs, points
   thread_local std::vector<Cluster> clusters;
+  thread_local std::vector<hb_position_t> glyph_units;  // the same in Pango units
   static const hb_language_t kEnglish = hb_language_from_string("en", 2);
   hb_buffer_t* buffer = shaper.buffer;
   constexpr float kUnit = 1.0f / PANGO_SCALE;  // Pango scales its hb_font to PANGO_SCALE per point
   const float spacing = style.char_spacing;
-  const float available =
-      geometry.bounded() && style.wrap ? geometry.width() : std::numeric_limits<float>::infinity();
+  const int64_t spacing_units = static_cast<int>(spacing * PANGO_SCALE);  // as Pango's attribute
+  const bool wraps = geometry.bounded() && style.wrap;
+  const float available = wraps ? geometry.width() : std::numeric_limits<float>::infinity();
+  const int64_t available_units = wraps ? PangoUnits(available) : 0;
+  const int64_t em = PangoUnits(style.size);
 
   LaidOutText out;
   out.fast_path = true;
@@ -108,6 +174,7 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
 
     clusters.clear();
     advances.clear();
+    glyph_units.clear();
     const size_t glyph_base = run.glyphs.size();
     if (paragraph_end > paragraph) {
       hb_buffer_clear_contents(buffer);
@@ -135,44 +202,41 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
           if (!clusters.empty()) clusters.back().end = cluster;
           const auto byte = static_cast<uint8_t>(text[cluster]);
           clusters.push_back({cluster, static_cast<uint32_t>(paragraph_end),
-                              static_cast<uint32_t>(glyph_base + g), 0, spacing, byte == ' ',
-                              false});
+                              static_cast<uint32_t>(glyph_base + g), 0, spacing, spacing_units,
+                              spacing_units, byte == ' ', false, true});
         }
         clusters.back().glyph_count++;
         clusters.back().advance += advance;
+        clusters.back().units += positions[g].x_advance;
+        glyph_units.push_back(positions[g].x_advance);
       }
-      for (size_t k = 1; k + 1 < clusters.size(); ++k) {
-        Cluster& c = clusters[k];
-        if (text[c.begin] == '-' && c.end - c.begin == 1 &&
-            IsLetterOrDigit(static_cast<uint8_t>(text[clusters[k - 1].end - 1])) &&
-            IsLetterOrDigit(static_cast<uint8_t>(text[clusters[k + 1].begin]))) {
-          c.break_after = true;
-        }
+    }
+    int64_t natural = 0;
+    for (const Cluster& c : clusters) natural += c.units;
+    const bool fits = !wraps || natural <= available_units;
+    if (!fits) {
+      MarkBreaks(text, paragraph, paragraph_end, clusters);
+      for (Cluster& c : clusters) {  // what kerning with the next character added to the last glyph
+        const uint32_t last = c.first_glyph + c.glyph_count - 1;
+        c.cut_units = c.units - glyph_units[last - glyph_base] +
+                      hb_font_get_glyph_h_advance(font.hb, run.glyphs[last].index);
       }
     }
     for (const Cluster& c : clusters) {
       run.clusters.push_back({static_cast<int>(c.end - c.begin), static_cast<int>(c.glyph_count)});
     }
 
-    // Greedy wrapping over the paragraph's clusters.
+    // Greedy wrapping over the paragraph's clusters: a line ends at the last break that fits; a
+    // word longer than the line is split at the last place that fits (at least one character).
     size_t start = 0;
+    int64_t rest = natural;  // of clusters [start, end of paragraph)
     do {
-      float x = 0;
-      size_t break_at = 0;  // 0: no break opportunity yet on this line
-      size_t end = start;
-      for (; end < clusters.size(); ++end) {
-        const Cluster& c = clusters[end];
-        if (c.space) {
-          x += c.advance;
-          break_at = end + 1;
-          continue;
-        }
-        if (end > start && x + c.advance - spacing > available + 0.01f) {
-          if (break_at > start) end = break_at;
-          break;
-        }
-        x += c.advance;
-        if (c.break_after) break_at = end + 1;
+      size_t end = clusters.size();
+      // The rest of the paragraph fits when its last space hangs.
+      if (!fits && rest - (clusters.back().space ? clusters.back().units : 0) > available_units) {
+        LineEnd fit = LastFit(clusters, start, available_units, em, false);
+        if (!fit.fits) fit = LastFit(clusters, start, available_units, em, true);
+        end = fit.end;
       }
       const bool last_line = end >= clusters.size();
       size_t content_end = end;
@@ -206,6 +270,7 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
           glyph_pen += advances[g - glyph_base];
         }
         pen += c.advance + (c.space && k < content_end ? stretch : 0);
+        rest -= c.units;
       }
       start = end;
     } while (start < clusters.size());

@@ -4,8 +4,9 @@
 // scaled fonts, so it may be drawn on any thread and outlives the font map that made it.
 //
 // Two ways produce the same form: plain single-font texts (the great majority of report cells)
-// are shaped with HarfBuzz and wrapped by our own greedy breaker; everything else (markup, font
-// fallback, complex scripts such as Devanagari) goes through a PangoLayout.
+// are shaped with HarfBuzz and wrapped by our own greedy breaker, at the places and by the
+// measures Pango would use; everything else (markup, font fallback, complex scripts such as
+// Devanagari) goes through a PangoLayout.
 //
 // Thread-safety: LayOut and the cache functions use the calling thread's cache; a LaidOutText
 // may be shared and drawn from any thread.

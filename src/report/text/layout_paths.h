@@ -6,6 +6,7 @@
 #ifndef VANTOREL_REPORT_TEXT_LAYOUT_PATHS_H_
 #define VANTOREL_REPORT_TEXT_LAYOUT_PATHS_H_
 
+#include <cmath>
 #include <string_view>
 
 #include "report/document/document.h"
@@ -36,6 +37,16 @@ class LineGeometry {
   float width_;
   bool bounded_;
 };
+
+// "points" in Pango units, rounded as both paths round a line's width.
+inline int PangoUnits(float points) {
+  return static_cast<int>(std::lround(static_cast<double>(points) * PANGO_SCALE));
+}
+
+// True when a line must not break before byte "i" of "text" although Pango's rules allow it:
+// after a hyphen-minus or a slash that a digit follows, so dates ("22-02-2030") and document
+// numbers ("VSI/24-25/0007") stay whole (UAX #14: HY × NU, SY × NU). Both paths apply it.
+bool NumberJoinsAt(std::string_view text, size_t i);
 
 // True when the fast path lays "text" out exactly as Pango would: valid UTF-8, no control
 // characters but line breaks, only scripts without shaping subtleties, every character in

@@ -30,6 +30,16 @@ PangoAttrList* Attributes(const PlainText& plain, const TextStyle& style) {
   // A break inside a word is for codes and numbers too long for their box; a hyphen there would
   // read as part of the value.
   pango_attr_list_insert(list, pango_attr_insert_hyphens_new(FALSE));
+  // Pango would break "VSI/" | "24-25/0007"; a sign and the digit after it are kept together as
+  // the fast path keeps them (neither a line break nor, for an overlong word, a split).
+  for (size_t i = plain.text.find_first_of("-/"); i != std::string::npos;
+       i = plain.text.find_first_of("-/", i + 1)) {
+    if (!NumberJoinsAt(plain.text, i + 1)) continue;
+    size_t digit_end = i + 1;
+    NextCodePoint(plain.text, digit_end);
+    Insert(list, pango_attr_allow_breaks_new(FALSE), static_cast<uint32_t>(i),
+           static_cast<uint32_t>(digit_end));
+  }
   if (style.char_spacing != 0) {
     pango_attr_list_insert(
         list, pango_attr_letter_spacing_new(static_cast<int>(style.char_spacing * PANGO_SCALE)));
@@ -191,7 +201,7 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
   pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT);
   pango_layout_set_justify(layout, style.halign == HAlign::kJustify);
   if (style.wrap && geometry.bounded()) {
-    pango_layout_set_width(layout, static_cast<int>(geometry.width() * PANGO_SCALE));
+    pango_layout_set_width(layout, PangoUnits(geometry.width()));
     pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
   } else {
     pango_layout_set_width(layout, -1);
