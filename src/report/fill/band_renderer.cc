@@ -92,14 +92,17 @@ bool BandRenderer::UsesPage(const CompiledBand& band) {
 }
 
 std::string BandRenderer::TextOf(const expr::TextTemplate& text, const std::string& format,
-                                 bool hide_zero) {
+                                 bool hide_zero, bool rich) {
   if (hide_zero) {
     if (const auto single = text.single()) {
       const expr::Value value = single->Evaluate(context_);
       if (value.is_number() && value.number() == 0) return {};
     }
   }
-  return text.Evaluate(context_, format);
+  context_.markup = rich;
+  std::string shown = text.Evaluate(context_, format);
+  context_.markup = false;
+  return shown;
 }
 
 std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
@@ -126,19 +129,19 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
               ? memo_texts_[static_cast<size_t>(text->memo)]
               : text->text;
       TextItem item{text->box, DocumentStyle(text->style), {}};
+      const TextStyle& style = report_.styles[text->style];
       context_.deferred = false;
-      if (source) item.text = TextOf(*source, text->format, text->hide_zero);
+      if (source) item.text = TextOf(*source, text->format, text->hide_zero, style.rich);
       const bool deferred = context_.deferred;
       context_.deferred = false;
       if (deferred) {
         item.text.clear();
         block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
-                                  context_.Take()});
+                                  style.rich, context_.Take()});
       }
       Placed p{block.items.size(), text->box.y, text->box.height};
       p.left = text->box.x;
       p.right = text->box.right();
-      const TextStyle& style = report_.styles[text->style];
       if (band.stretch && !deferred && style.rotation == 0 &&
           (text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell ||
            text->shrink)) {

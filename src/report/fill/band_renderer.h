@@ -23,6 +23,7 @@ struct DeferredText {
   TextTemplatePtr text;
   std::string format;
   bool hide_zero = false;
+  bool rich = false;
   std::shared_ptr<Snapshot> snapshot;
 };
 
@@ -41,8 +42,10 @@ class BandRenderer {
   // The band as a block for the current row; an empty optional when its print-when says no.
   std::optional<BandBlock> Render(const CompiledBand& band);
 
-  // The text a template gives, formatted, with hide-zero applied.
-  std::string TextOf(const expr::TextTemplate& text, const std::string& format, bool hide_zero);
+  // The text a template gives, formatted, with hide-zero applied; in a rich text, data is
+  // protected from being read as markup.
+  std::string TextOf(const expr::TextTemplate& text, const std::string& format, bool hide_zero,
+                     bool rich);
 
   // Splits a block too tall for "height" into a first part that fits and the rest, cutting
   // texts at a line boundary. Objects entirely below the cut move to the rest.

@@ -1,5 +1,7 @@
 #include "report/fill/fill_context.h"
 
+#include "report/text/rich_text.h"
+
 namespace vantorel::report {
 
 using expr::Value;
@@ -51,11 +53,20 @@ const data::Value& FillContext::Raw(int id) const {
   return cursor.Get(column);
 }
 
-Value FillContext::Field(int id) const { return ToExprValue(Raw(id)); }
+namespace {
+
+Value Shown(Value value, bool markup) {
+  if (!markup || value.kind() != Value::Kind::kText) return value;
+  return Value::Text(text::ProtectFromMarkup(value.text()));
+}
+
+}  // namespace
+
+Value FillContext::Field(int id) const { return Shown(ToExprValue(Raw(id)), markup); }
 
 Value FillContext::Variable(int id) const {
   if (id < 0 || static_cast<size_t>(id) >= variables_.size()) return Value();
-  return variables_[static_cast<size_t>(id)];
+  return Shown(variables_[static_cast<size_t>(id)], markup);
 }
 
 Value FillContext::System(expr::SystemValue which) const {

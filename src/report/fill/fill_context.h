@@ -43,6 +43,9 @@ class FillContext final : public expr::Context {
 
   // Set by an evaluation that met a value not known yet; the caller clears it.
   mutable bool deferred = false;
+  // Set while a rich text is evaluated: texts from the database and variables are protected
+  // from being read as its markup.
+  bool markup = false;
 
   std::shared_ptr<Snapshot> Take() const;
   // Evaluates from "snapshot" (rows, aggregates, numbers) instead of the live state.

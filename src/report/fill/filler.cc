@@ -601,7 +601,7 @@ class Filler {
     for (const PlacedDeferred& entry : deferred_) {
       context_->UseSnapshot(entry.text.snapshot.get());
       std::string text = entry.text.text ? renderer_->TextOf(*entry.text.text, entry.text.format,
-                                                             entry.text.hide_zero)
+                                                             entry.text.hide_zero, entry.text.rich)
                                          : std::string();
       Item& item = document.pages[entry.page].items[entry.text.item];
       if (auto* text_item = std::get_if<TextItem>(&item)) text_item->text = std::move(text);

@@ -105,6 +105,10 @@ std::optional<std::pair<uint32_t, size_t>> ReadEntity(std::string_view s, size_t
   return std::pair{code, semicolon + 1};
 }
 
+// The characters ProtectFromMarkup stands in for, from U+E000 on.
+constexpr int32_t kProtected = 0xE000;
+constexpr char kProtectedAs[] = {'&', '<', '>'};
+
 struct FontState {
   bool has_color = false;
   Color color;
@@ -133,7 +137,8 @@ class RichReader {
           continue;
         }
       }
-      const int32_t code = NextCodePoint(markup_, i);
+      int32_t code = NextCodePoint(markup_, i);
+      if (code >= kProtected && code < kProtected + 3) code = kProtectedAs[code - kProtected];
       Append(code <= 0 ? kReplacement : static_cast<uint32_t>(code));
       share_start_ = i;
     }
@@ -301,6 +306,20 @@ PlainText ValidUtf8(std::string_view text) {
     out.source.resize(out.text.size(), static_cast<uint32_t>(start));
   }
   out.source.push_back(static_cast<uint32_t>(text.size()));
+  return out;
+}
+
+std::string ProtectFromMarkup(std::string_view value) {
+  if (value.find_first_of("&<>") == std::string_view::npos) return std::string(value);
+  std::string out;
+  out.reserve(value.size() + 8);
+  for (const char c : value) {
+    if (c == '&' || c == '<' || c == '>') {
+      AppendUtf8(out, static_cast<uint32_t>(kProtected + (c == '&' ? 0 : c == '<' ? 1 : 2)));
+    } else {
+      out += c;
+    }
+  }
   return out;
 }
 

@@ -50,9 +50,18 @@ int32_t NextCodePoint(std::string_view text, size_t& i);
 // Appends code point "c" as UTF-8.
 void AppendUtf8(std::string& out, uint32_t c);
 
-// True when "text" holds no '<' and no '&': rich text that is plain after all.
+// A value shown in a rich text: its "&", "<" and ">" stand in the markup as the private-use
+// characters U+E000, U+E001 and U+E002, so they print as themselves instead of being read as
+// markup, and functions applied to the value (Upper, Left…) still see one character for each.
+std::string ProtectFromMarkup(std::string_view value);
+
+// True when "text" holds no '<', no '&' and no protected character: rich text that is plain
+// after all.
 inline bool HasMarkup(std::string_view text) {
-  return text.find_first_of("<&") != std::string_view::npos;
+  return text.find_first_of("<&") != std::string_view::npos ||
+         text.find("\xEE\x80\x80") != std::string_view::npos ||
+         text.find("\xEE\x80\x81") != std::string_view::npos ||
+         text.find("\xEE\x80\x82") != std::string_view::npos;
 }
 
 }  // namespace vantorel::report::text

@@ -8,6 +8,7 @@
 
 #include "report/engine/report_engine.h"
 #include "report/fill/fill.h"
+#include "report/text/rich_text.h"
 #include "support/test_support.h"
 #include "vantorel/error.h"
 
@@ -519,6 +520,28 @@ TEST_F(FillTest, FooterCanPrintOnlyOnTheLastPage) {
   for (size_t p = 0; p < 3; ++p) {
     EXPECT_EQ(Texts(document, p).back(), p == 2 ? "Continued: no" : "Continued overleaf") << p;
   }
+}
+
+TEST_F(FillTest, RichTextShowsDataAsWritten) {
+  Sql("update invoice set cname = 'Shah & Sons <b>Pune</b>' where id = 1");
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from invoice where id = 1</sql></query>
+    <title height="8mm">
+      <text width="120mm" height="6mm" rich="true">Buyer: <b>[Q.cname]</b></text>
+      <text top="6mm" width="120mm" height="6mm" rich="true">[Upper(Left(Q.cname, 15)) &amp; "<br/>"]end</text>
+    </title>
+  )t");
+  const auto texts = Texts(rendered.document, 0);
+  ASSERT_EQ(texts.size(), 2u);
+  // Functions see the value's own characters; markup written in the template still works.
+  const text::PlainText upper = text::ParseRichText(texts[1]);
+  EXPECT_EQ(upper.text, "SHAH & SONS <B>\nend");
+  const text::PlainText plain = text::ParseRichText(texts[0]);
+  EXPECT_EQ(plain.text, "Buyer: Shah & Sons <b>Pune</b>");
+  ASSERT_EQ(plain.spans.size(), 1u) << "only the template's <b> makes bold";
+  EXPECT_TRUE(plain.spans[0].bold);
+  EXPECT_EQ(plain.text.substr(plain.spans[0].begin, plain.spans[0].end - plain.spans[0].begin),
+            "Shah & Sons <b>Pune</b>");
 }
 
 TEST_F(FillTest, BadSqlNamesItsQuery) {
