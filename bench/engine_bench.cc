@@ -88,7 +88,7 @@ int main(int argc, char** argv) {
     benchmark::Initialize(&count, rest.data());
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    std::cout << "peak RSS " << PeakRssMb() << " MB\n";
+    std::cerr << "peak RSS " << PeakRssMb() << " MB\n";
   } catch (const vantorel::Error& error) {
     std::cerr << "engine_bench: " << error.description() << "\n";
     return 1;

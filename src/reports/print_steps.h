@@ -27,6 +27,11 @@ struct PrintSteps {
   static void Release(CRepoter& r) { r.ReleaseRun(); }
 };
 
+// The documents whose SQL the component writes: prepare, set the picture "logo" when given, give
+// query "query" the SQL, render, release. The query is not tested for presence.
+inline void PrintWithSql(CRepoter& rep, const char* query, const std::string& sql,
+                         const std::string* logo = nullptr);
+
 // An id as SQL text: plain decimal digits, a minus sign for negatives, no blanks.
 inline std::string Digits(int64_t id) { return std::to_string(id); }
 
@@ -61,6 +66,21 @@ inline std::string DateText(Date date, const char* picture) {
 
 // The process's "temp" environment variable, empty when unset.
 inline std::string TempFolder() { return CurrentPlatform()->Environment("temp").value_or(""); }
+
+inline void PrintWithSql(CRepoter& rep, const char* query, const std::string& sql,
+                         const std::string* logo) {
+  engine::ReportRun& run = PrintSteps::Run(rep);
+  std::string& buffer = PrintSteps::TextBuffer(rep);
+  if (!PrintSteps::Prepare(rep)) return;
+  if (logo != nullptr) SetPicture(run, "logo", *logo);
+  run.query = run.LocateQuery(query);
+  buffer = sql;
+  run.query.SetQueryText(buffer);
+  run.database = {};
+  run.query = {};
+  PrintSteps::Render(rep);
+  PrintSteps::Release(rep);
+}
 
 // Closes a recordset the method opened, when it is open.
 inline void CloseIfOpen(data::Recordset& rs) {

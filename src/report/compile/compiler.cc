@@ -5,17 +5,12 @@
 #include <functional>
 
 #include "report/compile/compiled_report.h"
+#include "report/expr/text_util.h"
 
 namespace vantorel::report {
 namespace {
 
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
-
-bool SameName(std::string_view a, std::string_view b) { return Upper(a) == Upper(b); }
+bool SameName(std::string_view a, std::string_view b) { return expr::AsciiUpper(a) == expr::AsciiUpper(b); }
 
 // Binds names for one object at a time: "place" says where the object sits.
 class ReportBinder final : public expr::Binder {
@@ -59,7 +54,7 @@ class ReportBinder final : public expr::Binder {
     spec.kind = kind;
     spec.argument = argument;
     spec.data = -1;
-    const std::string scope_name = Upper(scope);
+    const std::string scope_name = expr::AsciiUpper(scope);
     const bool named_scope = scope_name == "REPORT" || scope_name == "PAGE" ||
                              scope_name == "GROUP" || scope_name == "RUNNING" ||
                              scope_name == "BAND" || scope_name.empty();
@@ -230,7 +225,7 @@ class Compiler {
 
   void Register(const std::string& name, ComponentEntry entry, int line) {
     if (name.empty()) return;
-    const std::string key = Upper(name);
+    const std::string key = expr::AsciiUpper(name);
     if (report_->components.count(key)) {
       AddProblem(line, "the name \"" + name + "\" is used twice", "every component needs its own name");
       return;
@@ -386,7 +381,7 @@ class Compiler {
             if (text.text && text.text->Uses(expr::SystemValue::kTotalPages)) {
               report_->uses_total_pages = true;
             }
-            if (!o.name.empty()) report_->components[Upper(o.name)].kind = ComponentEntry::Kind::kMemo;
+            if (!o.name.empty()) report_->components[expr::AsciiUpper(o.name)].kind = ComponentEntry::Kind::kMemo;
             return text;
           } else if constexpr (std::is_same_v<T, PictureObject>) {
             CompiledPicture picture{o.name, o.box, PrintWhen(o.print_when, o.line),
@@ -493,7 +488,7 @@ class Compiler {
           const_cast<CompiledText*>(text)->memo = static_cast<int>(r.memos.size());
           r.memos.push_back(text);
           r.memo_places.push_back(b.place);
-          if (!text->name.empty()) r.components[Upper(text->name)].index = text->memo;
+          if (!text->name.empty()) r.components[expr::AsciiUpper(text->name)].index = text->memo;
         }
       }
       for (const CompiledBand& child : b.children) band(child);
@@ -558,7 +553,7 @@ class RunBinder final : public expr::Binder {
 }  // namespace
 
 const ComponentEntry* CompiledReport::Find(std::string_view wanted) const {
-  const auto it = components.find(Upper(wanted));
+  const auto it = components.find(expr::AsciiUpper(wanted));
   return it == components.end() ? nullptr : &it->second;
 }
 

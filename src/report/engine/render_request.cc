@@ -1,6 +1,7 @@
 #include <cctype>
 
 #include "report/engine/report_engine.h"
+#include "report/expr/text_util.h"
 #include "report/fill/fill.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
@@ -9,12 +10,6 @@ namespace vantorel::report {
 namespace {
 
 constexpr const char* kSource = "Vantorel report engine";
-
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
 
 data::ParamValue Typed(const CompiledParam& param, const std::string& text,
                        const std::string& query) {
@@ -58,13 +53,13 @@ Rendered RenderTemplate(const RenderRequest& request) {
     }
     const CompiledParam* found = nullptr;
     for (const CompiledParam& param : report->queries[static_cast<size_t>(query)].params) {
-      if (Upper(param.name) == Upper(setting.name)) found = &param;
+      if (expr::AsciiUpper(param.name) == expr::AsciiUpper(setting.name)) found = &param;
     }
     if (found == nullptr) {
       throw Error(errnum::kItemNotFound, kSource,
                   "query \"" + setting.owner + "\" has no parameter \"" + setting.name + "\"");
     }
-    settings.parameters[query][Upper(setting.name)] = Typed(*found, setting.value, setting.owner);
+    settings.parameters[query][expr::AsciiUpper(setting.name)] = Typed(*found, setting.value, setting.owner);
   }
   for (const RenderRequest::Setting& setting : request.variables) {
     const int variable = report->FindVariable(setting.owner, setting.name);

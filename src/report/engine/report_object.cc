@@ -9,6 +9,7 @@
 #include "data/connection.h"
 #include "host/trace.h"
 #include "report/engine/report_engine.h"
+#include "report/expr/text_util.h"
 #include "report/fill/fill.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/preview/preview.h"
@@ -20,12 +21,6 @@ namespace vantorel::report {
 namespace {
 
 constexpr const char* kSource = "Vantorel report engine";
-
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
 
 struct DatabaseState {
   std::string connection_string;
@@ -106,8 +101,8 @@ class Query final : public engine::QueryObject {
   }
   std::shared_ptr<engine::QueryParameter> GetQueryParameter(const std::string& name) override {
     for (const CompiledParam& param : run_->Report().queries[static_cast<size_t>(query_)].params) {
-      if (Upper(param.name) == Upper(name)) {
-        return std::make_shared<Parameter>(run_, query_, Upper(name));
+      if (expr::AsciiUpper(param.name) == expr::AsciiUpper(name)) {
+        return std::make_shared<Parameter>(run_, query_, expr::AsciiUpper(name));
       }
     }
     return nullptr;

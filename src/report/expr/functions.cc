@@ -67,22 +67,6 @@ constexpr Alias kAliases[] = {
 
 constexpr std::string_view kAggregateNames[] = {"Sum", "Count", "Avg", "Min", "Max"};
 
-size_t EditDistance(std::string_view a, std::string_view b) {
-  std::vector<size_t> row(b.size() + 1);
-  for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
-  for (size_t i = 1; i <= a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i;
-    for (size_t j = 1; j <= b.size(); ++j) {
-      const size_t above = row[j];
-      const size_t cost = AsciiLower(a[i - 1]) == AsciiLower(b[j - 1]) ? 0 : 1;
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + cost});
-      diagonal = above;
-    }
-  }
-  return row[b.size()];
-}
-
 constexpr std::string_view kBlanks = " \t\r\n";
 
 std::string_view TrimLeft(std::string_view s) {

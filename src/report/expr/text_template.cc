@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "report/expr/expression.h"
+#include "report/expr/text_util.h"
 
 namespace vantorel::report::expr {
 namespace {
@@ -15,43 +16,6 @@ class NoContext final : public Context {
   Value System(SystemValue) const override { return Value(); }
   Value Aggregate(int) const override { return Value(); }
 };
-
-// The "]" that closes the "[" at "open": brackets nest, and inside quotes ("]" or ']', with a
-// doubled quote standing for itself) they do not count.
-std::optional<size_t> FindClose(std::string_view text, size_t open) {
-  int depth = 0;
-  char quote = 0;
-  for (size_t i = open; i < text.size(); ++i) {
-    const char c = text[i];
-    if (quote != 0) {
-      if (c == quote) {
-        if (i + 1 < text.size() && text[i + 1] == quote) {
-          ++i;
-        } else {
-          quote = 0;
-        }
-      }
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '[') {
-      ++depth;
-    } else if (c == ']' && --depth == 0) {
-      return i;
-    }
-  }
-  return std::nullopt;
-}
-
-// The same without quotes, for run-time texts such as "[Don't print]" whose apostrophe never
-// closes: the segment is found, fails to compile and stays literal.
-std::optional<size_t> FindCloseIgnoringQuotes(std::string_view text, size_t open) {
-  int depth = 0;
-  for (size_t i = open; i < text.size(); ++i) {
-    if (text[i] == '[') ++depth;
-    if (text[i] == ']' && --depth == 0) return i;
-  }
-  return std::nullopt;
-}
 
 class CompiledTemplate final : public TextTemplate {
  public:
@@ -135,8 +99,8 @@ std::shared_ptr<const TextTemplate> TextTemplate::Compile(std::string_view text,
       i += 2;
       continue;
     }
-    std::optional<size_t> close = FindClose(text, i);
-    if (!close) close = FindCloseIgnoringQuotes(text, i);
+    std::optional<size_t> close = ClosingBracket(text, i, true);
+    if (!close) close = ClosingBracket(text, i, false);
     if (!close) {
       if (!literal_on_error) {
         throw ExprError(i, "this '[' is not closed", "write [[ for a literal [");

@@ -1,7 +1,9 @@
 #include "report/expr/text_util.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <vector>
 
 namespace vantorel::report::expr {
 
@@ -66,6 +68,28 @@ std::string DoubleText(double value) {
   return std::string(buffer, result.ptr);
 }
 
+std::string AsciiUpper(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) c = AsciiUpper(c);
+  return upper;
+}
+
+size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<size_t> row(b.size() + 1);
+  for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (size_t i = 1; i <= a.size(); ++i) {
+    size_t diagonal = row[0];
+    row[0] = i;
+    for (size_t j = 1; j <= b.size(); ++j) {
+      const size_t above = row[j];
+      const size_t cost = AsciiLower(a[i - 1]) == AsciiLower(b[j - 1]) ? 0 : 1;
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + cost});
+      diagonal = above;
+    }
+  }
+  return row[b.size()];
+}
+
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
@@ -115,6 +139,30 @@ bool AppendUtf8(std::string& out, int64_t code_point) {
     out += static_cast<char>(0x80 | (cp & 0x3F));
   }
   return true;
+}
+
+std::optional<size_t> ClosingBracket(std::string_view text, size_t open, bool quotes) {
+  int depth = 0;
+  char quote = 0;
+  for (size_t i = open; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quote != 0) {
+      if (c == quote) {
+        if (i + 1 < text.size() && text[i + 1] == quote) {
+          ++i;
+        } else {
+          quote = 0;
+        }
+      }
+    } else if (quotes && (c == '"' || c == '\'')) {
+      quote = c;
+    } else if (c == '[') {
+      ++depth;
+    } else if (c == ']' && --depth == 0) {
+      return i;
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace vantorel::report::expr

@@ -6,6 +6,7 @@
 #define VANTOREL_REPORT_EXPR_TEXT_UTIL_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,10 @@ std::string DoubleText(double value);
 
 inline char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 inline char AsciiUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
+std::string AsciiUpper(std::string_view text);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+// Edit distance ignoring ASCII case, for "did you mean" hints.
+size_t EditDistance(std::string_view a, std::string_view b);
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix);
 
 // UTF-8 characters are counted by their lead bytes, so a malformed sequence never makes a
@@ -36,6 +40,12 @@ size_t ByteOffsetOfChar(std::string_view text, size_t index);
 // Appends the UTF-8 form of "code_point"; false (and nothing appended) for a value that is not a
 // Unicode scalar value.
 bool AppendUtf8(std::string& out, int64_t code_point);
+
+// The "]" that closes the "[" at "open" in a text with [expressions]: brackets nest, and inside
+// quotes ("]" or ']', a doubled quote standing for itself) they do not count. Without "quotes"
+// every bracket counts (for run-time texts such as "[Don't print]" whose apostrophe never
+// closes).
+std::optional<size_t> ClosingBracket(std::string_view text, size_t open, bool quotes);
 
 }  // namespace vantorel::report::expr
 

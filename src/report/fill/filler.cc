@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "report/fill/band_renderer.h"
+#include "report/expr/text_util.h"
 #include "report/fill/fill.h"
 #include "report/fill/fill_context.h"
 #include "report/fill/query_cursor.h"
@@ -16,12 +17,6 @@
 
 namespace vantorel::report {
 namespace {
-
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
 
 data::ParamValue ToParam(const expr::Value& value) {
   switch (value.kind()) {
@@ -198,7 +193,7 @@ class Filler {
     std::map<std::string, data::ParamValue> params;
     const auto set = settings_.parameters.find(q);
     for (const CompiledParam& param : query.params) {
-      const std::string key = Upper(param.name);
+      const std::string key = expr::AsciiUpper(param.name);
       if (set != settings_.parameters.end() && set->second.count(key)) {
         params[param.name] = set->second.at(key);
       } else if (param.value) {

@@ -1,15 +1,10 @@
 #include "report/fill/query_cursor.h"
+#include "report/expr/text_util.h"
 
 #include <cctype>
 
 namespace vantorel::report {
 namespace {
-
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return upper;
-}
 
 const data::Value kNull;
 
@@ -41,11 +36,11 @@ void QueryCursor::Open(data::Connection& connection, const std::string& sql,
   const auto& columns = cursor_->columns();
   width_ = columns.size();
   for (size_t i = 0; i < columns.size(); ++i) {
-    columns_.emplace(Upper(columns[i].name), static_cast<int>(i));
+    columns_.emplace(expr::AsciiUpper(columns[i].name), static_cast<int>(i));
   }
   for (const auto& [name, value] : params) {
     // A column of the same name wins.
-    if (columns_.emplace(Upper(name), static_cast<int>(width_ + parameters_.size())).second) {
+    if (columns_.emplace(expr::AsciiUpper(name), static_cast<int>(width_ + parameters_.size())).second) {
       parameters_.push_back(ToValue(value));
     }
   }
@@ -66,7 +61,7 @@ bool QueryCursor::Next() {
 }
 
 int QueryCursor::Column(std::string_view name) const {
-  const auto it = columns_.find(Upper(name));
+  const auto it = columns_.find(expr::AsciiUpper(name));
   return it == columns_.end() ? -1 : it->second;
 }
 

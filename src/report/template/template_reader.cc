@@ -14,35 +14,18 @@
 #include <sstream>
 
 #include "host/native_path.h"
+#include "report/expr/text_util.h"
 #include "report/template/template_io.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
 namespace {
 
-// Edit distance, for "did you mean" hints.
-size_t Distance(std::string_view a, std::string_view b) {
-  std::vector<size_t> row(b.size() + 1);
-  for (size_t j = 0; j <= b.size(); ++j) row[j] = j;
-  for (size_t i = 1; i <= a.size(); ++i) {
-    size_t diagonal = row[0];
-    row[0] = i;
-    for (size_t j = 1; j <= b.size(); ++j) {
-      const size_t above = row[j];
-      const bool same = std::tolower(static_cast<unsigned char>(a[i - 1])) ==
-                        std::tolower(static_cast<unsigned char>(b[j - 1]));
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
-      diagonal = above;
-    }
-  }
-  return row[b.size()];
-}
-
 std::string Suggest(std::string_view word, std::initializer_list<const char*> known) {
   const char* best = nullptr;
   size_t best_distance = 3;
   for (const char* candidate : known) {
-    const size_t d = Distance(word, candidate);
+    const size_t d = expr::EditDistance(word, candidate);
     if (d < best_distance) {
       best_distance = d;
       best = candidate;
@@ -142,24 +125,6 @@ std::optional<Reference> ReadReference(std::string_view xml, size_t at) {
   return Reference{code, semicolon + 1 - at};
 }
 
-void AppendUtf8(std::string& out, uint32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 enum class Markup { kComment, kCdata, kInstruction, kDeclaration, kStartTag, kEmptyTag, kEndTag };
 
 // The markup starting at "at" ('<') and the offset just past it.
@@ -195,29 +160,8 @@ std::pair<Markup, size_t> SkipMarkup(std::string_view xml, size_t at) {
 // (a doubled quote standing for itself) hide them, and a bracket whose quotes never close is
 // matched ignoring quotes.
 std::optional<size_t> ClosingBracket(std::string_view text, size_t open) {
-  for (const bool quotes : {true, false}) {
-    int depth = 0;
-    char quote = 0;
-    for (size_t i = open; i < text.size(); ++i) {
-      const char c = text[i];
-      if (quote != 0) {
-        if (c == quote) {
-          if (i + 1 < text.size() && text[i + 1] == quote) {
-            ++i;
-          } else {
-            quote = 0;
-          }
-        }
-      } else if (quotes && (c == '"' || c == '\'')) {
-        quote = c;
-      } else if (c == '[') {
-        ++depth;
-      } else if (c == ']' && --depth == 0) {
-        return i;
-      }
-    }
-  }
-  return std::nullopt;
+  if (const auto close = expr::ClosingBracket(text, open, true)) return close;
+  return expr::ClosingBracket(text, open, false);
 }
 
 // The [expressions] of a text: their byte ranges, brackets included.
@@ -388,7 +332,7 @@ class Reader {
         i = end;
       } else if (const auto reference = xml_[i] == '&' ? ReadReference(xml_, i) : std::nullopt) {
         const size_t at = decoded.size();
-        AppendUtf8(decoded, reference->code);
+        expr::AppendUtf8(decoded, reference->code);
         references.push_back({at, decoded.size() - at, xml_.substr(i, reference->length)});
         i += reference->length;
       } else {

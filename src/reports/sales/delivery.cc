@@ -13,21 +13,6 @@ constexpr const char* kGatePassSql =
     "engine from vu_invoice where id=";
 constexpr const char* kInvoiceSql = "SELECT * FROM VU_INVOICE WHERE ID=";
 
-// Documents selected by the SQL of query "Q_INV" (not tested for presence).
-void PrintWithSql(CRepoter& rep, const std::string& sql, const std::string* logo = nullptr) {
-  engine::ReportRun& run = PrintSteps::Run(rep);
-  std::string& buffer = PrintSteps::TextBuffer(rep);
-  if (!PrintSteps::Prepare(rep)) return;
-  if (logo != nullptr) SetPicture(run, "logo", *logo);
-  run.query = run.LocateQuery("Q_INV");
-  buffer = sql;
-  run.query.SetQueryText(buffer);
-  run.database = {};
-  run.query = {};
-  PrintSteps::Render(rep);
-  PrintSteps::Release(rep);
-}
-
 struct Parameter {
   const char* name;
   engine::ParameterValue value;
@@ -89,19 +74,19 @@ void CRepoter::ProVisionalRc(int16_t ID) {
 void CRepoter::VehGatePass(int16_t ID) {
   if (ID == 0) return;
   ThreadReportState().RptName = "vehgatepass";
-  PrintWithSql(*this, kGatePassSql + Digits(ID));
+  PrintWithSql(*this, "Q_INV", kGatePassSql + Digits(ID));
 }
 
 void CRepoter::CycleGatePass(int16_t ID, const std::string& LogoFile) {
   if (ID == 0) return;
   ThreadReportState().RptName = "cyclegatepass";
-  PrintWithSql(*this, kGatePassSql + Digits(ID), &LogoFile);
+  PrintWithSql(*this, "Q_INV", kGatePassSql + Digits(ID), &LogoFile);
 }
 
 void CRepoter::DecForm(int16_t ID) {
   if (ID == 0) return;
   ThreadReportState().RptName = "decform";
-  PrintWithSql(*this, kInvoiceSql + Digits(ID));
+  PrintWithSql(*this, "Q_INV", kInvoiceSql + Digits(ID));
 }
 
 void CRepoter::VehSticker(int16_t ID, uint8_t NoofStickers) {
@@ -113,13 +98,13 @@ void CRepoter::VehSticker(int16_t ID, uint8_t NoofStickers) {
 void CRepoter::VehSaleLetter(int16_t ID) {
   if (ID == 0) return;
   ThreadReportState().RptName = "vehsaleletter";
-  PrintWithSql(*this, kInvoiceSql + Digits(ID));
+  PrintWithSql(*this, "Q_INV", kInvoiceSql + Digits(ID));
 }
 
 void CRepoter::CycleSaleLetter(int16_t ID, const std::string& LogoFile) {
   if (ID == 0) return;
   ThreadReportState().RptName = "cyclesaleletter";
-  PrintWithSql(*this, kInvoiceSql + Digits(ID), &LogoFile);
+  PrintWithSql(*this, "Q_INV", kInvoiceSql + Digits(ID), &LogoFile);
 }
 
 void CRepoter::VehForm22(int16_t ID) {
@@ -138,7 +123,7 @@ void CRepoter::VehTempCertificate(int16_t Tline, const std::string& A4Single) {
   // The template is chosen, and named, before the guard.
   ThreadReportState().RptName = A4Single == "Y" ? "tempcertsingle" : "tempcert";
   if (Tline == 0) return;
-  PrintWithSql(*this, "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + Digits(Tline));
+  PrintWithSql(*this, "Q_INV", "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + Digits(Tline));
 }
 
 }  // namespace vantorel

@@ -3,28 +3,11 @@
 #include "reports/print_steps.h"
 
 namespace vantorel {
-namespace {
-
-// The documents whose SQL the component writes: prepare, set the SQL of "q_pm", render.
-void PrintWithSql(CRepoter& rep, const std::string& sql) {
-  engine::ReportRun& run = PrintSteps::Run(rep);
-  std::string& buffer = PrintSteps::TextBuffer(rep);
-  if (!PrintSteps::Prepare(rep)) return;
-  run.query = run.LocateQuery("q_pm");
-  buffer = sql;
-  run.query.SetQueryText(buffer);
-  run.database = {};
-  run.query = {};
-  PrintSteps::Render(rep);
-  PrintSteps::Release(rep);
-}
-
-}  // namespace
 
 void CRepoter::VehPurBill(int16_t Xid) {
   if (!(Xid > 0)) return;
   ThreadReportState().RptName = "vehpurbill";
-  PrintWithSql(*this,
+  PrintWithSql(*this, "q_pm",
                std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town from purchase p,"
                            "fa_acmaster ") +
                    "Where p.supid = am_id and p.id=" + Digits(Xid));
@@ -33,7 +16,7 @@ void CRepoter::VehPurBill(int16_t Xid) {
 void CRepoter::VehPurBillGST(int16_t Xid) {
   if (!(Xid > 0)) return;
   ThreadReportState().RptName = "vehpurbillgst";
-  PrintWithSql(*this,
+  PrintWithSql(*this, "q_pm",
                std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town,am_gst from "
                            "purchase p,fa_acmaster ") +
                    "Where p.supid = am_id and p.id=" + Digits(Xid));
@@ -61,7 +44,7 @@ void CRepoter::VehBtPrint(int16_t Xid) {
   // The name is set before the guard: a refused call still leaves it.
   ThreadReportState().RptName = "vehbtprint";
   if (Xid == 0) return;
-  PrintWithSql(*this,
+  PrintWithSql(*this, "q_pm",
                "select BV.*,am_name,am_town from btmstveh bv ,fa_acmaster where bv.btto=am_id "
                "and id=" +
                    Digits(Xid));
