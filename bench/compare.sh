@@ -51,7 +51,8 @@ if [ "${PEERS:-0}" = 1 ]; then
   "${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq weasyprint wkhtmltopdf \
     chromium imagemagick >/dev/null
   (cd "$OUT/peers" && [ -d node_modules ] || npm install --silent >/dev/null)
-  (cd "$OUT/peers" && ./run_peers.sh cold && ./run_peers.sh warm) >&2
+  # The kit reads PEERS itself, as its list of peers.
+  (cd "$OUT/peers" && env -u PEERS ./run_peers.sh cold && env -u PEERS ./run_peers.sh warm) >&2
   PEER_RESULTS=$OUT/peers/results
 fi
 
