@@ -32,14 +32,14 @@ demo: configure
 test: build
 	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure --timeout 300
 
-# The unit tests under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Every test under AddressSanitizer and UndefinedBehaviorSanitizer.
 sanitize: deps
 	@cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVANTOREL_SANITIZE=address \
 	  -DVANTOREL_GUI=ON >/dev/null
 	@cmake --build build/asan -j $(JOBS)
 	@cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp \
-	  ctest -j $(JOBS) -L unit --output-on-failure --timeout 600
+	  ctest -j $(JOBS) --output-on-failure --timeout 600
 
 # The template and expression parsers under libFuzzer, FUZZ_SECONDS each, starting from the
 # checked-in corpora (new finds go to build/fuzz, not into the repository).
