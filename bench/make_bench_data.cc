@@ -22,7 +22,8 @@ class Db {
  public:
   explicit Db(const std::string& path) {
     std::remove(path.c_str());
-    if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(db_));
+    if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK)
+      throw std::runtime_error(sqlite3_errmsg(db_));
     Exec("pragma journal_mode=off; pragma synchronous=off; begin");
   }
   ~Db() {
@@ -123,33 +124,71 @@ int main(int argc, char** argv) {
         rate numeric(12,2), value numeric(12,2));
     )");
     const json& c = invoice["company"];
-    db.Insert("firm", {"name", "tag", "addr1", "addr2", "phone", "email", "gstin", "pan", "cin",
-                       "state", "statecode", "bank"},
+    db.Insert("firm",
+              {"name", "tag", "addr1", "addr2", "phone", "email", "gstin", "pan", "cin", "state",
+               "statecode", "bank"},
               {c["name"], c["tag"], c["addr1"], c["addr2"], c["phone"], c["email"], c["gstin"],
                c["pan"], c["cin"], c["state"], c["stateCode"], c["bank"]});
     const json& cu = invoice["customer"];
     const json& ve = invoice["vehicle"];
     const json& t = invoice["totals"];
     // The e-invoice QR carries the same payload the peer kit encodes.
-    const json qr = {{"SellerGstin", c["gstin"]},      {"BuyerGstin", "URP"},
-                     {"DocNo", invoice["no"]},          {"DocTyp", "INV"},
-                     {"DocDt", "15/11/2025"},           {"TotInvVal", t["grand"]},
-                     {"ItemCnt", invoice["lines"].size()}, {"MainHsnCode", "87112019"},
-                     {"Irn", invoice["irn"]},           {"IrnDt", "2025-11-15 11:44:00"}};
-    db.Insert("invoice",
-              {"id", "no", "idate", "itime", "pos", "revcharge", "bookingno", "salesexec",
-               "payment", "irn", "ackno", "ackdate", "cname", "cadd1", "cadd2", "cmobile",
-               "cgstin", "cpan", "cstatecode", "hypothecation", "model", "variant", "colour",
-               "chassis", "engine", "keyno", "battery", "mfg", "fuel", "cc", "taxable", "cgst",
-               "sgst", "total", "roundoff", "grand", "qrdata", "terms"},
-              {1, invoice["no"], Iso(invoice["date"]), invoice["time"], invoice["placeOfSupply"],
-               invoice["reverseCharge"], invoice["bookingNo"], invoice["salesExec"],
-               invoice["payment"], invoice["irn"], invoice["ackNo"], invoice["ackDate"],
-               cu["name"], cu["addr1"], cu["addr2"], cu["mobile"], cu["gstin"], cu["pan"],
-               cu["stateCode"], cu["hypothecation"], ve["model"], ve["variant"], ve["colour"],
-               ve["chassis"], ve["engine"], ve["keyNo"], ve["battery"], ve["mfg"], ve["fuel"],
-               ve["cc"], t["taxable"], t["cgst"], t["sgst"], t["total"], t["roundOff"],
-               t["grand"], qr.dump(), Terms(invoice["terms"])});
+    const json qr = {{"SellerGstin", c["gstin"]},
+                     {"BuyerGstin", "URP"},
+                     {"DocNo", invoice["no"]},
+                     {"DocTyp", "INV"},
+                     {"DocDt", "15/11/2025"},
+                     {"TotInvVal", t["grand"]},
+                     {"ItemCnt", invoice["lines"].size()},
+                     {"MainHsnCode", "87112019"},
+                     {"Irn", invoice["irn"]},
+                     {"IrnDt", "2025-11-15 11:44:00"}};
+    db.Insert(
+        "invoice",
+        {"id",        "no",      "idate",   "itime",  "pos",        "revcharge",     "bookingno",
+         "salesexec", "payment", "irn",     "ackno",  "ackdate",    "cname",         "cadd1",
+         "cadd2",     "cmobile", "cgstin",  "cpan",   "cstatecode", "hypothecation", "model",
+         "variant",   "colour",  "chassis", "engine", "keyno",      "battery",       "mfg",
+         "fuel",      "cc",      "taxable", "cgst",   "sgst",       "total",         "roundoff",
+         "grand",     "qrdata",  "terms"},
+        {1,
+         invoice["no"],
+         Iso(invoice["date"]),
+         invoice["time"],
+         invoice["placeOfSupply"],
+         invoice["reverseCharge"],
+         invoice["bookingNo"],
+         invoice["salesExec"],
+         invoice["payment"],
+         invoice["irn"],
+         invoice["ackNo"],
+         invoice["ackDate"],
+         cu["name"],
+         cu["addr1"],
+         cu["addr2"],
+         cu["mobile"],
+         cu["gstin"],
+         cu["pan"],
+         cu["stateCode"],
+         cu["hypothecation"],
+         ve["model"],
+         ve["variant"],
+         ve["colour"],
+         ve["chassis"],
+         ve["engine"],
+         ve["keyNo"],
+         ve["battery"],
+         ve["mfg"],
+         ve["fuel"],
+         ve["cc"],
+         t["taxable"],
+         t["cgst"],
+         t["sgst"],
+         t["total"],
+         t["roundOff"],
+         t["grand"],
+         qr.dump(),
+         Terms(invoice["terms"])});
     int sr = 0;
     for (const json& l : invoice["lines"]) {
       db.Insert("invoiceline",

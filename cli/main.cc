@@ -155,10 +155,10 @@ std::string Quoted(const std::string& text) {
 
 // The template's name: its file name without folders and ".fr3".
 std::string TemplateName(const std::string& path) {
-  std::string name = path.substr(path.find_last_of("/\\") == std::string::npos
-                                     ? 0
-                                     : path.find_last_of("/\\") + 1);
-  if (name.size() > 4 && name.compare(name.size() - 4, 4, ".fr3") == 0) name.resize(name.size() - 4);
+  std::string name =
+      path.substr(path.find_last_of("/\\") == std::string::npos ? 0 : path.find_last_of("/\\") + 1);
+  if (name.size() > 4 && name.compare(name.size() - 4, 4, ".fr3") == 0)
+    name.resize(name.size() - 4);
   return name;
 }
 
@@ -193,8 +193,9 @@ int Render(const RenderOptions& options) {
       report::WritePdf(rendered.document, options.pdf);
       std::cout << options.pdf << ": " << rendered.document.pages.size() << " page(s)\n";
     } else if (!options.png_dir.empty()) {
-      for (const std::string& file : report::WritePngs(
-               rendered.document, options.png_dir, TemplateName(options.template_path), options.dpi)) {
+      for (const std::string& file :
+           report::WritePngs(rendered.document, options.png_dir,
+                             TemplateName(options.template_path), options.dpi)) {
         std::cout << file << "\n";
       }
     } else if (options.print) {
@@ -246,7 +247,8 @@ int Registration(bool add, bool system) {
   try {
     if (add) {
       Register(scope);
-      std::cout << "registered " << "Vantorel.CRepoter in " << RegistryPath(scope) << "\n";
+      std::cout << "registered "
+                << "Vantorel.CRepoter in " << RegistryPath(scope) << "\n";
     } else {
       Unregister(scope);
       std::cout << "unregistered Vantorel.CRepoter from " << RegistryPath(scope) << "\n";
@@ -345,7 +347,8 @@ int main(int argc, char** argv) {
   if (app.got_subcommand("call")) {
     call.pdf = call_cmd->count("--pdf") > 0;
     // "--pdf Challan_Customer 12": what --pdf took is the method, not a file name.
-    if (call.pdf && FindDispId(call.pdf_file) && call.pdf_file.find_first_of("/\\.") == std::string::npos) {
+    if (call.pdf && FindDispId(call.pdf_file) &&
+        call.pdf_file.find_first_of("/\\.") == std::string::npos) {
       call.args.insert(call.args.begin(), call.method);
       call.method = call.pdf_file;
       call.pdf_file.clear();

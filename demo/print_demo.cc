@@ -55,8 +55,7 @@ void WriteQrPicture(const std::string& db, int invoice, const std::string& file)
   std::string payload = "IRN";
   if (sqlite3_open_v2(db.c_str(), &handle, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
     sqlite3_stmt* statement = nullptr;
-    const std::string sql =
-        "select qr_text from invoice where id=" + std::to_string(invoice);
+    const std::string sql = "select qr_text from invoice where id=" + std::to_string(invoice);
     if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK &&
         sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_text(statement, 0) != nullptr) {
       payload = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
@@ -133,15 +132,19 @@ int main(int argc, char** argv) {
   };
   try {
     const int16_t challan = id("challan_customer_id");
-    add("challan-gatepass", "Challan_Customer", fact("challan_customer_id"),
+    add(
+        "challan-gatepass", "Challan_Customer", fact("challan_customer_id"),
         [&] { rep.Challan_Customer(challan, logo); }, [&] { SetGatePass(db, "Y"); });
-    add("challan", "Challan_Customer", fact("challan_customer_id"),
+    add(
+        "challan", "Challan_Customer", fact("challan_customer_id"),
         [&] { rep.Challan_Customer(challan, logo); }, [&] { SetGatePass(db, "N"); });
-    add("receipt", "ReceiptPrint", fact("receipt_id"),
+    add(
+        "receipt", "ReceiptPrint", fact("receipt_id"),
         [&, r = id("receipt_id")] { rep.ReceiptPrint(r); }, [&] { SetGatePass(db, "Y"); });
     const Date enquiry_from = Iso(fact("enquiry_from")), enquiry_to = Iso(fact("enquiry_to"));
     const std::string range = fact("enquiry_from") + " " + fact("enquiry_to");
-    add("enquiry-groupwise", "EnqGroupwise", range, [&] { rep.EnqGroupwise(enquiry_from, enquiry_to); });
+    add("enquiry-groupwise", "EnqGroupwise", range,
+        [&] { rep.EnqGroupwise(enquiry_from, enquiry_to); });
     add("enquiry-matured", "EnqPending", range + " 1",
         [&] { rep.EnqPending(enquiry_from, enquiry_to, 1); });
     add("enquiry-pending", "EnqPending", range + " 0",
@@ -154,7 +157,8 @@ int main(int argc, char** argv) {
         [&, p = id("purchase_id")] { rep.VehPurBill(p); });
     add("purchase-bill-gst", "VehPurBillGST", fact("purchase_id"),
         [&, p = id("purchase_id")] { rep.VehPurBillGST(p); });
-    add("vehicle-transfer", "VinTrf", fact("vintrf_id"), [&, t = id("vintrf_id")] { rep.VinTrf(t); });
+    add("vehicle-transfer", "VinTrf", fact("vintrf_id"),
+        [&, t = id("vintrf_id")] { rep.VinTrf(t); });
     add("branch-transfer", "VehBtPrint", fact("branch_transfer_id"),
         [&, t = id("branch_transfer_id")] { rep.VehBtPrint(t); });
     add("challan-subdealer", "ChallanSub", fact("challan_sub_id"),
@@ -205,7 +209,8 @@ int main(int argc, char** argv) {
     add("gst-invoice-hero-subdealer", "GSTVehInvoiceHeroSubdealer",
         fact("hero_subdealer_invoice_id"),
         [&, i = id("hero_subdealer_invoice_id")] { rep.GSTVehInvoiceHeroSubdealer(i); });
-    add("gst-invoice-2in1", "GSTVehInvoice2in1", inv, [&] { rep.GSTVehInvoice2in1(invoice, logo); });
+    add("gst-invoice-2in1", "GSTVehInvoice2in1", inv,
+        [&] { rep.GSTVehInvoice2in1(invoice, logo); });
     add("gst-invoice-with21", "GSTVehInvoicewith21", fact("invoice_after_revision_id"),
         [&, i = id("invoice_after_revision_id")] { rep.GSTVehInvoicewith21(i, logo); });
     add("gst-invoice-subdealer", "GSTVehInvoiceSubDealer", fact("subdealer_igst_invoice_id"),
@@ -214,7 +219,8 @@ int main(int argc, char** argv) {
         [&, i = id("cycle_subdealer_invoice_id")] { rep.CycleInvoiceSubDealer(i, logo); });
     add("packing-list", "VehSubDealerPackingList", fact("packing_list_id"),
         [&, i = id("packing_list_id")] { rep.VehSubDealerPackingList(i); });
-    add("einvoice", "EInvoiceVehicle", fact("einvoice_id"),
+    add(
+        "einvoice", "EInvoiceVehicle", fact("einvoice_id"),
         [&, i = id("einvoice_id")] { rep.EInvoiceVehicle(i, logo, qr); },
         [&] { WriteQrPicture(db, std::stoi(fact("einvoice_id")), qr); });
   } catch (const std::exception& error) {

@@ -29,11 +29,11 @@ constexpr int32_t kNoCurrentRecord = 3021;
 constexpr int32_t kItemNotFound = 3265;
 constexpr int32_t kObjectClosed = 3704;
 constexpr int32_t kConnectionInvalid = 3709;
-constexpr int32_t kUnspecified = -2147467259;        // 0x80004005
-constexpr int32_t kNotImplemented = -2147467263;     // 0x80004001
-constexpr int32_t kCommandError = -2147217900;       // 0x80040E14, bad SQL
+constexpr int32_t kUnspecified = -2147467259;           // 0x80004005
+constexpr int32_t kNotImplemented = -2147467263;        // 0x80004001
+constexpr int32_t kCommandError = -2147217900;          // 0x80040E14, bad SQL
 constexpr int32_t kAuthenticationFailed = -2147217843;  // 0x80040E4D
-constexpr int32_t kEngineFailure = -2147221504;      // 0x80040000, report engine operation failed
+constexpr int32_t kEngineFailure = -2147221504;  // 0x80040000, report engine operation failed
 }  // namespace errnum
 
 class VANTOREL_EXPORT Error : public std::runtime_error {

@@ -31,8 +31,8 @@ void CivilFromDays(int64_t z, int& year, int& month, int& day) {
 
 // 1899-12-30, day 0 of automation dates, counted from 1970-01-01.
 constexpr int64_t kEpochOffset = -25569;
-constexpr double kMinSerial = -657434.0;        // 0100-01-01
-constexpr double kMaxSerial = 2958465.999999;   // 9999-12-31 23:59:59
+constexpr double kMinSerial = -657434.0;       // 0100-01-01
+constexpr double kMaxSerial = 2958465.999999;  // 9999-12-31 23:59:59
 
 bool ParseDigits(std::string_view text, size_t pos, size_t count, int& out) {
   if (pos + count > text.size()) return false;
@@ -53,9 +53,9 @@ int DaysInMonth(int year, int month) {
 }  // namespace
 
 Date Date::FromYmd(int year, int month, int day) {
-  return Date{static_cast<double>(DaysFromCivil(year, static_cast<unsigned>(month),
-                                                static_cast<unsigned>(day)) -
-                                  kEpochOffset)};
+  return Date{static_cast<double>(
+      DaysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) -
+      kEpochOffset)};
 }
 
 Date Date::FromParts(const Parts& parts) {

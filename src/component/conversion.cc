@@ -1,10 +1,10 @@
 #include "component/conversion.h"
 
-#include <charconv>
-#include <cstdio>
-#include <cmath>
-#include <limits>
 #include <strings.h>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
 
 #include "host/date_format.h"
 #include "vantorel/platform.h"
@@ -20,8 +20,8 @@ namespace {
 }
 
 [[noreturn]] void Overflow(VarType type, int argument) {
-  throw DispatchError(disp::kOverflow, std::string("Overflow: value out of range for ") +
-                                           VarTypeName(type),
+  throw DispatchError(disp::kOverflow,
+                      std::string("Overflow: value out of range for ") + VarTypeName(type),
                       argument);
 }
 
@@ -35,7 +35,9 @@ std::string_view Trim(std::string_view text) {
 std::optional<double> ParseNumber(std::string_view text) {
   text = Trim(text);
   if (text.size() > 2 && text[0] == '&') {
-    const int base = (text[1] == 'H' || text[1] == 'h') ? 16 : (text[1] == 'O' || text[1] == 'o') ? 8 : 0;
+    const int base = (text[1] == 'H' || text[1] == 'h')   ? 16
+                     : (text[1] == 'O' || text[1] == 'o') ? 8
+                                                          : 0;
     if (base == 0) return std::nullopt;
     int64_t value = 0;
     const auto [end, ec] = std::from_chars(text.data() + 2, text.data() + text.size(), value, base);
@@ -91,16 +93,21 @@ std::optional<Date> ParseDate(std::string_view text) {
 // The value of a numeric, boolean or date variant as a double.
 std::optional<double> NumericValue(const Variant& value) {
   switch (value.type()) {
-    case VarType::kEmpty: return 0.0;
+    case VarType::kEmpty:
+      return 0.0;
     case VarType::kI2:
     case VarType::kI4:
     case VarType::kI8:
     case VarType::kUI1:
-    case VarType::kBool: return static_cast<double>(value.integer());
+    case VarType::kBool:
+      return static_cast<double>(value.integer());
     case VarType::kR8:
-    case VarType::kDate: return value.real();
-    case VarType::kString: return ParseNumber(value.text());
-    default: return std::nullopt;
+    case VarType::kDate:
+      return value.real();
+    case VarType::kString:
+      return ParseNumber(value.text());
+    default:
+      return std::nullopt;
   }
 }
 
@@ -141,10 +148,14 @@ Variant ChangeType(const Variant& value, VarType type, int argument) {
     Mismatch(value, type, argument);
   }
   switch (type) {
-    case VarType::kI2: return Variant::I2(ToInteger<int16_t>(value, type, argument));
-    case VarType::kI4: return Variant::I4(ToInteger<int32_t>(value, type, argument));
-    case VarType::kI8: return Variant::I8(ToInteger<int64_t>(value, type, argument));
-    case VarType::kUI1: return Variant::UI1(ToInteger<uint8_t>(value, type, argument));
+    case VarType::kI2:
+      return Variant::I2(ToInteger<int16_t>(value, type, argument));
+    case VarType::kI4:
+      return Variant::I4(ToInteger<int32_t>(value, type, argument));
+    case VarType::kI8:
+      return Variant::I8(ToInteger<int64_t>(value, type, argument));
+    case VarType::kUI1:
+      return Variant::UI1(ToInteger<uint8_t>(value, type, argument));
     case VarType::kR8: {
       const std::optional<double> number = NumericValue(value);
       if (!number) Mismatch(value, type, argument);
@@ -177,9 +188,12 @@ Variant ChangeType(const Variant& value, VarType type, int argument) {
     }
     case VarType::kString:
       switch (value.type()) {
-        case VarType::kEmpty: return Variant::String("");
-        case VarType::kBool: return Variant::String(value.integer() != 0 ? "True" : "False");
-        case VarType::kR8: return Variant::String(NumberText(value.real()));
+        case VarType::kEmpty:
+          return Variant::String("");
+        case VarType::kBool:
+          return Variant::String(value.integer() != 0 ? "True" : "False");
+        case VarType::kR8:
+          return Variant::String(NumberText(value.real()));
         case VarType::kDate:
           if (!Date{value.real()}.IsValid()) Overflow(type, argument);
           return Variant::String(
@@ -190,7 +204,8 @@ Variant ChangeType(const Variant& value, VarType type, int argument) {
           return Variant::String(std::string(buffer, end));
         }
       }
-    default: Mismatch(value, type, argument);
+    default:
+      Mismatch(value, type, argument);
   }
 }
 

@@ -27,8 +27,8 @@ Variant Invoke(CRepoter& object, DispId dispid, uint16_t flags, const std::vecto
   const std::span<const ParamInfo> params =
       entry.kind == EntryKind::kPropertyGet ? std::span<const ParamInfo>() : entry.parameters();
   if (args.size() > params.size()) {
-    throw DispatchError(disp::kBadParamCount, std::string("Wrong number of arguments for ") +
-                                                  entry.name);
+    throw DispatchError(disp::kBadParamCount,
+                        std::string("Wrong number of arguments for ") + entry.name);
   }
   std::vector<Variant> converted;
   converted.reserve(params.size());

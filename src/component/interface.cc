@@ -110,10 +110,14 @@ class TableBuilder {
 
 const char* IdlType(VarType type) {
   switch (type) {
-    case VarType::kString: return "BSTR";
-    case VarType::kBool: return "VARIANT_BOOL";
-    case VarType::kVariant: return "VARIANT";
-    default: return VarTypeName(type);
+    case VarType::kString:
+      return "BSTR";
+    case VarType::kBool:
+      return "VARIANT_BOOL";
+    case VarType::kVariant:
+      return "VARIANT";
+    default:
+      return VarTypeName(type);
   }
 }
 
@@ -121,15 +125,24 @@ const char* IdlType(VarType type) {
 // 32-bit integer stays 32 bits where C's long is 64.
 const char* CType(VarType type) {
   switch (type) {
-    case VarType::kI2: return "short";
-    case VarType::kI4: return "LONG";
-    case VarType::kUI1: return "unsigned char";
-    case VarType::kR8: return "double";
-    case VarType::kDate: return "DATE";
-    case VarType::kString: return "BSTR";
-    case VarType::kBool: return "VARIANT_BOOL";
-    case VarType::kVariant: return "VARIANT";
-    default: return VarTypeName(type);
+    case VarType::kI2:
+      return "short";
+    case VarType::kI4:
+      return "LONG";
+    case VarType::kUI1:
+      return "unsigned char";
+    case VarType::kR8:
+      return "double";
+    case VarType::kDate:
+      return "DATE";
+    case VarType::kString:
+      return "BSTR";
+    case VarType::kBool:
+      return "VARIANT_BOOL";
+    case VarType::kVariant:
+      return "VARIANT";
+    default:
+      return VarTypeName(type);
   }
 }
 
@@ -258,7 +271,8 @@ std::string ParamCType(const ParamInfo& param, EntryKind kind) {
 std::string InterfaceCHeader() {
   std::string text;
   text +=
-      "/* The binary layout of _CRepoter, the dual interface of " VANTOREL_PROGID ": the table\n"
+      "/* The binary layout of _CRepoter, the dual interface of " VANTOREL_PROGID
+      ": the table\n"
       " * of entries an early-bound host calls by position (the seven entries of IDispatch, then\n"
       " * the get and put of each property, then the methods, in the order they were published),\n"
       " * the identifiers of the interface, the class and the type library, and the four exports\n"
@@ -285,13 +299,13 @@ std::string InterfaceCHeader() {
   text += "  /* IDispatch */\n";
   AppendCEntry(text, "HRESULT", "GetTypeInfoCount", {"UINT* pctinfo"});
   AppendCEntry(text, "HRESULT", "GetTypeInfo", {"UINT iTInfo", "LCID lcid", "ITypeInfo** ppTInfo"});
-  AppendCEntry(text, "HRESULT", "GetIDsOfNames",
-               {"REFIID riid", "LPOLESTR* rgszNames", "UINT cNames", "LCID lcid",
-                "DISPID* rgDispId"});
-  AppendCEntry(text, "HRESULT", "Invoke",
-               {"DISPID dispIdMember", "REFIID riid", "LCID lcid", "WORD wFlags",
-                "DISPPARAMS* pDispParams", "VARIANT* pVarResult", "EXCEPINFO* pExcepInfo",
-                "UINT* puArgErr"});
+  AppendCEntry(
+      text, "HRESULT", "GetIDsOfNames",
+      {"REFIID riid", "LPOLESTR* rgszNames", "UINT cNames", "LCID lcid", "DISPID* rgDispId"});
+  AppendCEntry(
+      text, "HRESULT", "Invoke",
+      {"DISPID dispIdMember", "REFIID riid", "LCID lcid", "WORD wFlags", "DISPPARAMS* pDispParams",
+       "VARIANT* pVarResult", "EXCEPINFO* pExcepInfo", "UINT* puArgErr"});
   text += "  /* _CRepoter */\n";
   for (const EntryInfo& entry : InterfaceEntries()) {
     std::vector<std::string> params;

@@ -18,11 +18,17 @@ struct ParamSpec {
   const char* name;
 };
 template <VarType T>
-constexpr ParamSpec<T, 0> In(const char* name) { return {name}; }
+constexpr ParamSpec<T, 0> In(const char* name) {
+  return {name};
+}
 template <VarType T>
-constexpr ParamSpec<T, 1> Ref(const char* name) { return {name}; }
+constexpr ParamSpec<T, 1> Ref(const char* name) {
+  return {name};
+}
 template <VarType T>
-constexpr ParamSpec<T, 2> Opt(const char* name) { return {name}; }
+constexpr ParamSpec<T, 2> Opt(const char* name) {
+  return {name};
+}
 
 template <typename Visitor>
 void VisitInterface(Visitor& v) {
@@ -41,9 +47,9 @@ void VisitInterface(Visitor& v) {
   v.template Property<&C::get_RptName, &C::put_RptName, STR>(0x40030009, "RptName");
   v.template Property<&C::get_Export, &C::put_Export, BOOL>(0x4003000A, "Export");
   v.template Property<&C::get_DbConnectstring, &C::put_DbConnectstring, STR>(0x4003000B,
-                                                                              "DbConnectstring");
-  v.template Property<&C::get_DbTConnectstring, &C::put_DbTConnectstring, STR>(
-      0x4003000C, "DbTConnectstring");
+                                                                             "DbConnectstring");
+  v.template Property<&C::get_DbTConnectstring, &C::put_DbTConnectstring, STR>(0x4003000C,
+                                                                               "DbTConnectstring");
   v.template Property<&C::get_DesigbeMode, &C::put_DesigbeMode, BOOL>(0x4003000D, "DesigbeMode");
   v.template Property<&C::get_RptPrint, &C::put_RptPrint, BOOL>(0x4003000E, "RptPrint");
   v.template Property<&C::get_FirmID, &C::put_FirmID, UI1>(0x4003000F, "FirmID");
@@ -103,22 +109,18 @@ void VisitInterface(Visitor& v) {
   v.template Method<&C::w_jobinvPrint>(0x60030027, "w_jobinvPrint", Ref<I2>("ma_id"),
                                        Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::w_jobinvPrintHero>(0x60030028, "w_jobinvPrintHero", Ref<I2>("ma_id"),
-                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"),
-                                           Ref<BOOL>("IsIGST"));
-  v.template Method<&C::custom_w_jobinvPrint>(0x60030029, "custom_w_jobinvPrint",
-                                              Ref<I2>("ma_id"), Ref<STR>("ma_rv"),
-                                              Ref<R8>("Amt"));
+                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"), Ref<BOOL>("IsIGST"));
+  v.template Method<&C::custom_w_jobinvPrint>(0x60030029, "custom_w_jobinvPrint", Ref<I2>("ma_id"),
+                                              Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::w_proinvoicePrint>(0x6003002A, "w_proinvoicePrint", Ref<I2>("job_srl"));
   v.template Method<&C::w_counterprint>(0x6003002B, "w_counterprint", Ref<I2>("ma_id"),
                                         Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::w_counterprinthero>(0x6003002C, "w_counterprinthero", Ref<I2>("ma_id"),
                                             Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::w_gstcounterprinthero>(0x6003002D, "w_gstcounterprinthero",
-                                               Ref<I2>("ma_id"), Ref<STR>("ma_rv"),
-                                               Ref<R8>("Amt"));
+                                               Ref<I2>("ma_id"), Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::custom_w_counterprint>(0x6003002E, "custom_w_counterprint",
-                                               Ref<I2>("ma_id"), Ref<STR>("ma_rv"),
-                                               Ref<R8>("Amt"));
+                                               Ref<I2>("ma_id"), Ref<STR>("ma_rv"), Ref<R8>("Amt"));
   v.template Method<&C::w_history>(0x6003002F, "w_history", Ref<STR>("chassisno"));
   v.template Method<&C::w_OpeningParts>(0x60030030, "w_OpeningParts");
   v.template Method<&C::w_ClosingParts>(0x60030031, "w_ClosingParts", Ref<DT>("ason"),
@@ -130,8 +132,8 @@ void VisitInterface(Visitor& v) {
   v.template Method<&C::w_ServiceReport>(0x60030034, "w_ServiceReport", Ref<DT>("FromDate"),
                                          Ref<DT>("ToDate"));
   v.template Method<&C::w_mechreqlist>(0x60030035, "w_mechreqlist", Ref<I2>("Mechid"),
-                                       Ref<STR>("MechName"), Ref<STR>("PartType"),
-                                       Ref<DT>("Fdt"), Ref<DT>("Tdt"));
+                                       Ref<STR>("MechName"), Ref<STR>("PartType"), Ref<DT>("Fdt"),
+                                       Ref<DT>("Tdt"));
   v.template Method<&C::w_mechlablist>(0x60030036, "w_mechlablist", Ref<I2>("Mechid"),
                                        Ref<STR>("MechName"), Ref<DT>("Fdt"), Ref<DT>("Tdt"));
   v.template Method<&C::w_superreqlist>(0x60030037, "w_superreqlist", Ref<I2>("Mechid"),
@@ -149,8 +151,7 @@ void VisitInterface(Visitor& v) {
                                     Ref<DT>("Tdt"));
   v.template Method<&C::Vat19Print>(0x6003003E, "Vat19Print", Ref<STR>("Sq"), Ref<DT>("Fdt"),
                                     Ref<DT>("Tdt"));
-  v.template Method<&C::TrialParty>(0x6003003F, "TrialParty", In<DT>("Fdt"),
-                                    In<STR>("NatureType"));
+  v.template Method<&C::TrialParty>(0x6003003F, "TrialParty", In<DT>("Fdt"), In<STR>("NatureType"));
   v.template Method<&C::TrialPartydcr>(0x60030040, "TrialPartydcr", In<DT>("Fdt"));
   v.template Method<&C::WS_TOPLIST>(0x60030041, "WS_TOPLIST", In<I2>("Xid"));
   v.template Method<&C::QuotePrint>(0x60030044, "QuotePrint", In<I2>("Xid"));
@@ -171,9 +172,8 @@ void VisitInterface(Visitor& v) {
                                         Ref<STR>("mTitle"));
   v.template Method<&C::VoucherPrintUserWise>(0x6003004D, "VoucherPrintUserWise",
                                               Ref<STR>("SqlQry"));
-  v.template Method<&C::ChequePrint>(0x6003004E, "ChequePrint", In<STR>("Chdate"),
-                                     In<STR>("ACpay"), In<STR>("PartyName"), In<STR>("Amt"),
-                                     In<STR>("inWords"));
+  v.template Method<&C::ChequePrint>(0x6003004E, "ChequePrint", In<STR>("Chdate"), In<STR>("ACpay"),
+                                     In<STR>("PartyName"), In<STR>("Amt"), In<STR>("inWords"));
   v.template Method<&C::GSTVehInvoiceSingle>(0x6003004F, "GSTVehInvoiceSingle", In<I2>("ID"),
                                              Opt<STR>("LogoFile"));
   v.template Method<&C::CycleInvoice>(0x60030050, "CycleInvoice", In<I2>("ID"),
@@ -185,8 +185,8 @@ void VisitInterface(Visitor& v) {
                                            Opt<STR>("LogoFile"));
   v.template Method<&C::GSTVehInvoicewith21>(0x60030054, "GSTVehInvoicewith21", In<I2>("ID"),
                                              Opt<STR>("LogoFile"));
-  v.template Method<&C::GSTVehInvoiceSubDealer>(0x60030055, "GSTVehInvoiceSubDealer",
-                                                In<I2>("ID"), Opt<STR>("LogoFile"));
+  v.template Method<&C::GSTVehInvoiceSubDealer>(0x60030055, "GSTVehInvoiceSubDealer", In<I2>("ID"),
+                                                Opt<STR>("LogoFile"));
   v.template Method<&C::CycleInvoiceSubDealer>(0x60030056, "CycleInvoiceSubDealer", In<I2>("ID"),
                                                Ref<STR>("LogoFile"));
   v.template Method<&C::VehSubDealerPackingList>(0x60030057, "VehSubDealerPackingList",
@@ -194,8 +194,7 @@ void VisitInterface(Visitor& v) {
   v.template Method<&C::w_gstjobinvPrint>(0x60030058, "w_gstjobinvPrint", Ref<I2>("ma_id"),
                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"), Ref<STR>("mRPT"));
   v.template Method<&C::w_gstcounterprint>(0x60030059, "w_gstcounterprint", Ref<I2>("ma_id"),
-                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"),
-                                           Opt<VAR>("LogoFile"));
+                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"), Opt<VAR>("LogoFile"));
   v.template Method<&C::TrialNature>(0x6003005A, "TrialNature", In<DT>("Fdt"), In<STR>("Nature"),
                                      Ref<STR>("Qry"));
   v.template Method<&C::GstVoucherPrint>(0x6003005B, "GstVoucherPrint", In<I2>("dId"));
@@ -206,17 +205,17 @@ void VisitInterface(Visitor& v) {
   v.template Method<&C::GstPurchaseSummary>(0x6003005F, "GstPurchaseSummary", Ref<DT>("Fdt"),
                                             Ref<DT>("Tdt"));
   v.template Method<&C::Apro_counterprint>(0x60030060, "Apro_counterprint", Ref<I2>("ma_id"),
-                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"),
-                                           Ref<STR>("LogoFile"), Ref<BOOL>("WithoutMrp"));
+                                           Ref<STR>("ma_rv"), Ref<R8>("Amt"), Ref<STR>("LogoFile"),
+                                           Ref<BOOL>("WithoutMrp"));
   v.template Method<&C::Apro_jobinvPrint>(0x60030061, "Apro_jobinvPrint", Ref<I2>("ma_id"),
-                                          Ref<STR>("ma_rv"), Ref<R8>("Amt"),
-                                          Ref<STR>("LogoFile"), Ref<BOOL>("WithoutMrp"));
+                                          Ref<STR>("ma_rv"), Ref<R8>("Amt"), Ref<STR>("LogoFile"),
+                                          Ref<BOOL>("WithoutMrp"));
   v.template Method<&C::Apro_StockSummary>(0x60030062, "Apro_StockSummary", In<DT>("Fdt"));
   v.template Method<&C::EInvoiceVehicle>(0x60030063, "EInvoiceVehicle", In<I2>("ID"),
                                          Opt<STR>("LogoFile"), Opt<STR>("QrFile"));
   v.template Method<&C::EInvoiceService>(0x60030064, "EInvoiceService", Ref<I2>("ma_id"),
-                                         Ref<STR>("ma_rv"), Ref<R8>("Amt"),
-                                         Opt<STR>("LogoFile"), Opt<STR>("QrFile"));
+                                         Ref<STR>("ma_rv"), Ref<R8>("Amt"), Opt<STR>("LogoFile"),
+                                         Opt<STR>("QrFile"));
   v.template Method<&C::EInvoiceClaim>(0x60030065, "EInvoiceClaim", Ref<I2>("DocID"),
                                        Ref<STR>("DocFrom"), Ref<R8>("Amt"), Opt<STR>("LogoFile"),
                                        Opt<STR>("QrFile"));

@@ -9,18 +9,30 @@ constexpr int32_t kParamNotFound = static_cast<int32_t>(0x80020004u);
 
 const char* VarTypeName(VarType type) {
   switch (type) {
-    case VarType::kEmpty: return "empty";
-    case VarType::kNull: return "null";
-    case VarType::kI2: return "short";
-    case VarType::kI4: return "long";
-    case VarType::kR8: return "double";
-    case VarType::kDate: return "DATE";
-    case VarType::kString: return "BSTR";
-    case VarType::kError: return "SCODE";
-    case VarType::kBool: return "VARIANT_BOOL";
-    case VarType::kVariant: return "VARIANT";
-    case VarType::kUI1: return "unsigned char";
-    case VarType::kI8: return "hyper";
+    case VarType::kEmpty:
+      return "empty";
+    case VarType::kNull:
+      return "null";
+    case VarType::kI2:
+      return "short";
+    case VarType::kI4:
+      return "long";
+    case VarType::kR8:
+      return "double";
+    case VarType::kDate:
+      return "DATE";
+    case VarType::kString:
+      return "BSTR";
+    case VarType::kError:
+      return "SCODE";
+    case VarType::kBool:
+      return "VARIANT_BOOL";
+    case VarType::kVariant:
+      return "VARIANT";
+    case VarType::kUI1:
+      return "unsigned char";
+    case VarType::kI8:
+      return "hyper";
   }
   return "?";
 }

@@ -104,7 +104,8 @@ std::string WithScale(std::string digits, int scale) {
         if (i == 0) digits.insert(0, "1");
       }
     }
-    if (digits.find_first_not_of("-0.") == std::string::npos && digits[0] == '-') digits.erase(0, 1);
+    if (digits.find_first_not_of("-0.") == std::string::npos && digits[0] == '-')
+      digits.erase(0, 1);
     return digits;
   }
   if (point == std::string::npos && scale > 0) digits += '.';

@@ -19,17 +19,21 @@ class NoEngine final : public Engine {
 std::shared_ptr<Engine> NoEngineFactory() { return std::make_shared<NoEngine>(); }
 
 std::mutex g_mutex;
-std::shared_ptr<Engine> (*g_factory)() = nullptr;               // guarded by g_mutex
-std::shared_ptr<Engine> (*g_built_in)() = &NoEngineFactory;    // guarded by g_mutex
+std::shared_ptr<Engine> (*g_factory)() = nullptr;            // guarded by g_mutex
+std::shared_ptr<Engine> (*g_built_in)() = &NoEngineFactory;  // guarded by g_mutex
 
 }  // namespace
 
 const char* KindName(ComponentKind kind) {
   switch (kind) {
-    case ComponentKind::kMemo: return "memo";
-    case ComponentKind::kQuery: return "query";
-    case ComponentKind::kDatabase: return "database";
-    case ComponentKind::kOther: break;
+    case ComponentKind::kMemo:
+      return "memo";
+    case ComponentKind::kQuery:
+      return "query";
+    case ComponentKind::kDatabase:
+      return "database";
+    case ComponentKind::kOther:
+      break;
   }
   return "component";
 }

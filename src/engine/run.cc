@@ -59,7 +59,10 @@ void QueryRef::SetQueryText(const std::string& sql) {
 
 ParamRef QueryRef::GetQueryParameter(const std::string& name) {
   if (!object_) {
-    trace::Event("GetQueryParameter").Text("query", name_).Text("name", name).Flag("found", false)
+    trace::Event("GetQueryParameter")
+        .Text("query", name_)
+        .Text("name", name)
+        .Flag("found", false)
         .Write();
     ThrowEmpty("query", name_);
   }

@@ -160,15 +160,18 @@ class Report final : public ReportObject {
     const auto it = template_->components.find(name);
     if (it == template_->components.end()) return nullptr;
     switch (it->second) {
-      case ComponentKind::kMemo: return std::make_shared<Memo>(shared_, name);
+      case ComponentKind::kMemo:
+        return std::make_shared<Memo>(shared_, name);
       case ComponentKind::kQuery: {
         const auto params = template_->parameters.find(name);
         return std::make_shared<Query>(
             shared_, name,
             params == template_->parameters.end() ? std::set<std::string>() : params->second);
       }
-      case ComponentKind::kDatabase: return std::make_shared<Database>(shared_, name);
-      case ComponentKind::kOther: break;
+      case ComponentKind::kDatabase:
+        return std::make_shared<Database>(shared_, name);
+      case ComponentKind::kOther:
+        break;
     }
     return std::make_shared<Other>(name);
   }

@@ -26,13 +26,13 @@ class ScriptedEngine final : public Engine {
   // What the component did, over all reports of this engine.
   struct Observed {
     int reports_created = 0;
-    std::vector<std::string> loaded;                      // template files
-    std::map<std::string, std::string> memo_texts;        // memo → text
-    std::map<std::string, std::string> query_sql;         // query → SQL
-    std::map<std::string, ParameterValue> parameters;     // "query.param" → value
-    std::map<std::string, std::string> variables;         // "Category.name" → value
-    std::map<std::string, std::string> connections;       // database → connection string
-    std::map<std::string, bool> connected;                // database → last SetConnected
+    std::vector<std::string> loaded;                   // template files
+    std::map<std::string, std::string> memo_texts;     // memo → text
+    std::map<std::string, std::string> query_sql;      // query → SQL
+    std::map<std::string, ParameterValue> parameters;  // "query.param" → value
+    std::map<std::string, std::string> variables;      // "Category.name" → value
+    std::map<std::string, std::string> connections;    // database → connection string
+    std::map<std::string, bool> connected;             // database → last SetConnected
     std::vector<std::string> outputs;  // "OpenDesigner", "PrepareReport", "PrintPrepared",
                                        // "ExportPdf <file>", "ShowPreview"
     std::vector<int> engine_options;

@@ -33,8 +33,12 @@ std::string FormatDate(Date date, std::string_view picture, char separator) {
     const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(picture[i])));
     const size_t run = (c == 'd' || c == 'm' || c == 'y') ? RunLength(picture, i) : 1;
     switch (c) {
-      case 'd': AppendNumber(out, p.day, run >= 2 ? 2 : 1); break;
-      case 'm': AppendNumber(out, p.month, run >= 2 ? 2 : 1); break;
+      case 'd':
+        AppendNumber(out, p.day, run >= 2 ? 2 : 1);
+        break;
+      case 'm':
+        AppendNumber(out, p.month, run >= 2 ? 2 : 1);
+        break;
       case 'y':
         if (run >= 3) {
           AppendNumber(out, p.year, 4);
@@ -42,8 +46,11 @@ std::string FormatDate(Date date, std::string_view picture, char separator) {
           AppendNumber(out, p.year % 100, 2);
         }
         break;
-      case '/': out += separator; break;
-      default: out += picture[i];
+      case '/':
+        out += separator;
+        break;
+      default:
+        out += picture[i];
     }
     i += run;
   }
@@ -73,13 +80,22 @@ std::optional<RegionalDateSettings> RegionalFromDateFormat(std::string_view d_fm
     if (d_fmt[i] == '%' && i + 1 < d_fmt.size()) {
       const char conversion = d_fmt[++i];
       switch (conversion) {
-        case 'd': settings.short_date += "dd"; break;
-        case 'e': settings.short_date += "d"; break;
-        case 'm': settings.short_date += "mm"; break;
+        case 'd':
+          settings.short_date += "dd";
+          break;
+        case 'e':
+          settings.short_date += "d";
+          break;
+        case 'm':
+          settings.short_date += "mm";
+          break;
         // Documents always carry four-digit years, even where the locale abbreviates them.
         case 'y':
-        case 'Y': settings.short_date += "yyyy"; break;
-        default: return std::nullopt;  // names of days or months: not a short numeric form
+        case 'Y':
+          settings.short_date += "yyyy";
+          break;
+        default:
+          return std::nullopt;  // names of days or months: not a short numeric form
       }
       ++fields;
     } else if (std::isalnum(static_cast<unsigned char>(d_fmt[i])) || d_fmt[i] == ' ') {

@@ -53,9 +53,9 @@ class LinuxPlatform final : public Platform {
       handler(text, icon);
       return;
     }
-    const std::string line = std::string(icon == MessageIcon::kCritical ? "vantorel: error: "
-                                                                         : "vantorel: ") +
-                             OneLine(text) + "\n";
+    const std::string line =
+        std::string(icon == MessageIcon::kCritical ? "vantorel: error: " : "vantorel: ") +
+        OneLine(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
     std::fflush(stderr);
   }

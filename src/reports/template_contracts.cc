@@ -92,7 +92,8 @@ std::vector<report::Problem> CheckContract(const report::CompiledReport& report,
       const std::string param(params.substr(0, comma));
       params = comma == std::string_view::npos ? std::string_view() : params.substr(comma + 1);
       bool found = false;
-      for (const report::CompiledParam& declared : report.queries[static_cast<size_t>(query)].params) {
+      for (const report::CompiledParam& declared :
+           report.queries[static_cast<size_t>(query)].params) {
         std::string a = declared.name, b = param;
         for (char& c : a) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         for (char& c : b) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));

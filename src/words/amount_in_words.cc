@@ -11,11 +11,11 @@ namespace vantorel {
 namespace {
 
 constexpr std::array<std::string_view, 20> kUnits = {
-    "",        "ONE",     "TWO",       "THREE",    "FOUR",     "FIVE",    "SIX",
-    "SEVEN",   "EIGHT",   "NINE",      "TEN",      "ELEVEN",   "TWELVE",  "THIRTEEN",
-    "FOURTEEN", "FIFTEEN", "SIXTEEN",  "SEVENTEEN", "EIGHTEEN", "NINETEEN"};
-constexpr std::array<std::string_view, 10> kTens = {"",      "",      "TWENTY",  "THIRTY", "FORTY",
-                                                    "FIFTY", "SIXTY", "SEVENTY", "EIGHTY", "NINETY"};
+    "",         "ONE",     "TWO",     "THREE",     "FOUR",     "FIVE",    "SIX",
+    "SEVEN",    "EIGHT",   "NINE",    "TEN",       "ELEVEN",   "TWELVE",  "THIRTEEN",
+    "FOURTEEN", "FIFTEEN", "SIXTEEN", "SEVENTEEN", "EIGHTEEN", "NINETEEN"};
+constexpr std::array<std::string_view, 10> kTens = {
+    "", "", "TWENTY", "THIRTY", "FORTY", "FIFTY", "SIXTY", "SEVENTY", "EIGHTY", "NINETY"};
 
 // The word for 0..99: tens word, a blank, units word; 0 is empty.
 std::string Word(int n) {
@@ -53,9 +53,8 @@ std::string AmountInWords(double amount) {
     size_t from_end, count;
     std::string_view suffix;
   };
-  static constexpr Group kGroups[] = {{14, 1, " ARAB "},     {12, 2, " CRORE "},
-                                      {10, 2, " LAC "},      {8, 2, " THOUSAND "},
-                                      {6, 1, " HUNDRED "},   {5, 2, " "}};
+  static constexpr Group kGroups[] = {{14, 1, " ARAB "},    {12, 2, " CRORE "},  {10, 2, " LAC "},
+                                      {8, 2, " THOUSAND "}, {6, 1, " HUNDRED "}, {5, 2, " "}};
   std::string words;
   for (const Group& g : kGroups) {
     const int n = Digits(text, g.from_end, g.count);

@@ -53,8 +53,10 @@ class CliCall : public ::testing::Test {
   CliCall() {
     sqlite3* db = nullptr;
     sqlite3_open(db_.c_str(), &db);
-    sqlite3_exec(db, "create table receipt (id integer, amt numeric(12,2));"
-                     "insert into receipt values (7, 2500);", nullptr, nullptr, nullptr);
+    sqlite3_exec(db,
+                 "create table receipt (id integer, amt numeric(12,2));"
+                 "insert into receipt values (7, 2500);",
+                 nullptr, nullptr, nullptr);
     sqlite3_close(db);
     dir_.Write("t/receipt.fr3", R"(<report format="vantorel-template" version="1">
   <database name="DMSDB"/>
@@ -69,8 +71,8 @@ class CliCall : public ::testing::Test {
 
 TEST_F(CliCall, CallsAPrintMethodAsAHostDoes) {
   const std::string pdf = dir_.path().string() + "/r.pdf";
-  const Result result = Vantorel("call --report-path " + dir_.folder() + "t/ --db " + db_ + " --pdf " +
-                            pdf + " ReceiptPrint 7");
+  const Result result = Vantorel("call --report-path " + dir_.folder() + "t/ --db " + db_ +
+                                 " --pdf " + pdf + " ReceiptPrint 7");
   EXPECT_EQ(result.status, 0) << result.out;
   EXPECT_NE(result.out.find("LastMsg: Run setfrx is ok "), std::string::npos) << result.out;
   ASSERT_TRUE(std::filesystem::exists(pdf));
@@ -78,15 +80,16 @@ TEST_F(CliCall, CallsAPrintMethodAsAHostDoes) {
                                              ::pclose);
   std::string extracted;
   std::array<char, 4096> buffer;
-  while (std::fgets(buffer.data(), buffer.size(), text.get()) != nullptr) extracted += buffer.data();
+  while (std::fgets(buffer.data(), buffer.size(), text.get()) != nullptr)
+    extracted += buffer.data();
   EXPECT_NE(extracted.find("(AMOUNT IN WORDS RUPEES TWO THOUSAND FIVE HUNDRED ONLY)"),
             std::string::npos)
       << extracted;
 }
 
 TEST_F(CliCall, FailuresExitNonZeroWithNumberAndText) {
-  const Result result = Vantorel("call --report-path " + dir_.folder() + "t/ --db " + db_ +
-                            " --pdf ReceiptPrint 99");
+  const Result result =
+      Vantorel("call --report-path " + dir_.folder() + "t/ --db " + db_ + " --pdf ReceiptPrint 99");
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.out.find("error 3021"), std::string::npos) << result.out;
   const Result unknown = Vantorel("call NoSuchMethod");
@@ -99,7 +102,7 @@ TEST_F(CliCall, FailuresExitNonZeroWithNumberAndText) {
 TEST_F(CliCall, SetStoresRawValues) {
   // RptPrint=1 is not "exactly true": the report is previewed, which needs a display.
   const Result result = Vantorel("call --report-path " + dir_.folder() + "t/ --db " + db_ +
-                            " --set RptPrint=1 --set DesigbeMode=0 ReceiptPrint 7");
+                                 " --set RptPrint=1 --set DesigbeMode=0 ReceiptPrint 7");
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.out.find("display"), std::string::npos) << result.out;
 }
@@ -107,15 +110,15 @@ TEST_F(CliCall, SetStoresRawValues) {
 TEST_F(CliCall, RenderWritesPdfAndPngs) {
   const std::string pdf = dir_.path().string() + "/out.pdf";
   const Result result = Vantorel("render " + dir_.folder() + "t/receipt.fr3 --db " + db_ +
-                            " --param q_rt.id=7 --pdf " + pdf);
+                                 " --param q_rt.id=7 --pdf " + pdf);
   EXPECT_EQ(result.status, 0) << result.out;
   EXPECT_TRUE(std::filesystem::exists(pdf));
   const Result png = Vantorel("render " + dir_.folder() + "t/receipt.fr3 --db " + db_ + " --png " +
-                         dir_.folder() + "png --dpi 50");
+                              dir_.folder() + "png --dpi 50");
   EXPECT_EQ(png.status, 0) << png.out;
   EXPECT_TRUE(std::filesystem::exists(dir_.path() / "png" / "receipt-1.png"));
   const Result bad = Vantorel("render " + dir_.folder() + "t/receipt.fr3 --db " + db_ +
-                         " --param q_rt.id=seven --pdf " + pdf);
+                              " --param q_rt.id=seven --pdf " + pdf);
   EXPECT_EQ(bad.status, 1);
   EXPECT_NE(bad.out.find("wants a whole number"), std::string::npos) << bad.out;
 }

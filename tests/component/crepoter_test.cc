@@ -60,8 +60,8 @@ TEST(CRepoter, SetVarsCopiesEveryPropertyButLastMsg) {
   rep.put_RptPDF(kTrue);
   rep.put_PDFPath("/out.pdf");
   rep.SetVars();
-  const ReportState expected{"/r/", "name", kTrue, 1, "dms.db", "temp.db", 1, 3, "/app", kTrue,
-                             "/out.pdf"};
+  const ReportState expected{"/r/", "name", kTrue,  1,     "dms.db",  "temp.db",
+                             1,     3,      "/app", kTrue, "/out.pdf"};
   EXPECT_EQ(CurrentReportState(), expected);
 }
 

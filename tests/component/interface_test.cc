@@ -23,9 +23,9 @@ TEST(Interface, HasTwentyFourPropertyEntriesThenOneHundredMethods) {
 }
 
 TEST(Interface, PropertyIdentifiersSkipOneToSeven) {
-  const char* kOrder[] = {"LastMsg", "ReportPath", "RptName", "Export",
+  const char* kOrder[] = {"LastMsg",         "ReportPath",       "RptName",     "Export",
                           "DbConnectstring", "DbTConnectstring", "DesigbeMode", "RptPrint",
-                          "FirmID", "AppPath", "RptPDF", "PDFPath"};
+                          "FirmID",          "AppPath",          "RptPDF",      "PDFPath"};
   const auto entries = InterfaceEntries();
   for (size_t p = 0; p < 12; ++p) {
     const DispId expected = p == 0 ? 0x40030000 : 0x40030007 + static_cast<DispId>(p);
@@ -76,7 +76,8 @@ TEST(Interface, ParameterListsMatchThePublishedOnes) {
 }
 
 TEST(Interface, IdlFileIsUpToDate) {
-  const std::string idl = testing::ReadFile(std::string(VANTOREL_SOURCE_DIR) + "/docs/vantorel.idl");
+  const std::string idl =
+      testing::ReadFile(std::string(VANTOREL_SOURCE_DIR) + "/docs/vantorel.idl");
   EXPECT_EQ(idl, InterfaceIdl()) << "regenerate with `vantorel idl > docs/vantorel.idl`";
 }
 

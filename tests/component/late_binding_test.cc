@@ -53,12 +53,9 @@ TEST_F(LateBindingTest, MethodsRunWithConvertedArguments) {
 TEST_F(LateBindingTest, UnknownNameAndIdentifier) {
   EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "PrintEverything", kDispatchMethod, {}); }),
             disp::kUnknownName);
-  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030002, kDispatchMethod, {}); }),
-            disp::kMemberNotFound);
-  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030042, kDispatchMethod, {}); }),
-            disp::kMemberNotFound);
-  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030043, kDispatchMethod, {}); }),
-            disp::kMemberNotFound);
+  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030002, kDispatchMethod, {}); }), disp::kMemberNotFound);
+  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030042, kDispatchMethod, {}); }), disp::kMemberNotFound);
+  EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030043, kDispatchMethod, {}); }), disp::kMemberNotFound);
   // A method is not a property to put.
   EXPECT_EQ(CodeOf([&] { Invoke(rep_, 0x60030001, kDispatchPropertyPut, {Variant::I2(1)}); }),
             disp::kMemberNotFound);
@@ -67,8 +64,10 @@ TEST_F(LateBindingTest, UnknownNameAndIdentifier) {
 TEST_F(LateBindingTest, WrongArgumentCount) {
   EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "SetVars", kDispatchMethod, {Variant::I2(1)}); }),
             disp::kBadParamCount);
-  EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "EnqGroupwise", kDispatchMethod,
-                                      {Variant::FromDate(Date::FromYmd(2024, 4, 1))}); }),
+  EXPECT_EQ(CodeOf([&] {
+              InvokeByName(rep_, "EnqGroupwise", kDispatchMethod,
+                           {Variant::FromDate(Date::FromYmd(2024, 4, 1))});
+            }),
             disp::kBadParamCount);
   EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "LastMsg", kDispatchPropertyGet, {Variant::I2(1)}); }),
             disp::kBadParamCount);
@@ -76,10 +75,13 @@ TEST_F(LateBindingTest, WrongArgumentCount) {
 
 TEST_F(LateBindingTest, TypeMismatchNamesTheArgument) {
   int argument = -1;
-  EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "EnqPending", kDispatchMethod,
-                                      {Variant::String("2024-04-01"), Variant::String("2024-04-30"),
-                                       Variant::String("many")}); },
-                   &argument),
+  EXPECT_EQ(CodeOf(
+                [&] {
+                  InvokeByName(rep_, "EnqPending", kDispatchMethod,
+                               {Variant::String("2024-04-01"), Variant::String("2024-04-30"),
+                                Variant::String("many")});
+                },
+                &argument),
             disp::kTypeMismatch);
   EXPECT_EQ(argument, 2);
   EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "SuperReport", kDispatchMethod, {Variant::Null()}); }),
@@ -88,23 +90,26 @@ TEST_F(LateBindingTest, TypeMismatchNamesTheArgument) {
 
 TEST_F(LateBindingTest, OverflowOfSixteenBitIdentifiers) {
   int argument = -1;
-  EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "ReceiptPrint", kDispatchMethod,
-                                      {Variant::I4(40000)}); },
-                   &argument),
-            disp::kOverflow);
+  EXPECT_EQ(
+      CodeOf([&] { InvokeByName(rep_, "ReceiptPrint", kDispatchMethod, {Variant::I4(40000)}); },
+             &argument),
+      disp::kOverflow);
   EXPECT_EQ(argument, 0);
 }
 
 TEST_F(LateBindingTest, OmittedOptionalStringIsEmptyButRequiredOnesAreNot) {
   // Challan_Customer's LogoFile may be left out; the call reaches the method itself.
-  const int32_t code = CodeOf([&] { InvokeByName(rep_, "Challan_Customer", kDispatchMethod,
-                                                 {Variant::I2(0)}); });
+  const int32_t code =
+      CodeOf([&] { InvokeByName(rep_, "Challan_Customer", kDispatchMethod, {Variant::I2(0)}); });
   EXPECT_NE(code, disp::kBadParamCount);
   EXPECT_NE(code, disp::kParamNotOptional);
   int argument = -1;
-  EXPECT_EQ(CodeOf([&] { InvokeByName(rep_, "CycleGatePass", kDispatchMethod,
-                                      {Variant::I2(1), Variant::Missing()}); },
-                   &argument),
+  EXPECT_EQ(CodeOf(
+                [&] {
+                  InvokeByName(rep_, "CycleGatePass", kDispatchMethod,
+                               {Variant::I2(1), Variant::Missing()});
+                },
+                &argument),
             disp::kParamNotOptional);
   EXPECT_EQ(argument, 1);
 }

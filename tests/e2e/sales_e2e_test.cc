@@ -28,7 +28,8 @@ std::string Shell(const std::string& command) {
   std::string out;
   std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
   std::array<char, 4096> buffer;
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr) out += buffer.data();
+  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
+    out += buffer.data();
   return out;
 }
 
@@ -171,20 +172,22 @@ std::vector<std::string> InvoiceShows(data::Connection& db, int16_t id, const st
 }
 
 std::string InvoiceWords(data::Connection& db, int16_t id, bool less_subsidy, bool rupees) {
-  const double amount = Amount(
-      db, std::string("select sum(") +
-              (less_subsidy ? "netprice-coalesce(subsidyamt,0)" : "netprice") +
-              ") from purdata where invid=" + std::to_string(id));
+  const double amount =
+      Amount(db, std::string("select sum(") +
+                     (less_subsidy ? "netprice-coalesce(subsidyamt,0)" : "netprice") +
+                     ") from purdata where invid=" + std::to_string(id));
   return (rupees ? "Rupees " : "AMOUNT IN WORDS ") + Words(amount);
 }
 
 using Facts = std::map<std::string, std::string>;
 
-#define DOC(NAME, PRINT, ...)                                                                 \
-  Document {                                                                                   \
-    NAME,                                                                                      \
-        [](CRepoter& rep, [[maybe_unused]] const Facts& f, [[maybe_unused]] const std::string& logo) { PRINT; }, \
-        []([[maybe_unused]] data::Connection& db, [[maybe_unused]] const Facts& f) -> std::vector<std::string> { __VA_ARGS__; }   \
+#define DOC(NAME, PRINT, ...)                                                            \
+  Document {                                                                             \
+    NAME,                                                                                \
+        [](CRepoter& rep, [[maybe_unused]] const Facts& f,                               \
+           [[maybe_unused]] const std::string& logo) { PRINT; },                         \
+        []([[maybe_unused]] data::Connection& db,                                        \
+           [[maybe_unused]] const Facts& f) -> std::vector<std::string> { __VA_ARGS__; } \
   }
 
 std::string Title(const Facts& f, const char* from, const char* to) {
@@ -201,13 +204,16 @@ const std::vector<Document>& Documents() {
                                                      f.at("challan_customer_id")))}),
       DOC("ReceiptPrint", rep.ReceiptPrint(Id(f, "receipt_id")),
           return {"(AMOUNT IN WORDS RUPEES " +
-                  Squeezed(AmountInWords(Amount(db, "select amt from receipt where id=" +
-                                                        f.at("receipt_id")))) + ")"}),
+                  Squeezed(AmountInWords(
+                      Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
+                  ")"}),
       DOC("EnqGroupwise",
-          rep.EnqGroupwise(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to"))),
+          rep.EnqGroupwise(*Date::FromIso(f.at("enquiry_from")),
+                           *Date::FromIso(f.at("enquiry_to"))),
           return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
       DOC("EnqPending",
-          rep.EnqPending(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to")), 1),
+          rep.EnqPending(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to")),
+                         1),
           return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
       DOC("EnqBooking",
           rep.EnqBooking(*Date::FromIso(f.at("enquiry_from")), *Date::FromIso(f.at("enquiry_to"))),
@@ -216,29 +222,41 @@ const std::vector<Document>& Documents() {
           rep.RecRegister(*Date::FromIso(f.at("receipt_from")), *Date::FromIso(f.at("receipt_to"))),
           return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
       DOC("VehPurBill", rep.VehPurBill(Id(f, "purchase_id")),
-          return {One(db, "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
-                          "p.id=" + f.at("purchase_id"))}),
+          return {One(db,
+                      "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
       DOC("VehPurBillGST", rep.VehPurBillGST(Id(f, "purchase_id")),
-          return {One(db, "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
-                          "p.id=" + f.at("purchase_id"))}),
+          return {One(db,
+                      "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
       DOC("VinTrf", rep.VinTrf(Id(f, "vintrf_id")),
           return {One(db, "select chassis from vu_vintrf where tid=" + f.at("vintrf_id") +
                               " order by line limit 1")}),
       DOC("VehBtPrint", rep.VehBtPrint(Id(f, "branch_transfer_id")),
-          return {One(db, "select am_name from btmstveh bv, fa_acmaster where bv.btto = am_id and "
-                          "bv.id=" + f.at("branch_transfer_id"))}),
+          return {One(db,
+                      "select am_name from btmstveh bv, fa_acmaster where bv.btto = am_id and "
+                      "bv.id=" +
+                          f.at("branch_transfer_id"))}),
       DOC("ChallanSub", rep.ChallanSub(Id(f, "challan_sub_id"), logo),
-          return {"AMOUNT IN WORDS " + Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
-                                                            f.at("challan_sub_id")))}),
+          return {"AMOUNT IN WORDS " +
+                  Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
+                                       f.at("challan_sub_id")))}),
       DOC("VehInvoice2in1", rep.VehInvoice2in1(Id(f, "invoice_id")),
-          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
       DOC("VehInvoicewith21", rep.VehInvoicewith21(Id(f, "invoice_id")),
-          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
       DOC("VehInvoiceSingle", rep.VehInvoiceSingle(Id(f, "invoice_id")),
-          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
       DOC("VehInvoiceHero", rep.VehInvoiceHero(Id(f, "hero_invoice_id")),
-          return InvoiceShows(db, Id(f, "hero_invoice_id"), InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      DOC("VehInvoiceHeroSubdealer", rep.VehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+      DOC("VehInvoiceHeroSubdealer",
+          rep.VehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
           return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
                               InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
       DOC("ProVisionalRc", rep.ProVisionalRc(Id(f, "prorc_invoice_id")),
@@ -247,7 +265,8 @@ const std::vector<Document>& Documents() {
           return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
       DOC("CycleGatePass", rep.CycleGatePass(Id(f, "cycle_invoice_id"), logo),
           return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      DOC("DecForm", rep.DecForm(Id(f, "invoice_id")), return InvoiceShows(db, Id(f, "invoice_id"), "")),
+      DOC("DecForm", rep.DecForm(Id(f, "invoice_id")),
+          return InvoiceShows(db, Id(f, "invoice_id"), "")),
       DOC("VehSticker", rep.VehSticker(Id(f, "sticker_invoice_id"), 3),
           return {One(db, "select chassis from vu_invoice where id=" + f.at("sticker_invoice_id") +
                               " and chassis is not null")}),
@@ -267,7 +286,8 @@ const std::vector<Document>& Documents() {
       DOC("VehInvoiceSubDealer", rep.VehInvoiceSubDealer(Id(f, "subdealer_invoice_id")),
           return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
                               InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
-      DOC("Wrc", rep.Wrc(), return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
+      DOC("Wrc", rep.Wrc(),
+          return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
       DOC("BulkReceiptPrint", rep.BulkReceiptPrint(Id(f, "bulk_receipt_id"), "R"),
           return {One(db, "select am_name from vu_bulkreceipt where id=" + f.at("bulk_receipt_id") +
                               " limit 1")}),
@@ -278,24 +298,30 @@ const std::vector<Document>& Documents() {
           return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
                   InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
       DOC("GSTVehInvoiceHero", rep.GSTVehInvoiceHero(Id(f, "hero_invoice_id")),
-          return InvoiceShows(db, Id(f, "hero_invoice_id"), InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      DOC("GSTVehInvoiceHeroSubdealer", rep.GSTVehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+      DOC("GSTVehInvoiceHeroSubdealer",
+          rep.GSTVehInvoiceHeroSubdealer(Id(f, "hero_subdealer_invoice_id")),
           return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
                               InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
       DOC("GSTVehInvoice2in1", rep.GSTVehInvoice2in1(Id(f, "invoice_id"), logo),
-          return InvoiceShows(db, Id(f, "invoice_id"), InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
       DOC("GSTVehInvoicewith21", rep.GSTVehInvoicewith21(Id(f, "invoice_after_revision_id"), logo),
           return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
                               InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),
-      DOC("GSTVehInvoiceSubDealer", rep.GSTVehInvoiceSubDealer(Id(f, "subdealer_igst_invoice_id"), logo),
+      DOC("GSTVehInvoiceSubDealer",
+          rep.GSTVehInvoiceSubDealer(Id(f, "subdealer_igst_invoice_id"), logo),
           return InvoiceShows(db, Id(f, "subdealer_igst_invoice_id"),
                               InvoiceWords(db, Id(f, "subdealer_igst_invoice_id"), false, false))),
-      DOC("CycleInvoiceSubDealer", rep.CycleInvoiceSubDealer(Id(f, "cycle_subdealer_invoice_id"), logo),
+      DOC("CycleInvoiceSubDealer",
+          rep.CycleInvoiceSubDealer(Id(f, "cycle_subdealer_invoice_id"), logo),
           return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
       DOC("VehSubDealerPackingList", rep.VehSubDealerPackingList(Id(f, "packing_list_id")),
           return InvoiceShows(db, Id(f, "packing_list_id"), "")),
       DOC("EInvoiceVehicle", rep.EInvoiceVehicle(Id(f, "einvoice_id"), logo, logo),
-          return InvoiceShows(db, Id(f, "einvoice_id"), InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+          return InvoiceShows(db, Id(f, "einvoice_id"),
+                              InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
   };
   return documents;
 }
@@ -343,7 +369,8 @@ TEST_P(SalesEndToEnd, PrintsAValidPdfShowingItsData) {
     ASSERT_FALSE(shown.empty()) << "the database has nothing this document must show";
     const std::string wanted = Squeezed(shown);
     EXPECT_TRUE(layout.find(wanted) != std::string::npos || raw.find(wanted) != std::string::npos)
-        << "missing: " << shown << "\n" << layout;
+        << "missing: " << shown << "\n"
+        << layout;
   }
 }
 

@@ -54,10 +54,10 @@ class PrepareTemplateTest : public ::testing::Test {
 TEST_F(PrepareTemplateTest, WritesEveryProgressTextInOrder) {
   ASSERT_TRUE(Prepare());
   EXPECT_EQ(LastMsgTrail(),
-            (std::vector<std::string>{"Starting setfrx", "setting frx dll", "setting engine options",
-                                      "loading Report definition file", "finding db name in rpt",
-                                      "setting logon parameters", "setting preview options",
-                                      "Run setfrx is ok "}));
+            (std::vector<std::string>{"Starting setfrx", "setting frx dll",
+                                      "setting engine options", "loading Report definition file",
+                                      "finding db name in rpt", "setting logon parameters",
+                                      "setting preview options", "Run setfrx is ok "}));
   EXPECT_EQ(last_msg_, "Run setfrx is ok ");
   EXPECT_TRUE(platform_->messages().empty());
 }
@@ -73,15 +73,14 @@ TEST_F(PrepareTemplateTest, CallsThePortInTheDocumentedOrder) {
     if (event.contains("value")) call += " " + event["value"].dump();
     calls.push_back(call);
   }
-  EXPECT_EQ(calls, (std::vector<std::string>{
-                       "CreateReport", "SetEngineOption 1", "LoadTemplate",
-                       "LocateComponent DMSDB", "SetLoginPrompt DMSDB false",
-                       "SetConnected DMSDB false", "SetConnectionString DMSDB",
-                       "SetConnected DMSDB true", "LocateComponent temp",
-                       "SetLoginPrompt temp false", "SetConnected temp false",
-                       "SetConnectionString temp", "SetConnected temp true",
-                       "SetPreviewOptionA true", "SetPreviewFeatures 1073",
-                       "SetPreviewOptionB true", "SetPreviewOptionC false"}));
+  EXPECT_EQ(calls,
+            (std::vector<std::string>{
+                "CreateReport", "SetEngineOption 1", "LoadTemplate", "LocateComponent DMSDB",
+                "SetLoginPrompt DMSDB false", "SetConnected DMSDB false",
+                "SetConnectionString DMSDB", "SetConnected DMSDB true", "LocateComponent temp",
+                "SetLoginPrompt temp false", "SetConnected temp false", "SetConnectionString temp",
+                "SetConnected temp true", "SetPreviewOptionA true", "SetPreviewFeatures 1073",
+                "SetPreviewOptionB true", "SetPreviewOptionC false"}));
   EXPECT_EQ(engine_->observed().connections.at("DMSDB"), state_.DbConnectstring);
   EXPECT_EQ(engine_->observed().connections.at("temp"), "temp.db");
   EXPECT_EQ(engine_->observed().loaded.back(), dir_.folder() + "challancus.fr3");

@@ -58,19 +58,19 @@ const std::string kExport = "ExportPdf C:\\App\\export.pdf";
 
 INSTANTIATE_TEST_SUITE_P(
     Flags, DecisionTable,
-    ::testing::Values(
-        FlagRow{kFalse, kFalse, kFalse, {"ShowPreview"}},
-        FlagRow{kFalse, kTrue, kFalse, {"PrepareReport", "PrintPrepared"}},
-        FlagRow{kFalse, kTrue, kTrue, {"PrepareReport", "PrintPrepared"}},
-        FlagRow{kFalse, kFalse, kTrue, {"PrepareReport", kExport}},
-        FlagRow{kTrue, kFalse, kFalse, {"OpenDesigner", "ShowPreview"}},
-        FlagRow{kTrue, kTrue, kTrue, {"OpenDesigner", "PrepareReport", "PrintPrepared"}},
-        FlagRow{kTrue, kFalse, kTrue, {"OpenDesigner", "PrepareReport", kExport}},
-        // Only exactly -1 counts as set.
-        FlagRow{kFalse, 1, kFalse, {"ShowPreview"}},
-        FlagRow{kFalse, kFalse, 1, {"ShowPreview"}},
-        FlagRow{1, kFalse, kFalse, {"ShowPreview"}},
-        FlagRow{kFalse, 1, kTrue, {"PrepareReport", kExport}}));
+    ::testing::Values(FlagRow{kFalse, kFalse, kFalse, {"ShowPreview"}},
+                      FlagRow{kFalse, kTrue, kFalse, {"PrepareReport", "PrintPrepared"}},
+                      FlagRow{kFalse, kTrue, kTrue, {"PrepareReport", "PrintPrepared"}},
+                      FlagRow{kFalse, kFalse, kTrue, {"PrepareReport", kExport}},
+                      FlagRow{kTrue, kFalse, kFalse, {"OpenDesigner", "ShowPreview"}},
+                      FlagRow{
+                          kTrue, kTrue, kTrue, {"OpenDesigner", "PrepareReport", "PrintPrepared"}},
+                      FlagRow{kTrue, kFalse, kTrue, {"OpenDesigner", "PrepareReport", kExport}},
+                      // Only exactly -1 counts as set.
+                      FlagRow{kFalse, 1, kFalse, {"ShowPreview"}},
+                      FlagRow{kFalse, kFalse, 1, {"ShowPreview"}},
+                      FlagRow{1, kFalse, kFalse, {"ShowPreview"}},
+                      FlagRow{kFalse, 1, kTrue, {"PrepareReport", kExport}}));
 
 TEST_F(RenderReportTest, DefaultPdfPathStaysInTheThreadStateUntilSetVars) {
   Flags(kFalse, kFalse, kTrue);

@@ -33,8 +33,9 @@ TEST(Trace, MessageBoxesAreTraced) {
   ShowMessage("Challan Id [12] not found", MessageIcon::kCritical);
   const auto events = capture.Events();
   ASSERT_EQ(events.size(), 1u);
-  EXPECT_EQ(events[0], nlohmann::json::parse(
-                           R"({"op":"MessageBox","text":"Challan Id [12] not found","icon":"critical"})"));
+  EXPECT_EQ(events[0],
+            nlohmann::json::parse(
+                R"({"op":"MessageBox","text":"Challan Id [12] not found","icon":"critical"})"));
 }
 
 TEST(Trace, NothingIsWrittenWhenOff) {

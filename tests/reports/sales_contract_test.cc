@@ -284,23 +284,39 @@ const char* kNet = "select sum(netprice) from purdata where invid=";
 const std::string kIndentedWords = kTen + "AMOUNT IN WORDS {}";
 
 const InvoiceRow kInvoices[] = {
-    {"VehInvoice2in1", "vehinvoice", false, kNet, kIndentedWords, "WAMT", true, "Q_INV", false, false},
-    {"VehInvoicewith21", "vehinvoicewith21", false, kNet, kIndentedWords, "WAMT", false, "Q_INV", false, false},
-    {"VehInvoiceSingle", "vehinvoicesingle", false, kNet, kIndentedWords, "WAMT", false, "Q_INV", false, false},
-    {"VehInvoiceHero", "vehinvoicehero", false, kNet, "Rupees {}", "WAMT", false, "Q_INV", false, false},
-    {"VehInvoiceHeroSubdealer", "vehinvoiceherosubdealer", false, kNet, "Rupees {}", "WAMT", false, "Q_INV", false, false},
+    {"VehInvoice2in1", "vehinvoice", false, kNet, kIndentedWords, "WAMT", true, "Q_INV", false,
+     false},
+    {"VehInvoicewith21", "vehinvoicewith21", false, kNet, kIndentedWords, "WAMT", false, "Q_INV",
+     false, false},
+    {"VehInvoiceSingle", "vehinvoicesingle", false, kNet, kIndentedWords, "WAMT", false, "Q_INV",
+     false, false},
+    {"VehInvoiceHero", "vehinvoicehero", false, kNet, "Rupees {}", "WAMT", false, "Q_INV", false,
+     false},
+    {"VehInvoiceHeroSubdealer", "vehinvoiceherosubdealer", false, kNet, "Rupees {}", "WAMT", false,
+     "Q_INV", false, false},
     {"GSTVehInvoiceSingle", "gstvehinvoicesingle", false,
-     "select sum(netprice-coalesce(subsidyamt,0)) from purdata where invid=", kIndentedWords, "WAMT", false, "Q_INV", true, false},
-    {"CycleInvoice", "cycleinvoice", false, kNet, kIndentedWords, "WAMT", false, "Q_INV", true, false},
-    {"GSTVehInvoiceHero", "gstvehinvoicehero", false, kNet, "Rupees {}", "WAMT", false, "Q_INV", false, false},
-    {"GSTVehInvoiceHeroSubdealer", "gstvehinvoiceherosubdealer", false, kNet, "Rupees {}", "WAMT", false, "Q_INV", false, false},
-    {"GSTVehInvoice2in1", "gstvehinvoice", false, kNet, kIndentedWords, "WAMT", true, "Q_INV", true, false},
-    {"GSTVehInvoicewith21", "gstvehinvoicewith21", false, kNet, kIndentedWords, "WAMT", false, "Q_INV", true, false},
-    {"VehInvoiceSubDealer", "vehinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM", false, false},
-    {"GSTVehInvoiceSubDealer", "gstvehinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM", true, false},
-    {"CycleInvoiceSubDealer", "cycleinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM", true, false},
-    {"VehSubDealerPackingList", "vehsubpackinglist", true, kNet, kIndentedWords, "AMT", false, "Q_PM", false, false},
-    {"EInvoiceVehicle", "einvoicevehicle", true, kNet, kIndentedWords, "AMT", false, "Q_PM", true, true},
+     "select sum(netprice-coalesce(subsidyamt,0)) from purdata where invid=", kIndentedWords,
+     "WAMT", false, "Q_INV", true, false},
+    {"CycleInvoice", "cycleinvoice", false, kNet, kIndentedWords, "WAMT", false, "Q_INV", true,
+     false},
+    {"GSTVehInvoiceHero", "gstvehinvoicehero", false, kNet, "Rupees {}", "WAMT", false, "Q_INV",
+     false, false},
+    {"GSTVehInvoiceHeroSubdealer", "gstvehinvoiceherosubdealer", false, kNet, "Rupees {}", "WAMT",
+     false, "Q_INV", false, false},
+    {"GSTVehInvoice2in1", "gstvehinvoice", false, kNet, kIndentedWords, "WAMT", true, "Q_INV", true,
+     false},
+    {"GSTVehInvoicewith21", "gstvehinvoicewith21", false, kNet, kIndentedWords, "WAMT", false,
+     "Q_INV", true, false},
+    {"VehInvoiceSubDealer", "vehinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM",
+     false, false},
+    {"GSTVehInvoiceSubDealer", "gstvehinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM",
+     true, false},
+    {"CycleInvoiceSubDealer", "cycleinvoicesub", true, kNet, kIndentedWords, "AMT", false, "Q_PM",
+     true, false},
+    {"VehSubDealerPackingList", "vehsubpackinglist", true, kNet, kIndentedWords, "AMT", false,
+     "Q_PM", false, false},
+    {"EInvoiceVehicle", "einvoicevehicle", true, kNet, kIndentedWords, "AMT", false, "Q_PM", true,
+     true},
 };
 
 void CallInvoice(CRepoter& rep, const std::string& method, int16_t id, const std::string& logo,
@@ -362,8 +378,7 @@ TEST_P(Invoices, MissingInvoiceFailsAtTheAmountBeforeTheTemplate) {
   const InvoiceRow& row = GetParam();
   rep_.put_RptName("host");
   rep_.SetVars();
-  EXPECT_EQ(ErrorOf([&] { CallInvoice(rep_, row.method, 77, "", ""); }),
-            errnum::kInvalidUseOfNull);
+  EXPECT_EQ(ErrorOf([&] { CallInvoice(rep_, row.method, 77, "", ""); }), errnum::kInvalidUseOfNull);
   EXPECT_EQ(Count("LoadTemplate"), 0u);
   // Sub-dealer forms name their template only after the amount was read.
   EXPECT_EQ(RptName(), row.sub_dealer ? "host" : row.template_name);

@@ -19,15 +19,48 @@ namespace vantorel::testing {
 
 using engine::ComponentKind;
 
-inline const char* const kSalesTemplates[] = {
-    "challancus", "chlgatepass", "receipt", "enqgroupwise", "enqpending", "enqbooking",
-    "recregister", "vehpurbill", "vehpurbillgst", "vintrf", "vehbtprint", "vehinvoice",
-    "vehinvoicewith21", "vehinvoicesingle", "vehinvoicehero", "vehinvoiceherosubdealer",
-    "gstvehinvoicesingle", "cycleinvoice", "gstvehinvoicehero", "gstvehinvoiceherosubdealer",
-    "gstvehinvoice", "gstvehinvoicewith21", "vehinvoicesub", "gstvehinvoicesub",
-    "cycleinvoicesub", "vehsubpackinglist", "einvoicevehicle", "challansub", "prorc",
-    "vehgatepass", "cyclegatepass", "decform", "vehsticker", "vehsaleletter", "cyclesaleletter",
-    "form22", "hsrp", "tempcert", "tempcertsingle", "wrc", "bulkreceipt", "bulkreceiptdetail"};
+inline const char* const kSalesTemplates[] = {"challancus",
+                                              "chlgatepass",
+                                              "receipt",
+                                              "enqgroupwise",
+                                              "enqpending",
+                                              "enqbooking",
+                                              "recregister",
+                                              "vehpurbill",
+                                              "vehpurbillgst",
+                                              "vintrf",
+                                              "vehbtprint",
+                                              "vehinvoice",
+                                              "vehinvoicewith21",
+                                              "vehinvoicesingle",
+                                              "vehinvoicehero",
+                                              "vehinvoiceherosubdealer",
+                                              "gstvehinvoicesingle",
+                                              "cycleinvoice",
+                                              "gstvehinvoicehero",
+                                              "gstvehinvoiceherosubdealer",
+                                              "gstvehinvoice",
+                                              "gstvehinvoicewith21",
+                                              "vehinvoicesub",
+                                              "gstvehinvoicesub",
+                                              "cycleinvoicesub",
+                                              "vehsubpackinglist",
+                                              "einvoicevehicle",
+                                              "challansub",
+                                              "prorc",
+                                              "vehgatepass",
+                                              "cyclegatepass",
+                                              "decform",
+                                              "vehsticker",
+                                              "vehsaleletter",
+                                              "cyclesaleletter",
+                                              "form22",
+                                              "hsrp",
+                                              "tempcert",
+                                              "tempcertsingle",
+                                              "wrc",
+                                              "bulkreceipt",
+                                              "bulkreceiptdetail"};
 
 // Every component any sales method pokes.
 inline engine::ScriptedEngine::Template FullTemplate() {
@@ -77,7 +110,8 @@ class SalesTest : public ::testing::Test {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(db_.c_str(), &db), SQLITE_OK);
     char* error = nullptr;
-    sqlite3_exec(db, "pragma synchronous=off; pragma journal_mode=memory", nullptr, nullptr, nullptr);
+    sqlite3_exec(db, "pragma synchronous=off; pragma journal_mode=memory", nullptr, nullptr,
+                 nullptr);
     ASSERT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error), SQLITE_OK) << error;
     sqlite3_close(db);
   }

@@ -48,8 +48,9 @@ TEST(AmountInWords, NegativeAmountsHaveNoSignWord) {
 
 TEST(AmountInWords, TenToTheNinthDigitIsNeverSpoken) {
   EXPECT_EQ(AmountInWords(1000000000), "ONLY");
-  EXPECT_EQ(AmountInWords(9999999999), "NINETY NINE CRORE NINETY NINE LAC NINETY NINE THOUSAND "
-                                       "NINE HUNDRED NINETY NINE ONLY");
+  EXPECT_EQ(AmountInWords(9999999999),
+            "NINETY NINE CRORE NINETY NINE LAC NINETY NINE THOUSAND "
+            "NINE HUNDRED NINETY NINE ONLY");
   EXPECT_EQ(AmountInWords(23000000000), "TWO ARAB ONLY");
 }
 

@@ -159,7 +159,7 @@ struct AggregateSpec {
   ExpressionPtr argument;  // null: count rows
   int data = 0;            // the data band whose rows it runs over
   AggregateScope scope = AggregateScope::kReport;
-  int group_level = -1;    // kGroup and kRunning: the group level that resets it (-1: none)
+  int group_level = -1;  // kGroup and kRunning: the group level that resets it (-1: none)
 };
 
 // A named component of the template, as the engine port finds it.
@@ -182,7 +182,7 @@ struct CompiledReport {
   std::optional<CompiledBand> page_header, page_footer, title, summary, column_header,
       column_footer;
   std::vector<CompiledData> data;
-  int data_count = 0;  // data bands including details
+  int data_count = 0;            // data bands including details
   std::vector<int> data_groups;  // per data band: how many group levels it has
   // Memos by index (pointers into the bands above) with the place each sits in.
   std::vector<const CompiledText*> memos;

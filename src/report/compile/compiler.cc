@@ -10,14 +10,15 @@
 namespace vantorel::report {
 namespace {
 
-bool SameName(std::string_view a, std::string_view b) { return expr::AsciiUpper(a) == expr::AsciiUpper(b); }
+bool SameName(std::string_view a, std::string_view b) {
+  return expr::AsciiUpper(a) == expr::AsciiUpper(b);
+}
 
 // Binds names for one object at a time: "place" says where the object sits.
 class ReportBinder final : public expr::Binder {
  public:
   ReportBinder(const CompiledReport& report, std::vector<FieldSpec>& fields,
-               std::vector<AggregateSpec>& aggregates,
-               const std::vector<std::string>& data_names)
+               std::vector<AggregateSpec>& aggregates, const std::vector<std::string>& data_names)
       : report_(report), fields_(fields), aggregates_(aggregates), data_names_(data_names) {}
 
   BandPlace place;
@@ -60,7 +61,8 @@ class ReportBinder final : public expr::Binder {
                              scope_name == "BAND" || scope_name.empty();
     if (!named_scope) {
       for (size_t i = 0; i < data_names_.size(); ++i) {
-        if (!data_names_[i].empty() && SameName(data_names_[i], scope)) spec.data = static_cast<int>(i);
+        if (!data_names_[i].empty() && SameName(data_names_[i], scope))
+          spec.data = static_cast<int>(i);
       }
       if (spec.data < 0) {
         throw expr::ExprError(0, "\"" + std::string(scope) + "\" is not a scope or a data band",
@@ -71,7 +73,8 @@ class ReportBinder final : public expr::Binder {
     if (spec.data < 0 && argument) {
       // The band whose query the argument reads.
       for (int field : argument->fields()) {
-        const int data = report_.queries[static_cast<size_t>(fields_[static_cast<size_t>(field)].query)].data;
+        const int data =
+            report_.queries[static_cast<size_t>(fields_[static_cast<size_t>(field)].query)].data;
         if (data >= 0) {
           spec.data = data;
           break;
@@ -100,7 +103,9 @@ class ReportBinder final : public expr::Binder {
     } else {
       switch (place.kind) {
         case BandKind::kPageHeader:
-        case BandKind::kPageFooter: spec.scope = AggregateScope::kPage; break;
+        case BandKind::kPageFooter:
+          spec.scope = AggregateScope::kPage;
+          break;
         case BandKind::kGroupHeader:
         case BandKind::kGroupFooter:
           spec.scope = own_band ? AggregateScope::kGroup : AggregateScope::kReport;
@@ -115,7 +120,8 @@ class ReportBinder final : public expr::Binder {
           spec.scope = own_band ? AggregateScope::kRunning : AggregateScope::kReport;
           spec.group_level = own_band ? InnermostGroup(spec.data) : -1;
           break;
-        default: spec.scope = AggregateScope::kReport;
+        default:
+          spec.scope = AggregateScope::kReport;
       }
     }
     aggregates_.push_back(std::move(spec));
@@ -149,9 +155,11 @@ class Compiler {
     r.page = design_.page;
 
     for (const std::string& database : design_.databases) {
-      if (r.FindDatabase(database) >= 0) AddProblem(0, "database \"" + database + "\" is declared twice");
+      if (r.FindDatabase(database) >= 0)
+        AddProblem(0, "database \"" + database + "\" is declared twice");
       r.databases.push_back(database);
-      Register(database, {ComponentEntry::Kind::kDatabase, static_cast<int>(r.databases.size() - 1)}, 0);
+      Register(database,
+               {ComponentEntry::Kind::kDatabase, static_cast<int>(r.databases.size() - 1)}, 0);
     }
     for (const Query& query : design_.queries) {
       CompiledQuery compiled;
@@ -162,24 +170,24 @@ class Compiler {
       } else {
         compiled.database = r.FindDatabase(query.database);
         if (compiled.database < 0) {
-          AddProblem(query.line, "query \"" + query.name + "\" uses database \"" + query.database +
-                                  "\", which the template does not declare",
-                  "add <database name=\"" + query.database + "\"/>");
+          AddProblem(query.line,
+                     "query \"" + query.name + "\" uses database \"" + query.database +
+                         "\", which the template does not declare",
+                     "add <database name=\"" + query.database + "\"/>");
         }
       }
       if (compiled.database < 0 && query.database.empty()) {
         AddProblem(query.line, "query \"" + query.name + "\" has no database to run on",
-                "declare <database name=\"DMSDB\"/>");
+                   "declare <database name=\"DMSDB\"/>");
       }
       r.queries.push_back(std::move(compiled));
       Register(query.name, {ComponentEntry::Kind::kQuery, static_cast<int>(r.queries.size() - 1)},
                query.line);
     }
     for (const Variable& variable : design_.variables) {
-      if (r.FindVariable(variable.category, variable.name) >= 0 &&
-          !variable.category.empty()) {
+      if (r.FindVariable(variable.category, variable.name) >= 0 && !variable.category.empty()) {
         AddProblem(variable.line, "variable \"" + variable.category + "." + variable.name +
-                                   "\" is declared twice");
+                                      "\" is declared twice");
       }
       r.variables.push_back({variable.category, variable.name, variable.value});
     }
@@ -196,15 +204,18 @@ class Compiler {
         CompiledParam compiled{param.name, param.type, param.default_value, nullptr};
         if (!param.value.empty()) {
           binder_->place = {};
-          compiled.value = CompileExpression(param.value, param.line, "the value of parameter \"" + param.name + "\"");
+          compiled.value = CompileExpression(param.value, param.line,
+                                             "the value of parameter \"" + param.name + "\"");
         }
         r.queries[q].params.push_back(std::move(compiled));
       }
     }
     int data_index = 0;
     for (const DataBand& data : design_.data) r.data.push_back(CompileData(data, data_index));
-    if (design_.page_header) r.page_header = CompileBand(*design_.page_header, {BandKind::kPageHeader});
-    if (design_.page_footer) r.page_footer = CompileBand(*design_.page_footer, {BandKind::kPageFooter});
+    if (design_.page_header)
+      r.page_header = CompileBand(*design_.page_header, {BandKind::kPageHeader});
+    if (design_.page_footer)
+      r.page_footer = CompileBand(*design_.page_footer, {BandKind::kPageFooter});
     if (design_.title) r.title = CompileBand(*design_.title, {BandKind::kTitle});
     if (design_.summary) r.summary = CompileBand(*design_.summary, {BandKind::kSummary});
     if (design_.column_header) {
@@ -227,7 +238,8 @@ class Compiler {
     if (name.empty()) return;
     const std::string key = expr::AsciiUpper(name);
     if (report_->components.count(key)) {
-      AddProblem(line, "the name \"" + name + "\" is used twice", "every component needs its own name");
+      AddProblem(line, "the name \"" + name + "\" is used twice",
+                 "every component needs its own name");
       return;
     }
     report_->components[key] = entry;
@@ -246,7 +258,7 @@ class Compiler {
         const auto it = design_.styles.find(current);
         if (it == design_.styles.end()) {
           AddProblem(0, "style \"" + chain[chain.size() - 2] + "\" is based on \"" + current +
-                         "\", which does not exist");
+                            "\", which does not exist");
           break;
         }
         current = it->second.based_on;
@@ -290,7 +302,7 @@ class Compiler {
     if (!text.style_name.empty()) {
       if (!design_.styles.count(text.style_name)) {
         AddProblem(text.line, "style \"" + text.style_name + "\" does not exist",
-                "define it with <style name=\"" + text.style_name + "\" …/>");
+                   "define it with <style name=\"" + text.style_name + "\" …/>");
       }
       ApplyNamed(text.style_name, style);
     }
@@ -309,11 +321,11 @@ class Compiler {
     if (!data.query.empty()) {
       const int query = report_->FindQuery(data.query);
       if (query < 0) {
-        AddProblem(data.band.line, "data band \"" + data.band.name + "\" uses query \"" + data.query +
-                                    "\", which the template does not declare");
+        AddProblem(data.band.line, "data band \"" + data.band.name + "\" uses query \"" +
+                                       data.query + "\", which the template does not declare");
       } else if (report_->queries[static_cast<size_t>(query)].data >= 0) {
         AddProblem(data.band.line, "query \"" + data.query + "\" drives two data bands",
-                "give each data band its own query");
+                   "give each data band its own query");
       } else {
         report_->queries[static_cast<size_t>(query)].data = index;
       }
@@ -339,19 +351,23 @@ class Compiler {
     try {
       return expr::Expression::Compile(source, *binder_);
     } catch (const expr::ExprError& error) {
-      AddProblem(line, what + ": " + error.message() + " at character " + std::to_string(error.offset() + 1) +
-                        " of \"" + source + "\"",
-              error.hint());
+      AddProblem(line,
+                 what + ": " + error.message() + " at character " +
+                     std::to_string(error.offset() + 1) + " of \"" + source + "\"",
+                 error.hint());
       return nullptr;
     }
   }
 
-  TextTemplatePtr CompileTextTemplate(const std::string& source, int line, const std::string& what) {
+  TextTemplatePtr CompileTextTemplate(const std::string& source, int line,
+                                      const std::string& what) {
     try {
       return expr::TextTemplate::Compile(source, *binder_, false);
     } catch (const expr::ExprError& error) {
-      AddProblem(line, what + ": " + error.message() + " at character " + std::to_string(error.offset() + 1),
-              error.hint());
+      AddProblem(
+          line,
+          what + ": " + error.message() + " at character " + std::to_string(error.offset() + 1),
+          error.hint());
       return nullptr;
     }
   }
@@ -381,12 +397,17 @@ class Compiler {
             if (text.text && text.text->Uses(expr::SystemValue::kTotalPages)) {
               report_->uses_total_pages = true;
             }
-            if (!o.name.empty()) report_->components[expr::AsciiUpper(o.name)].kind = ComponentEntry::Kind::kMemo;
+            if (!o.name.empty())
+              report_->components[expr::AsciiUpper(o.name)].kind = ComponentEntry::Kind::kMemo;
             return text;
           } else if constexpr (std::is_same_v<T, PictureObject>) {
-            CompiledPicture picture{o.name, o.box, PrintWhen(o.print_when, o.line),
+            CompiledPicture picture{o.name,
+                                    o.box,
+                                    PrintWhen(o.print_when, o.line),
                                     CompileTextTemplate(o.source, o.line, "picture source"),
-                                    o.fit, o.borders, o.border};
+                                    o.fit,
+                                    o.borders,
+                                    o.border};
             return picture;
           } else if constexpr (std::is_same_v<T, BarcodeObject>) {
             CompiledBarcode barcode;
@@ -397,7 +418,7 @@ class Compiler {
             const auto symbology = SymbologyFromName(o.type);
             if (!symbology) {
               AddProblem(o.line, "barcode type \"" + o.type + "\" is not known",
-                      "qr, code128, code39, ean13, ean8, upca, itf, datamatrix or pdf417");
+                         "qr, code128, code39, ean13, ean8, upca, itf, datamatrix or pdf417");
             }
             barcode.symbology = symbology.value_or(Symbology::kQr);
             barcode.options.qr_level = o.qr_level;
@@ -406,11 +427,12 @@ class Compiler {
             barcode.background = o.background;
             return barcode;
           } else if constexpr (std::is_same_v<T, LineObject>) {
-            return CompiledLine{o.name, o.from, o.to, PrintWhen(o.print_when, o.line), o.stroke,
-                                o.grow_with_band};
+            return CompiledLine{o.name,   o.from,          o.to, PrintWhen(o.print_when, o.line),
+                                o.stroke, o.grow_with_band};
           } else {
-            return CompiledRect{o.name, o.box, PrintWhen(o.print_when, o.line), o.fill, o.stroke,
-                                o.corner_radius, o.grow_with_band};
+            return CompiledRect{o.name,          o.box,    PrintWhen(o.print_when, o.line),
+                                o.fill,          o.stroke, o.corner_radius,
+                                o.grow_with_band};
           }
         },
         object);
@@ -451,8 +473,10 @@ class Compiler {
     compiled.rows = data.rows;
     Register(data.band.name, {ComponentEntry::Kind::kOther, -1}, data.band.line);
     compiled.band = CompileBand(data.band, {BandKind::kData, compiled.index, -1});
-    if (data.header) compiled.header = CompileBand(*data.header, {BandKind::kDataHeader, compiled.index, -1});
-    if (data.footer) compiled.footer = CompileBand(*data.footer, {BandKind::kDataFooter, compiled.index, -1});
+    if (data.header)
+      compiled.header = CompileBand(*data.header, {BandKind::kDataHeader, compiled.index, -1});
+    if (data.footer)
+      compiled.footer = CompileBand(*data.footer, {BandKind::kDataFooter, compiled.index, -1});
     for (size_t level = 0; level < data.groups.size(); ++level) {
       const Group& group = data.groups[level];
       CompiledGroup g;
@@ -609,10 +633,9 @@ std::shared_ptr<const CompiledReport> CompileTemplateFile(const std::string& pat
 
 TextTemplatePtr CompileRunText(const CompiledReport& report, int memo, const std::string& text,
                                RunTables& tables) {
-  const BandPlace place =
-      memo >= 0 && static_cast<size_t>(memo) < report.memo_places.size()
-          ? report.memo_places[static_cast<size_t>(memo)]
-          : BandPlace{};
+  const BandPlace place = memo >= 0 && static_cast<size_t>(memo) < report.memo_places.size()
+                              ? report.memo_places[static_cast<size_t>(memo)]
+                              : BandPlace{};
   RunBinder binder(report, tables, place);
   return expr::TextTemplate::Compile(text, binder, true);
 }

@@ -8,7 +8,8 @@ namespace {
 void Number(std::string& out, float value) {
   // Two decimals of a point is finer than any printer; keeps golden files stable.
   char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
+  const auto end =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 2);
   std::string_view text(buffer, static_cast<size_t>(end.ptr - buffer));
   while (text.size() > 1 && text.back() == '0') text.remove_suffix(1);
   if (text.back() == '.') text.remove_suffix(1);
@@ -91,8 +92,8 @@ void Items(std::string& out, const std::vector<Item>& items, int depth) {
     } else if (const auto* i = std::get_if<ImageItem>(&item)) {
       out += "image ";
       Rect(out, i->box);
-      out += " image=" + std::to_string(i->image) + " fit=" +
-             std::to_string(static_cast<int>(i->fit));
+      out +=
+          " image=" + std::to_string(i->image) + " fit=" + std::to_string(static_cast<int>(i->fit));
     } else if (const auto* b = std::get_if<BarcodeItem>(&item)) {
       out += "barcode ";
       Rect(out, b->box);

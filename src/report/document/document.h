@@ -66,12 +66,12 @@ struct TextStyle {
 // twin (quality 100, no chroma subsampling) made once when loaded, which PDFs embed instead of
 // recompressing their pixels for every document.
 struct ImageData {
-  std::string source;            // the file it came from, for messages and the PDF's bookkeeping
-  int width = 0, height = 0;     // pixels
-  int stride = 0;                // bytes per row of "pixels"
-  std::vector<uint8_t> pixels;   // premultiplied ARGB32, native endian (Cairo's layout)
+  std::string source;           // the file it came from, for messages and the PDF's bookkeeping
+  int width = 0, height = 0;    // pixels
+  int stride = 0;               // bytes per row of "pixels"
+  std::vector<uint8_t> pixels;  // premultiplied ARGB32, native endian (Cairo's layout)
   bool has_alpha = false;
-  std::string jpeg;              // JPEG bytes for PDFs: the file's own, or the twin; may be empty
+  std::string jpeg;  // JPEG bytes for PDFs: the file's own, or the twin; may be empty
   double dpi_x = 96, dpi_y = 96;
 };
 

@@ -14,9 +14,9 @@ constexpr const char* kSource = "Vantorel report engine";
 data::ParamValue Typed(const CompiledParam& param, const std::string& text,
                        const std::string& query) {
   auto bad = [&](const char* kind) {
-    return Error(errnum::kTypeMismatch, kSource,
-                 "parameter " + query + "." + param.name + " wants " + kind + ", not \"" + text +
-                     "\"");
+    return Error(
+        errnum::kTypeMismatch, kSource,
+        "parameter " + query + "." + param.name + " wants " + kind + ", not \"" + text + "\"");
   };
   switch (param.type) {
     case ParamType::kInteger: {
@@ -35,7 +35,8 @@ data::ParamValue Typed(const CompiledParam& param, const std::string& text,
       if (!date) throw bad("a date written YYYY-MM-DD");
       return *date;
     }
-    case ParamType::kText: return text;
+    case ParamType::kText:
+      return text;
   }
   return text;
 }
@@ -59,7 +60,8 @@ Rendered RenderTemplate(const RenderRequest& request) {
       throw Error(errnum::kItemNotFound, kSource,
                   "query \"" + setting.owner + "\" has no parameter \"" + setting.name + "\"");
     }
-    settings.parameters[query][expr::AsciiUpper(setting.name)] = Typed(*found, setting.value, setting.owner);
+    settings.parameters[query][expr::AsciiUpper(setting.name)] =
+        Typed(*found, setting.value, setting.owner);
   }
   for (const RenderRequest::Setting& setting : request.variables) {
     const int variable = report->FindVariable(setting.owner, setting.name);

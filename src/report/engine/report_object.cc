@@ -200,11 +200,14 @@ class ReportImpl final : public engine::ReportObject {
     const ComponentEntry* entry = run_->report->Find(name);
     if (entry == nullptr) return nullptr;
     switch (entry->kind) {
-      case ComponentEntry::Kind::kMemo: return std::make_shared<Memo>(run_, name, entry->index);
-      case ComponentEntry::Kind::kQuery: return std::make_shared<Query>(run_, name, entry->index);
+      case ComponentEntry::Kind::kMemo:
+        return std::make_shared<Memo>(run_, name, entry->index);
+      case ComponentEntry::Kind::kQuery:
+        return std::make_shared<Query>(run_, name, entry->index);
       case ComponentEntry::Kind::kDatabase:
         return std::make_shared<Database>(run_, name, entry->index);
-      case ComponentEntry::Kind::kOther: break;
+      case ComponentEntry::Kind::kOther:
+        break;
     }
     return std::make_shared<OtherComponent>(name);
   }

@@ -31,7 +31,8 @@ std::shared_ptr<const CompiledReport> LoadCompiledTemplate(const std::string& pa
     throw Error(errnum::kFileNotFound, "Vantorel report engine",
                 "Cannot load template " + path + ": the file does not exist");
   }
-  const int64_t mtime = static_cast<int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
+  const int64_t mtime =
+      static_cast<int64_t>(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
   {
     std::lock_guard lock(g_mutex);
     const auto it = g_cache.find(native);

@@ -14,11 +14,14 @@ int CompareValues(const Value& a, const Value& b) {
   }
   if (a.kind() != b.kind()) return a.kind() < b.kind() ? -1 : 1;
   switch (a.kind()) {
-    case Value::Kind::kText: return a.text().compare(b.text()) < 0 ? -1 : a.text() == b.text() ? 0 : 1;
+    case Value::Kind::kText:
+      return a.text().compare(b.text()) < 0 ? -1 : a.text() == b.text() ? 0 : 1;
     case Value::Kind::kDate:
       return a.date().serial < b.date().serial ? -1 : a.date().serial > b.date().serial ? 1 : 0;
-    case Value::Kind::kBool: return static_cast<int>(a.boolean()) - static_cast<int>(b.boolean());
-    default: return 0;
+    case Value::Kind::kBool:
+      return static_cast<int>(a.boolean()) - static_cast<int>(b.boolean());
+    default:
+      return 0;
   }
 }
 
@@ -46,9 +49,12 @@ void AggregateTracker::Accumulator::Add(const Value& value, AggregateKind kind) 
 
 Value AggregateTracker::Accumulator::Result(AggregateKind kind) const {
   switch (kind) {
-    case AggregateKind::kCount: return Value::Integer(count);
-    case AggregateKind::kMin: return min;
-    case AggregateKind::kMax: return max;
+    case AggregateKind::kCount:
+      return Value::Integer(count);
+    case AggregateKind::kMin:
+      return min;
+    case AggregateKind::kMax:
+      return max;
     case AggregateKind::kSum:
       if (count == 0) return Value::Integer(0);
       return exact ? Value::Number(sum) : Value::Number(sum_double);
@@ -93,7 +99,8 @@ void AggregateTracker::Finish(size_t id) {
 void AggregateTracker::StartBand(int data) {
   if (data < 0 || static_cast<size_t>(data) >= by_data_.size()) return;
   for (size_t id : by_data_[static_cast<size_t>(data)]) {
-    if (specs_[id].scope == AggregateScope::kBand) Reset(id, states_[id].instance + (states_[id].complete ? 1 : 0));
+    if (specs_[id].scope == AggregateScope::kBand)
+      Reset(id, states_[id].instance + (states_[id].complete ? 1 : 0));
   }
 }
 

@@ -15,12 +15,17 @@ constexpr float kEpsilon = 0.01f;
 
 bool Truthy(const expr::Value& value) {
   switch (value.kind()) {
-    case expr::Value::Kind::kBool: return value.boolean();
+    case expr::Value::Kind::kBool:
+      return value.boolean();
     case expr::Value::Kind::kDecimal:
-    case expr::Value::Kind::kDouble: return value.number() != 0;
-    case expr::Value::Kind::kText: return !value.text().empty();
-    case expr::Value::Kind::kDate: return true;
-    case expr::Value::Kind::kNull: return false;
+    case expr::Value::Kind::kDouble:
+      return value.number() != 0;
+    case expr::Value::Kind::kText:
+      return !value.text().empty();
+    case expr::Value::Kind::kDate:
+      return true;
+    case expr::Value::Kind::kNull:
+      return false;
   }
   return false;
 }
@@ -146,12 +151,11 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
           (text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell ||
            text->shrink)) {
         const float width = text->box.width - style.padding.left - style.padding.right;
-        const float need =
-            text::MeasureText(item.text, style, std::max(width, 1.0f)).height +
-            style.padding.top + style.padding.bottom;
-        const bool grows = text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell;
-        if ((grows && need > text->box.height) ||
-            (text->shrink && need < text->box.height)) {
+        const float need = text::MeasureText(item.text, style, std::max(width, 1.0f)).height +
+                           style.padding.top + style.padding.bottom;
+        const bool grows =
+            text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell;
+        if ((grows && need > text->box.height) || (text->shrink && need < text->box.height)) {
           p.delta = need - text->box.height;
           item.box.height = need;
         }
@@ -211,8 +215,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       p.right = rect->box.right();
       p.to_band = band.stretch && rect->grow_with_band;
       placed.push_back(p);
-      block.items.emplace_back(
-          RectItem{rect->box, rect->fill, rect->stroke, rect->corner_radius});
+      block.items.emplace_back(RectItem{rect->box, rect->fill, rect->stroke, rect->corner_radius});
     }
   }
 
@@ -281,7 +284,8 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
     // The item crosses the cut.
     if (auto* text = std::get_if<TextItem>(&item)) {
       const TextStyle& style = document.styles[text->style];
-      const float width = std::max(1.0f, text->box.width - style.padding.left - style.padding.right);
+      const float width =
+          std::max(1.0f, text->box.width - style.padding.left - style.padding.right);
       const float room = height - text->box.y - style.padding.top - style.padding.bottom;
       const size_t cut = room > 0 ? text::FitText(text->text, style, width, room) : 0;
       TextItem tail = *text;

@@ -31,7 +31,7 @@ struct BandBlock {
   float height = 0;
   std::vector<Item> items;  // relative to the block's top left
   std::vector<DeferredText> deferred;
-  bool uses_page = false;   // reads the page number: render again if it moves to another page
+  bool uses_page = false;  // reads the page number: render again if it moves to another page
 };
 
 class BandRenderer {

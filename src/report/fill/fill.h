@@ -23,15 +23,15 @@ struct RunSettings {
   std::map<int, std::string> query_sql;   // query index → SQL set at run time
   // query index → parameter name (upper case) → value set at run time
   std::map<int, std::map<std::string, data::ParamValue>> parameters;
-  std::map<int, std::string> variables;   // variable index → value expression set at run time
+  std::map<int, std::string> variables;  // variable index → value expression set at run time
 };
 
 struct FillServices {
   // The open connection of database "index"; throws vantorel::Error when it has none.
   std::function<data::Connection&(int index)> connection;
-  Date today;               // the value of [Date]
-  Date now;                 // the value of [Now]: today with the time of day
-  std::string time = "";    // the value of [Time] ("HH:MM")
+  Date today;             // the value of [Date]
+  Date now;               // the value of [Now]: today with the time of day
+  std::string time = "";  // the value of [Time] ("HH:MM")
 };
 
 // Sets [Date] to "today" and [Time] and [Now] from the local clock.

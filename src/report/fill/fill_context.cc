@@ -8,18 +8,25 @@ using expr::Value;
 
 Value ToExprValue(const data::Value& value) {
   switch (value.kind()) {
-    case data::Value::Kind::kNull: return Value();
-    case data::Value::Kind::kInteger: return Value::Integer(value.integer());
-    case data::Value::Kind::kReal: return Value::Number(value.real());
+    case data::Value::Kind::kNull:
+      return Value();
+    case data::Value::Kind::kInteger:
+      return Value::Integer(value.integer());
+    case data::Value::Kind::kReal:
+      return Value::Number(value.real());
     case data::Value::Kind::kDecimal: {
       if (auto decimal = expr::Decimal::Parse(value.text())) return Value::Number(*decimal);
       return Value::Text(value.text());
     }
-    case data::Value::Kind::kText: return Value::Text(value.text());
+    case data::Value::Kind::kText:
+      return Value::Text(value.text());
     case data::Value::Kind::kDate:
-    case data::Value::Kind::kDateTime: return Value::FromDate(value.date());
-    case data::Value::Kind::kBoolean: return Value::Bool(value.integer() != 0);
-    case data::Value::Kind::kBlob: return Value::Text(value.text());
+    case data::Value::Kind::kDateTime:
+      return Value::FromDate(value.date());
+    case data::Value::Kind::kBoolean:
+      return Value::Bool(value.integer() != 0);
+    case data::Value::Kind::kBlob:
+      return Value::Text(value.text());
   }
   return Value();
 }
@@ -71,18 +78,24 @@ Value FillContext::Variable(int id) const {
 
 Value FillContext::System(expr::SystemValue which) const {
   switch (which) {
-    case expr::SystemValue::kPage: return Value::Integer(snapshot_ ? snapshot_->page : page);
+    case expr::SystemValue::kPage:
+      return Value::Integer(snapshot_ ? snapshot_->page : page);
     case expr::SystemValue::kTotalPages:
       if (total_pages == 0) {
         deferred = true;
         return Value();
       }
       return Value::Integer(total_pages);
-    case expr::SystemValue::kDate: return Value::FromDate(services_.today);
-    case expr::SystemValue::kTime: return Value::Text(services_.time);
-    case expr::SystemValue::kNow: return Value::FromDate(services_.now);
-    case expr::SystemValue::kLine: return Value::Integer(snapshot_ ? snapshot_->line : line);
-    case expr::SystemValue::kCopy: return Value::Integer(1);
+    case expr::SystemValue::kDate:
+      return Value::FromDate(services_.today);
+    case expr::SystemValue::kTime:
+      return Value::Text(services_.time);
+    case expr::SystemValue::kNow:
+      return Value::FromDate(services_.now);
+    case expr::SystemValue::kLine:
+      return Value::Integer(snapshot_ ? snapshot_->line : line);
+    case expr::SystemValue::kCopy:
+      return Value::Integer(1);
   }
   return Value();
 }

@@ -8,8 +8,8 @@
 #include <ctime>
 #include <limits>
 
-#include "report/fill/band_renderer.h"
 #include "report/expr/text_util.h"
+#include "report/fill/band_renderer.h"
 #include "report/fill/fill.h"
 #include "report/fill/fill_context.h"
 #include "report/fill/query_cursor.h"
@@ -20,17 +20,22 @@ namespace {
 
 data::ParamValue ToParam(const expr::Value& value) {
   switch (value.kind()) {
-    case expr::Value::Kind::kNull: return std::monostate{};
-    case expr::Value::Kind::kBool: return int64_t{value.boolean() ? 1 : 0};
+    case expr::Value::Kind::kNull:
+      return std::monostate{};
+    case expr::Value::Kind::kBool:
+      return int64_t{value.boolean() ? 1 : 0};
     case expr::Value::Kind::kDecimal:
       if (value.decimal().scale() == 0 && value.decimal().mantissa() <= INT64_MAX &&
           value.decimal().mantissa() >= INT64_MIN) {
         return static_cast<int64_t>(value.decimal().mantissa());
       }
       return value.number();
-    case expr::Value::Kind::kDouble: return value.number();
-    case expr::Value::Kind::kText: return value.text();
-    case expr::Value::Kind::kDate: return value.date();
+    case expr::Value::Kind::kDouble:
+      return value.number();
+    case expr::Value::Kind::kText:
+      return value.text();
+    case expr::Value::Kind::kDate:
+      return value.date();
   }
   return std::monostate{};
 }
@@ -52,7 +57,8 @@ data::ParamValue DefaultParam(const CompiledParam& param) {
     case ParamType::kDate:
       if (auto date = Date::FromIso(text)) return *date;
       return text;
-    case ParamType::kText: return text;
+    case ParamType::kText:
+      return text;
   }
   return text;
 }
@@ -69,7 +75,8 @@ bool ReadsTotalPages(const ExpressionPtr& condition) {
 bool ReadsTotalPages(const CompiledBand& band) {
   if (ReadsTotalPages(band.print_when)) return true;
   for (const CompiledObject& object : band.objects) {
-    const bool reads = std::visit([](const auto& o) { return ReadsTotalPages(o.print_when); }, object);
+    const bool reads =
+        std::visit([](const auto& o) { return ReadsTotalPages(o.print_when); }, object);
     if (reads) return true;
   }
   for (const CompiledBand& child : band.children) {
@@ -98,8 +105,8 @@ bool ReadsTotalPages(const CompiledData& data) {
 // Whether a print-when reads [TotalPages]: such a report is laid out twice, the first time to
 // count its pages.
 bool ConditionsReadTotalPages(const CompiledReport& report) {
-  for (const auto* band : {&report.page_header, &report.page_footer, &report.title,
-                           &report.summary, &report.column_header, &report.column_footer}) {
+  for (const auto* band : {&report.page_header, &report.page_footer, &report.title, &report.summary,
+                           &report.column_header, &report.column_footer}) {
     if (ReadsTotalPages(*band)) return true;
   }
   for (const CompiledData& data : report.data) {
@@ -136,7 +143,8 @@ class Filler {
     std::vector<std::string> variable_texts(report_.variables.size());
     for (size_t v = 0; v < report_.variables.size(); ++v) {
       const auto set = settings_.variables.find(static_cast<int>(v));
-      variable_texts[v] = set != settings_.variables.end() ? set->second : report_.variables[v].value;
+      variable_texts[v] =
+          set != settings_.variables.end() ? set->second : report_.variables[v].value;
       variable_expressions[v] = CompileRunExpression(report_, variable_texts[v], tables_);
     }
     tracker_ = std::make_unique<AggregateTracker>(tables_.aggregates, report_.data_count);

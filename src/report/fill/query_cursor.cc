@@ -40,7 +40,8 @@ void QueryCursor::Open(data::Connection& connection, const std::string& sql,
   }
   for (const auto& [name, value] : params) {
     // A column of the same name wins.
-    if (columns_.emplace(expr::AsciiUpper(name), static_cast<int>(width_ + parameters_.size())).second) {
+    if (columns_.emplace(expr::AsciiUpper(name), static_cast<int>(width_ + parameters_.size()))
+            .second) {
       parameters_.push_back(ToValue(value));
     }
   }

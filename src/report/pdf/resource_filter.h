@@ -32,9 +32,9 @@ class ResourceFilter {
 
   cairo_write_func_t next_;
   void* closure_;
-  size_t matched_ = 0;     // bytes of "/XObject <<" seen so far
+  size_t matched_ = 0;  // bytes of "/XObject <<" seen so far
   bool in_dictionary_ = false;
-  std::string held_;       // the dictionary being read, held back until its ">>"
+  std::string held_;  // the dictionary being read, held back until its ">>"
 };
 
 }  // namespace vantorel::report

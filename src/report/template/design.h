@@ -58,8 +58,8 @@ struct TextObject : ObjectCommon {
   StyleSpec style;         // the object's own attributes
   std::string format;      // display format of a single-expression text
   StretchMode stretch = StretchMode::kNone;
-  bool shrink = false;      // may become shorter than its height when the text is short
-  bool hide_zero = false;   // a single-expression text whose value is zero prints nothing
+  bool shrink = false;     // may become shorter than its height when the text is short
+  bool hide_zero = false;  // a single-expression text whose value is zero prints nothing
 };
 
 struct PictureObject : ObjectCommon {
@@ -114,14 +114,14 @@ const char* BandElementName(BandKind kind);
 struct Band {
   BandKind kind = BandKind::kData;
   std::string name;
-  float height = 0;  // points
+  float height = 0;     // points
   bool stretch = true;  // grows to hold stretching objects; false: a fixed box
   bool keep_together = false;
   bool start_new_page = false;
-  bool repeat = false;               // headers: print again at the top of each new page
-  bool print_on_first_page = true;   // page header and footer
-  bool print_on_last_page = true;    // page header and footer
-  bool print_if_empty = false;       // data headers and footers when the query has no rows
+  bool repeat = false;              // headers: print again at the top of each new page
+  bool print_on_first_page = true;  // page header and footer
+  bool print_on_last_page = true;   // page header and footer
+  bool print_if_empty = false;      // data headers and footers when the query has no rows
   std::string print_when;
   std::vector<DesignObject> objects;
   std::vector<Band> children;  // child bands, printed right after this one
@@ -140,9 +140,9 @@ struct Group {
 };
 
 struct DataBand {
-  Band band;           // kind kData
-  std::string query;   // empty: the band prints once
-  int rows = 1;        // times a query-less band prints
+  Band band;                  // kind kData
+  std::string query;          // empty: the band prints once
+  int rows = 1;               // times a query-less band prints
   std::vector<Group> groups;  // outermost first
   std::optional<Band> header;
   std::optional<Band> footer;

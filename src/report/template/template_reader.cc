@@ -42,8 +42,7 @@ std::string Trimmed(std::string_view text) {
 }
 
 bool EqualsNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
            return std::tolower(static_cast<unsigned char>(x)) ==
                   std::tolower(static_cast<unsigned char>(y));
          });
@@ -195,9 +194,9 @@ class Reader {
   // Reads everything it can; the problems found are in problems().
   Template ReadAll() {
     pugi::xml_document doc;
-    const pugi::xml_parse_result parsed = doc.load_buffer(
-        xml_.data(), xml_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single,
-        pugi::encoding_utf8);
+    const pugi::xml_parse_result parsed =
+        doc.load_buffer(xml_.data(), xml_.size(),
+                        pugi::parse_default | pugi::parse_ws_pcdata_single, pugi::encoding_utf8);
     if (!parsed) {
       Add(LineOfOffset(static_cast<size_t>(std::max<ptrdiff_t>(parsed.offset, 0))),
           std::string("not well-formed XML: ") + parsed.description(),
@@ -374,10 +373,9 @@ class Reader {
   void CheckAttributes(const pugi::xml_node& node, std::initializer_list<const char*> allowed) {
     for (const pugi::xml_attribute& attribute : node.attributes()) {
       const std::string_view name = attribute.name();
-      if (std::none_of(allowed.begin(), allowed.end(),
-                       [&](const char* a) { return name == a; })) {
-        Add(Line(node), "<" + std::string(node.name()) + "> has no attribute \"" +
-                            std::string(name) + "\"",
+      if (std::none_of(allowed.begin(), allowed.end(), [&](const char* a) { return name == a; })) {
+        Add(Line(node),
+            "<" + std::string(node.name()) + "> has no attribute \"" + std::string(name) + "\"",
             Suggest(name, allowed));
       }
     }
@@ -405,8 +403,8 @@ class Reader {
     if (!attribute) return fallback;
     const std::string_view value = attribute.value();
     if (const auto flag = ParseFlag(value)) return *flag;
-    Add(Line(node), "\"" + std::string(name) + "\" must be true or false, not \"" +
-                        std::string(value) + "\"");
+    Add(Line(node),
+        "\"" + std::string(name) + "\" must be true or false, not \"" + std::string(value) + "\"");
     return fallback;
   }
 
@@ -426,7 +424,8 @@ class Reader {
     }
     const std::optional<float> length = ParseLength(attribute.value());
     if (!length) {
-      Add(Line(node), "\"" + std::string(name) + "\" is not a length: \"" + attribute.value() + "\"",
+      Add(Line(node),
+          "\"" + std::string(name) + "\" is not a length: \"" + attribute.value() + "\"",
           "write a number with mm, cm, in or pt, e.g. 12.5mm");
     }
     return length;
@@ -437,7 +436,8 @@ class Reader {
     if (!attribute) return std::nullopt;
     const std::optional<Color> color = ParseColor(attribute.value());
     if (!color) {
-      Add(Line(node), "\"" + std::string(name) + "\" is not a colour: \"" + attribute.value() + "\"",
+      Add(Line(node),
+          "\"" + std::string(name) + "\" is not a colour: \"" + attribute.value() + "\"",
           "use #rrggbb, #rrggbbaa or a name such as black, gray, maroon, none");
     }
     return color;
@@ -452,7 +452,8 @@ class Reader {
       if (EqualsNoCase(attribute.value(), text)) return value;
     }
     std::string allowed;
-    for (const auto& choice : choices) allowed += (allowed.empty() ? "" : ", ") + std::string(choice.first);
+    for (const auto& choice : choices)
+      allowed += (allowed.empty() ? "" : ", ") + std::string(choice.first);
     Add(Line(node), "\"" + std::string(name) + "\" cannot be \"" + attribute.value() + "\"",
         "one of: " + allowed);
     return std::nullopt;
@@ -462,7 +463,9 @@ class Reader {
     const pugi::xml_attribute attribute = node.attribute(name);
     if (!attribute) return std::nullopt;
     const std::optional<double> number = ParseNumber(attribute.value());
-    if (!number) Add(Line(node), "\"" + std::string(name) + "\" is not a number: \"" + attribute.value() + "\"");
+    if (!number)
+      Add(Line(node),
+          "\"" + std::string(name) + "\" is not a number: \"" + attribute.value() + "\"");
     return number;
   }
 
@@ -483,10 +486,13 @@ class Reader {
     style.color = ColorAttribute(node, "color");
     style.fill = ColorAttribute(node, "fill");
     style.halign = Choice<HAlign>(node, "align",
-                                  {{"left", HAlign::kLeft}, {"center", HAlign::kCenter},
-                                   {"right", HAlign::kRight}, {"justify", HAlign::kJustify}});
+                                  {{"left", HAlign::kLeft},
+                                   {"center", HAlign::kCenter},
+                                   {"right", HAlign::kRight},
+                                   {"justify", HAlign::kJustify}});
     style.valign = Choice<VAlign>(
-        node, "valign", {{"top", VAlign::kTop}, {"middle", VAlign::kMiddle}, {"bottom", VAlign::kBottom}});
+        node, "valign",
+        {{"top", VAlign::kTop}, {"middle", VAlign::kMiddle}, {"bottom", VAlign::kBottom}});
     style.wrap = OptionalFlag(node, "wrap");
     style.clip = OptionalFlag(node, "clip");
     style.rich = OptionalFlag(node, "rich");
@@ -497,14 +503,17 @@ class Reader {
         style.rotation = static_cast<int16_t>(*rotate);
       }
     }
-    if (const auto spacing = Number(node, "line-spacing")) style.line_spacing = static_cast<float>(*spacing);
+    if (const auto spacing = Number(node, "line-spacing"))
+      style.line_spacing = static_cast<float>(*spacing);
     if (const auto spacing = Length(node, "char-spacing")) style.char_spacing = *spacing;
     if (node.attribute("border")) style.borders = Borders(node, node.attribute("border").value());
     if (const auto width = Length(node, "border-width")) style.border_width = *width;
     style.border_color = ColorAttribute(node, "border-color");
     style.border_style = Choice<LineStyle>(node, "border-style",
-                                           {{"solid", LineStyle::kSolid}, {"dash", LineStyle::kDash},
-                                            {"dot", LineStyle::kDot}, {"dash-dot", LineStyle::kDashDot},
+                                           {{"solid", LineStyle::kSolid},
+                                            {"dash", LineStyle::kDash},
+                                            {"dot", LineStyle::kDot},
+                                            {"dash-dot", LineStyle::kDashDot},
                                             {"double", LineStyle::kDouble}});
     if (node.attribute("padding")) {
       const auto words = Words(node.attribute("padding").value());
@@ -559,9 +568,12 @@ class Reader {
 
   StretchMode Stretch(const pugi::xml_node& node) {
     return Choice<StretchMode>(node, "stretch",
-                               {{"none", StretchMode::kNone}, {"false", StretchMode::kNone},
-                                {"grow", StretchMode::kGrow}, {"true", StretchMode::kGrow},
-                                {"band", StretchMode::kBand}, {"cell", StretchMode::kCell}})
+                               {{"none", StretchMode::kNone},
+                                {"false", StretchMode::kNone},
+                                {"grow", StretchMode::kGrow},
+                                {"true", StretchMode::kGrow},
+                                {"band", StretchMode::kBand},
+                                {"cell", StretchMode::kCell}})
         .value_or(StretchMode::kNone);
   }
 
@@ -571,8 +583,10 @@ class Reader {
     stroke.width = Length(node, width).value_or(default_width);
     stroke.color = ColorAttribute(node, color).value_or(Color::Black());
     stroke.style = Choice<LineStyle>(node, style,
-                                     {{"solid", LineStyle::kSolid}, {"dash", LineStyle::kDash},
-                                      {"dot", LineStyle::kDot}, {"dash-dot", LineStyle::kDashDot},
+                                     {{"solid", LineStyle::kSolid},
+                                      {"dash", LineStyle::kDash},
+                                      {"dot", LineStyle::kDot},
+                                      {"dash-dot", LineStyle::kDashDot},
                                       {"double", LineStyle::kDouble}})
                        .value_or(LineStyle::kSolid);
     return stroke;
@@ -582,10 +596,13 @@ class Reader {
     const std::string_view kind = node.name();
     if (kind == "text") {
       std::initializer_list<const char*> allowed = {
-          "name", "left", "top", "width", "height", "print-when", "style", "format", "stretch",
-          "shrink", "hide-zero", "font", "size", "bold", "italic", "underline", "strikeout",
-          "color", "fill", "align", "valign", "wrap", "clip", "rich", "rotate", "line-spacing",
-          "char-spacing", "border", "border-width", "border-color", "border-style", "padding"};
+          "name",         "left",         "top",    "width",        "height",
+          "print-when",   "style",        "format", "stretch",      "shrink",
+          "hide-zero",    "font",         "size",   "bold",         "italic",
+          "underline",    "strikeout",    "color",  "fill",         "align",
+          "valign",       "wrap",         "clip",   "rich",         "rotate",
+          "line-spacing", "char-spacing", "border", "border-width", "border-color",
+          "border-style", "padding"};
       CheckAttributes(node, allowed);
       TextObject text;
       ReadCommon(node, text);
@@ -605,10 +622,13 @@ class Reader {
       ReadCommon(node, picture);
       picture.source = Text(node, "source");
       picture.fit = Choice<ImageFit>(node, "fit",
-                                     {{"contain", ImageFit::kContain}, {"stretch", ImageFit::kStretch},
-                                      {"center", ImageFit::kCenter}, {"cover", ImageFit::kCover}})
+                                     {{"contain", ImageFit::kContain},
+                                      {"stretch", ImageFit::kStretch},
+                                      {"center", ImageFit::kCenter},
+                                      {"cover", ImageFit::kCover}})
                         .value_or(ImageFit::kContain);
-      if (node.attribute("border")) picture.borders = Borders(node, node.attribute("border").value());
+      if (node.attribute("border"))
+        picture.borders = Borders(node, node.attribute("border").value());
       picture.border = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
       return picture;
     }
@@ -621,7 +641,8 @@ class Reader {
       barcode.data = Text(node, "data", true);
       const std::string level = Text(node, "level");
       if (!level.empty()) {
-        if (level.size() != 1 || std::string_view("LMQHlmqh").find(level[0]) == std::string_view::npos) {
+        if (level.size() != 1 ||
+            std::string_view("LMQHlmqh").find(level[0]) == std::string_view::npos) {
           Add(Line(node), "\"level\" must be L, M, Q or H");
         } else {
           barcode.qr_level = static_cast<char>(std::toupper(static_cast<unsigned char>(level[0])));
@@ -648,9 +669,9 @@ class Reader {
       return line;
     }
     if (kind == "rect") {
-      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "fill",
-                             "border-width", "border-color", "border-style", "radius",
-                             "grow-with-band"});
+      CheckAttributes(
+          node, {"name", "left", "top", "width", "height", "print-when", "fill", "border-width",
+                 "border-color", "border-style", "radius", "grow-with-band"});
       RectObject rect;
       ReadCommon(node, rect);
       rect.fill = ColorAttribute(node, "fill").value_or(Color::None());
@@ -695,9 +716,16 @@ class Reader {
     return band;
   }
 
-  static constexpr std::initializer_list<const char*> kBandAttributes = {
-      "name", "height", "stretch", "keep-together", "start-new-page", "repeat",
-      "print-on-first-page", "print-on-last-page", "print-if-empty", "print-when"};
+  static constexpr std::initializer_list<const char*> kBandAttributes = {"name",
+                                                                         "height",
+                                                                         "stretch",
+                                                                         "keep-together",
+                                                                         "start-new-page",
+                                                                         "repeat",
+                                                                         "print-on-first-page",
+                                                                         "print-on-last-page",
+                                                                         "print-if-empty",
+                                                                         "print-when"};
 
   DataBand ReadData(const pugi::xml_node& node) {
     CheckAttributes(node, {"name", "height", "stretch", "keep-together", "start-new-page",
@@ -733,7 +761,8 @@ class Reader {
   }
 
   Group ReadGroup(const pugi::xml_node& node) {
-    CheckAttributes(node, {"name", "condition", "keep-together", "start-new-page", "repeat-header"});
+    CheckAttributes(node,
+                    {"name", "condition", "keep-together", "start-new-page", "repeat-header"});
     Group group;
     group.line = Line(node);
     group.name = Text(node, "name");
@@ -758,18 +787,18 @@ class Reader {
   }
 
   void ReadPage(const pugi::xml_node& node, PageSetup& page) {
-    CheckAttributes(node, {"size", "orientation", "margin", "margin-left", "margin-top",
-                           "margin-right", "margin-bottom", "columns", "column-gap",
-                           "column-order", "printer"});
+    CheckAttributes(node,
+                    {"size", "orientation", "margin", "margin-left", "margin-top", "margin-right",
+                     "margin-bottom", "columns", "column-gap", "column-order", "printer"});
     if (node.attribute("size")) {
       const std::string size = node.attribute("size").value();
       struct Named {
         const char* name;
         double width, height;
       };
-      static constexpr Named kSizes[] = {{"A3", 297, 420}, {"A4", 210, 297}, {"A5", 148, 210},
-                                         {"A6", 105, 148}, {"Letter", 215.9, 279.4},
-                                         {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
+      static constexpr Named kSizes[] = {
+          {"A3", 297, 420},         {"A4", 210, 297},        {"A5", 148, 210}, {"A6", 105, 148},
+          {"Letter", 215.9, 279.4}, {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
       bool known = false;
       for (const Named& named : kSizes) {
         if (EqualsNoCase(size, named.name)) {
@@ -857,7 +886,8 @@ class Reader {
         param.type = Choice<ParamType>(child, "type",
                                        {{"integer", ParamType::kInteger},
                                         {"number", ParamType::kNumber},
-                                        {"text", ParamType::kText}, {"date", ParamType::kDate}})
+                                        {"text", ParamType::kText},
+                                        {"date", ParamType::kDate}})
                          .value_or(ParamType::kText);
         param.default_value = Text(child, "default");
         param.value = Text(child, "value");
@@ -916,15 +946,18 @@ class Reader {
             {Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node)});
       } else if (name == "style") {
         std::initializer_list<const char*> allowed = {
-            "name", "based-on", "font", "size", "bold", "italic", "underline", "strikeout",
-            "color", "fill", "align", "valign", "wrap", "clip", "rich", "rotate", "line-spacing",
-            "char-spacing", "border", "border-width", "border-color", "border-style", "padding"};
+            "name",         "based-on",     "font",         "size",   "bold",
+            "italic",       "underline",    "strikeout",    "color",  "fill",
+            "align",        "valign",       "wrap",         "clip",   "rich",
+            "rotate",       "line-spacing", "char-spacing", "border", "border-width",
+            "border-color", "border-style", "padding"};
         CheckAttributes(node, allowed);
         StyleSpec style;
         style.based_on = Text(node, "based-on");
         ReadStyle(node, style);
         const std::string style_name = Text(node, "name", true);
-        if (design.styles.count(style_name)) Add(Line(node), "style \"" + style_name + "\" is defined twice");
+        if (design.styles.count(style_name))
+          Add(Line(node), "style \"" + style_name + "\" is defined twice");
         design.styles[style_name] = std::move(style);
       } else if (name == "page-header") {
         ReadSingleBand(node, BandKind::kPageHeader, design.page_header);
@@ -966,18 +999,30 @@ class Reader {
 
 const char* BandElementName(BandKind kind) {
   switch (kind) {
-    case BandKind::kPageHeader: return "page-header";
-    case BandKind::kPageFooter: return "page-footer";
-    case BandKind::kTitle: return "title";
-    case BandKind::kSummary: return "summary";
-    case BandKind::kColumnHeader: return "column-header";
-    case BandKind::kColumnFooter: return "column-footer";
-    case BandKind::kData: return "data";
-    case BandKind::kDataHeader: return "header";
-    case BandKind::kDataFooter: return "footer";
-    case BandKind::kGroupHeader: return "header";
-    case BandKind::kGroupFooter: return "footer";
-    case BandKind::kChild: return "child";
+    case BandKind::kPageHeader:
+      return "page-header";
+    case BandKind::kPageFooter:
+      return "page-footer";
+    case BandKind::kTitle:
+      return "title";
+    case BandKind::kSummary:
+      return "summary";
+    case BandKind::kColumnHeader:
+      return "column-header";
+    case BandKind::kColumnFooter:
+      return "column-footer";
+    case BandKind::kData:
+      return "data";
+    case BandKind::kDataHeader:
+      return "header";
+    case BandKind::kDataFooter:
+      return "footer";
+    case BandKind::kGroupHeader:
+      return "header";
+    case BandKind::kGroupFooter:
+      return "footer";
+    case BandKind::kChild:
+      return "child";
   }
   return "band";
 }
@@ -1034,7 +1079,8 @@ std::optional<float> ParseLength(std::string_view text) {
     const char* suffix;
     double points;
   };
-  static constexpr Unit kUnits[] = {{"mm", 72.0 / 25.4}, {"cm", 72.0 / 2.54}, {"in", 72.0}, {"pt", 1.0}};
+  static constexpr Unit kUnits[] = {
+      {"mm", 72.0 / 25.4}, {"cm", 72.0 / 2.54}, {"in", 72.0}, {"pt", 1.0}};
   double factor = 72.0 / 25.4;
   for (const Unit& unit : kUnits) {
     const std::string_view suffix = unit.suffix;
@@ -1054,15 +1100,21 @@ std::optional<Color> ParseColor(std::string_view text) {
     const char* name;
     Color color;
   };
-  static constexpr Named kNames[] = {
-      {"black", {0, 0, 0, 255}},        {"white", {255, 255, 255, 255}},
-      {"red", {220, 20, 20, 255}},      {"green", {0, 128, 0, 255}},
-      {"blue", {0, 0, 200, 255}},       {"gray", {128, 128, 128, 255}},
-      {"grey", {128, 128, 128, 255}},   {"lightgray", {211, 211, 211, 255}},
-      {"silver", {192, 192, 192, 255}}, {"maroon", {128, 0, 0, 255}},
-      {"navy", {0, 0, 128, 255}},       {"teal", {0, 128, 128, 255}},
-      {"orange", {255, 140, 0, 255}},   {"transparent", {0, 0, 0, 0}},
-      {"none", {0, 0, 0, 0}}};
+  static constexpr Named kNames[] = {{"black", {0, 0, 0, 255}},
+                                     {"white", {255, 255, 255, 255}},
+                                     {"red", {220, 20, 20, 255}},
+                                     {"green", {0, 128, 0, 255}},
+                                     {"blue", {0, 0, 200, 255}},
+                                     {"gray", {128, 128, 128, 255}},
+                                     {"grey", {128, 128, 128, 255}},
+                                     {"lightgray", {211, 211, 211, 255}},
+                                     {"silver", {192, 192, 192, 255}},
+                                     {"maroon", {128, 0, 0, 255}},
+                                     {"navy", {0, 0, 128, 255}},
+                                     {"teal", {0, 128, 128, 255}},
+                                     {"orange", {255, 140, 0, 255}},
+                                     {"transparent", {0, 0, 0, 0}},
+                                     {"none", {0, 0, 0, 0}}};
   for (const Named& named : kNames) {
     if (EqualsNoCase(text, named.name)) return named.color;
   }
@@ -1077,7 +1129,9 @@ std::optional<Color> ParseColor(std::string_view text) {
   for (char c : hex) {
     if (digit(c) < 0) return std::nullopt;
   }
-  auto byte = [&](size_t i) { return static_cast<uint8_t>(digit(hex[i]) * 16 + digit(hex[i + 1])); };
+  auto byte = [&](size_t i) {
+    return static_cast<uint8_t>(digit(hex[i]) * 16 + digit(hex[i + 1]));
+  };
   if (hex.size() == 3) {
     return Color{static_cast<uint8_t>(digit(hex[0]) * 17), static_cast<uint8_t>(digit(hex[1]) * 17),
                  static_cast<uint8_t>(digit(hex[2]) * 17), 255};

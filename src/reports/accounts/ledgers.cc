@@ -7,8 +7,12 @@ void CRepoter::RefLedger(int32_t, Date, Date) { throw NotImplementedYet("RefLedg
 
 void CRepoter::PartyRefLedgerOld(int16_t) { throw NotImplementedYet("PartyRefLedgerOld"); }
 
-void CRepoter::PartyRefLedger(const std::string&, const std::string&) { throw NotImplementedYet("PartyRefLedger"); }
+void CRepoter::PartyRefLedger(const std::string&, const std::string&) {
+  throw NotImplementedYet("PartyRefLedger");
+}
 
-void CRepoter::VoucherPrintUserWise(const std::string&) { throw NotImplementedYet("VoucherPrintUserWise"); }
+void CRepoter::VoucherPrintUserWise(const std::string&) {
+  throw NotImplementedYet("VoucherPrintUserWise");
+}
 
 }  // namespace vantorel

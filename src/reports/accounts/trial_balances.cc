@@ -7,8 +7,12 @@ void CRepoter::TrialParty(Date, const std::string&) { throw NotImplementedYet("T
 
 void CRepoter::TrialPartydcr(Date) { throw NotImplementedYet("TrialPartydcr"); }
 
-void CRepoter::TrialGroup(Date, const std::string&, const std::string&) { throw NotImplementedYet("TrialGroup"); }
+void CRepoter::TrialGroup(Date, const std::string&, const std::string&) {
+  throw NotImplementedYet("TrialGroup");
+}
 
-void CRepoter::TrialNature(Date, const std::string&, const std::string&) { throw NotImplementedYet("TrialNature"); }
+void CRepoter::TrialNature(Date, const std::string&, const std::string&) {
+  throw NotImplementedYet("TrialNature");
+}
 
 }  // namespace vantorel

@@ -5,9 +5,14 @@ namespace vantorel {
 
 void CRepoter::VoucherPrintSingle(int16_t) { throw NotImplementedYet("VoucherPrintSingle"); }
 
-void CRepoter::OldVehicleReceiptPrint(int16_t) { throw NotImplementedYet("OldVehicleReceiptPrint"); }
+void CRepoter::OldVehicleReceiptPrint(int16_t) {
+  throw NotImplementedYet("OldVehicleReceiptPrint");
+}
 
-void CRepoter::ChequePrint(const std::string&, const std::string&, const std::string&, const std::string&, const std::string&) { throw NotImplementedYet("ChequePrint"); }
+void CRepoter::ChequePrint(const std::string&, const std::string&, const std::string&,
+                           const std::string&, const std::string&) {
+  throw NotImplementedYet("ChequePrint");
+}
 
 void CRepoter::GstVoucherPrint(int16_t) { throw NotImplementedYet("GstVoucherPrint"); }
 

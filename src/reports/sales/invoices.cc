@@ -17,29 +17,45 @@ struct InvoiceForm {
   const char* template_name;
   const char* amount_sql;
   const char* words_prefix;
-  const char* memo;       // "WAMT" on dealer forms, "AMT" on sub-dealer forms
-  bool second_copy;       // two-in-one forms print the words twice, "WAMT1" too
-  const char* query;      // "Q_INV" or "Q_PM"
+  const char* memo;   // "WAMT" on dealer forms, "AMT" on sub-dealer forms
+  bool second_copy;   // two-in-one forms print the words twice, "WAMT1" too
+  const char* query;  // "Q_INV" or "Q_PM"
   bool logo;
   bool qr_code;
 };
 
-constexpr InvoiceForm kVehInvoice2in1{"vehinvoice", kNetAmount, kIndented, "WAMT", true, "Q_INV", false, false};
-constexpr InvoiceForm kVehInvoicewith21{"vehinvoicewith21", kNetAmount, kIndented, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kVehInvoiceSingle{"vehinvoicesingle", kNetAmount, kIndented, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kVehInvoiceHero{"vehinvoicehero", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kVehInvoiceHeroSubdealer{"vehinvoiceherosubdealer", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kGSTVehInvoiceSingle{"gstvehinvoicesingle", kNetLessSubsidy, kIndented, "WAMT", false, "Q_INV", true, false};
-constexpr InvoiceForm kCycleInvoice{"cycleinvoice", kNetAmount, kIndented, "WAMT", false, "Q_INV", true, false};
-constexpr InvoiceForm kGSTVehInvoiceHero{"gstvehinvoicehero", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kGSTVehInvoiceHeroSubdealer{"gstvehinvoiceherosubdealer", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
-constexpr InvoiceForm kGSTVehInvoice2in1{"gstvehinvoice", kNetAmount, kIndented, "WAMT", true, "Q_INV", true, false};
-constexpr InvoiceForm kGSTVehInvoicewith21{"gstvehinvoicewith21", kNetAmount, kIndented, "WAMT", false, "Q_INV", true, false};
-constexpr InvoiceForm kVehInvoiceSubDealer{"vehinvoicesub", kNetAmount, kIndented, "AMT", false, "Q_PM", false, false};
-constexpr InvoiceForm kGSTVehInvoiceSubDealer{"gstvehinvoicesub", kNetAmount, kIndented, "AMT", false, "Q_PM", true, false};
-constexpr InvoiceForm kCycleInvoiceSubDealer{"cycleinvoicesub", kNetAmount, kIndented, "AMT", false, "Q_PM", true, false};
-constexpr InvoiceForm kVehSubDealerPackingList{"vehsubpackinglist", kNetAmount, kIndented, "AMT", false, "Q_PM", false, false};
-constexpr InvoiceForm kEInvoiceVehicle{"einvoicevehicle", kNetAmount, kIndented, "AMT", false, "Q_PM", true, true};
+constexpr InvoiceForm kVehInvoice2in1{"vehinvoice", kNetAmount, kIndented, "WAMT",
+                                      true,         "Q_INV",    false,     false};
+constexpr InvoiceForm kVehInvoicewith21{
+    "vehinvoicewith21", kNetAmount, kIndented, "WAMT", false, "Q_INV", false, false};
+constexpr InvoiceForm kVehInvoiceSingle{
+    "vehinvoicesingle", kNetAmount, kIndented, "WAMT", false, "Q_INV", false, false};
+constexpr InvoiceForm kVehInvoiceHero{"vehinvoicehero", kNetAmount, kRupees, "WAMT", false,
+                                      "Q_INV",          false,      false};
+constexpr InvoiceForm kVehInvoiceHeroSubdealer{
+    "vehinvoiceherosubdealer", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
+constexpr InvoiceForm kGSTVehInvoiceSingle{
+    "gstvehinvoicesingle", kNetLessSubsidy, kIndented, "WAMT", false, "Q_INV", true, false};
+constexpr InvoiceForm kCycleInvoice{"cycleinvoice", kNetAmount, kIndented, "WAMT",
+                                    false,          "Q_INV",    true,      false};
+constexpr InvoiceForm kGSTVehInvoiceHero{
+    "gstvehinvoicehero", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
+constexpr InvoiceForm kGSTVehInvoiceHeroSubdealer{
+    "gstvehinvoiceherosubdealer", kNetAmount, kRupees, "WAMT", false, "Q_INV", false, false};
+constexpr InvoiceForm kGSTVehInvoice2in1{"gstvehinvoice", kNetAmount, kIndented, "WAMT", true,
+                                         "Q_INV",         true,       false};
+constexpr InvoiceForm kGSTVehInvoicewith21{
+    "gstvehinvoicewith21", kNetAmount, kIndented, "WAMT", false, "Q_INV", true, false};
+constexpr InvoiceForm kVehInvoiceSubDealer{"vehinvoicesub", kNetAmount, kIndented, "AMT",
+                                           false,           "Q_PM",     false,     false};
+constexpr InvoiceForm kGSTVehInvoiceSubDealer{
+    "gstvehinvoicesub", kNetAmount, kIndented, "AMT", false, "Q_PM", true, false};
+constexpr InvoiceForm kCycleInvoiceSubDealer{
+    "cycleinvoicesub", kNetAmount, kIndented, "AMT", false, "Q_PM", true, false};
+constexpr InvoiceForm kVehSubDealerPackingList{
+    "vehsubpackinglist", kNetAmount, kIndented, "AMT", false, "Q_PM", false, false};
+constexpr InvoiceForm kEInvoiceVehicle{
+    "einvoicevehicle", kNetAmount, kIndented, "AMT", false, "Q_PM", true, true};
 
 // The words of the invoice's amount, kept in the text buffer.
 void ReadAmountInWords(CRepoter& rep, const InvoiceForm& form, int16_t id, data::Recordset& rs) {
@@ -130,8 +146,7 @@ void CRepoter::CycleInvoiceSubDealer(int16_t ID, const std::string& LogoFile) {
 void CRepoter::VehSubDealerPackingList(int16_t ID) {
   SubDealerInvoice(*this, kVehSubDealerPackingList, ID);
 }
-void CRepoter::EInvoiceVehicle(int16_t ID, const std::string& LogoFile,
-                               const std::string& QrFile) {
+void CRepoter::EInvoiceVehicle(int16_t ID, const std::string& LogoFile, const std::string& QrFile) {
   SubDealerInvoice(*this, kEInvoiceVehicle, ID, LogoFile, QrFile);
 }
 

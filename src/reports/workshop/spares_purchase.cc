@@ -15,6 +15,8 @@ void CRepoter::w_purchaseorder(int16_t) { throw NotImplementedYet("w_purchaseord
 
 void CRepoter::w_estimate(int16_t) { throw NotImplementedYet("w_estimate"); }
 
-void CRepoter::Apro_WsPrintPurRet(int16_t, double, VBool, const std::string&) { throw NotImplementedYet("Apro_WsPrintPurRet"); }
+void CRepoter::Apro_WsPrintPurRet(int16_t, double, VBool, const std::string&) {
+  throw NotImplementedYet("Apro_WsPrintPurRet");
+}
 
 }  // namespace vantorel

@@ -21,11 +21,14 @@ inline std::string Shell(const std::string& command) {
   std::string out;
   std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
   std::array<char, 4096> buffer;
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr) out += buffer.data();
+  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
+    out += buffer.data();
   return out;
 }
 
-inline std::string PdfText(const std::string& pdf) { return Shell("pdftotext -layout '" + pdf + "' - 2>&1"); }
+inline std::string PdfText(const std::string& pdf) {
+  return Shell("pdftotext -layout '" + pdf + "' - 2>&1");
+}
 
 class EngineTest : public ::testing::Test {
  protected:
@@ -37,7 +40,8 @@ class EngineTest : public ::testing::Test {
       create table challan (id integer, cname text, amt numeric(12,2));
       insert into challan values (12, 'Ramesh Dattatray Patil', 1250.50);
       insert into challan values (13, 'सुनीता देशमुख', 105000.50);
-    )", nullptr, nullptr, nullptr);
+    )",
+                 nullptr, nullptr, nullptr);
     sqlite3_close(db);
     dir_.Write("reports/challan.fr3", R"(<?xml version="1.0" encoding="UTF-8"?>
 <report format="vantorel-template" version="1" name="challan">

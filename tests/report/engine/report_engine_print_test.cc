@@ -13,7 +13,8 @@ namespace {
 
 std::set<std::filesystem::path> Printed() {
   std::set<std::filesystem::path> files;
-  for (const auto& entry : std::filesystem::directory_iterator(std::string(VANTOREL_CUPS_DIR) + "/out")) {
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::string(VANTOREL_CUPS_DIR) + "/out")) {
     files.insert(entry.path());
   }
   return files;

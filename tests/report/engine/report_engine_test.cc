@@ -57,7 +57,8 @@ TEST_F(EngineTest, WhatThePrintMethodPokesReachesTheDocument) {
   EXPECT_NE(text.find("RUPEES : ONE LAC FIVE THOUSAND & PAISA FIFTY ONLY"), std::string::npos)
       << text;
   EXPECT_NE(text.find("[not an"), std::string::npos)
-      << "a bracket that is no expression prints as written\n" << text;
+      << "a bracket that is no expression prints as written\n"
+      << text;
   EXPECT_NE(Shell("pdfimages -list '" + pdf + "'").find("jpeg"), std::string::npos)
       << "the logo is in the PDF";
 }

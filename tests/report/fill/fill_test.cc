@@ -46,7 +46,8 @@ class FillTest : public ::testing::Test {
     sqlite3_close(db);
   }
 
-  std::string Template(const std::string& body, const std::string& page = "size=\"A5\" margin=\"10mm\"") {
+  std::string Template(const std::string& body,
+                       const std::string& page = "size=\"A5\" margin=\"10mm\"") {
     return "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n<page " + page +
            "/>\n<database name=\"DMSDB\"/>\n" + body + "\n</report>\n";
   }
@@ -54,7 +55,8 @@ class FillTest : public ::testing::Test {
   Rendered Render(const std::string& body, const std::string& page = "size=\"A5\" margin=\"10mm\"",
                   std::vector<RenderRequest::Setting> params = {}) {
     RenderRequest request;
-    request.template_path = dir_.Write("t" + std::to_string(++count_) + ".fr3", Template(body, page));
+    request.template_path =
+        dir_.Write("t" + std::to_string(++count_) + ".fr3", Template(body, page));
     request.connections["DMSDB"] = db_;
     request.parameters = std::move(params);
     return RenderTemplate(request);
@@ -105,14 +107,32 @@ TEST_F(FillTest, DataBandPrintsEveryRowWithRunningAndGroupTotals) {
     <summary height="6mm"><text width="60mm" height="6mm">Grand total [Sum(Q.amount)]</text></summary>
   )t");
   ASSERT_EQ(rendered.document.pages.size(), 1u);
-  const std::vector<std::string> expected = {
-      "Items: 5 worth 4272.27",
-      "Shine", "1", "Helmet", "1,190.48", "1190.48", "2", "Crash guard", "1,271.19", "2461.67",
-      "Shine total 2461.67",
-      "Splendor", "3", "Mirror", "120.10", "120.10", "4", "Horn", "240.00", "360.10", "5",
-      "Chain kit", "1,450.50", "1810.60",
-      "Splendor total 1810.60",
-      "Grand total 4272.27"};
+  const std::vector<std::string> expected = {"Items: 5 worth 4272.27",
+                                             "Shine",
+                                             "1",
+                                             "Helmet",
+                                             "1,190.48",
+                                             "1190.48",
+                                             "2",
+                                             "Crash guard",
+                                             "1,271.19",
+                                             "2461.67",
+                                             "Shine total 2461.67",
+                                             "Splendor",
+                                             "3",
+                                             "Mirror",
+                                             "120.10",
+                                             "120.10",
+                                             "4",
+                                             "Horn",
+                                             "240.00",
+                                             "360.10",
+                                             "5",
+                                             "Chain kit",
+                                             "1,450.50",
+                                             "1810.60",
+                                             "Splendor total 1810.60",
+                                             "Grand total 4272.27"};
   EXPECT_EQ(Texts(rendered.document, 0), expected);
 }
 
@@ -238,12 +258,13 @@ TEST_F(FillTest, ThreeThousandAmountsSumExactly) {
     <query name="Q"><sql>select amount from many</sql></query>
     <data name="Rows" query="Q" height="0.1mm"/>
     <summary height="5mm"><text width="80mm" height="5mm">[Sum(Q.amount)]</text></summary>
-  )t", "size=\"A4\" margin=\"10mm\"");
+  )t",
+                                   "size=\"A4\" margin=\"10mm\"");
   // The same sum in whole paise, computed here with integers.
   int64_t paise = 0;
   for (int n = 1; n <= 3000; ++n) paise += (n * 37 % 1000) * 100 + (n % 97) + 7;
-  const std::string expected = std::to_string(paise / 100) + "." +
-                               (paise % 100 < 10 ? "0" : "") + std::to_string(paise % 100);
+  const std::string expected = std::to_string(paise / 100) + "." + (paise % 100 < 10 ? "0" : "") +
+                               std::to_string(paise % 100);
   const auto& last = rendered.document.pages.back();
   const auto* total = std::get_if<TextItem>(&last.items.back());
   ASSERT_NE(total, nullptr);
@@ -251,12 +272,14 @@ TEST_F(FillTest, ThreeThousandAmountsSumExactly) {
 }
 
 TEST_F(FillTest, LabelSheetsFillRowsAcross) {
-  const Rendered rendered = Render(R"t(
+  const Rendered rendered = Render(
+      R"t(
     <query name="Q"><sql>select * from item order by id</sql></query>
     <data name="Labels" query="Q" height="20mm">
       <text width="50mm" height="20mm">[Q.name]</text>
     </data>
-  )t", "size=\"A4\" margin=\"10mm\" columns=\"3\" column-gap=\"5mm\" column-order=\"across\"");
+  )t",
+      "size=\"A4\" margin=\"10mm\" columns=\"3\" column-gap=\"5mm\" column-order=\"across\"");
   const auto items = TextItems(rendered.document, 0);
   ASSERT_EQ(items.size(), 5u);
   EXPECT_FLOAT_EQ(items[0]->box.y, items[1]->box.y);
@@ -271,7 +294,8 @@ TEST_F(FillTest, RollPaperIsOnePageAsTallAsItsContent) {
   const Rendered rendered = Render(R"t(
     <query name="Q"><sql>select n from many where n &lt;= 150</sql></query>
     <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.n]</text></data>
-  )t", "size=\"80mm auto\" margin=\"4mm\"");
+  )t",
+                                   "size=\"80mm auto\" margin=\"4mm\"");
   ASSERT_EQ(rendered.document.pages.size(), 1u);
   EXPECT_NEAR(rendered.document.pages[0].size.height, Mm(150 * 5 + 8), 0.5);
   EXPECT_NEAR(rendered.document.pages[0].size.width, Mm(80), 0.01);
@@ -345,7 +369,8 @@ TEST_F(FillTest, KeepTogetherMovesAGroupToTheNextPage) {
   for (size_t p = 0; p < rendered.document.pages.size(); ++p) {
     const auto texts = Texts(rendered.document, p);
     ASSERT_FALSE(texts.empty());
-    EXPECT_EQ(texts.front().rfind("Group ", 0), 0u) << "page " << p + 1 << " starts with " << texts.front();
+    EXPECT_EQ(texts.front().rfind("Group ", 0), 0u)
+        << "page " << p + 1 << " starts with " << texts.front();
   }
 }
 
@@ -385,7 +410,8 @@ TEST_F(FillTest, GroupHeaderIsNeverLeftAloneAtThePageFoot) {
       </group>
       <text width="40mm" height="6mm">[Q.n]</text>
     </data>
-  )t", "size=\"A5\" margin=\"10mm\"");
+  )t",
+                                   "size=\"A5\" margin=\"10mm\"");
   const Document& document = rendered.document;
   ASSERT_EQ(document.pages.size(), 2u);
   EXPECT_NE(Texts(document, 0).back(), "Group 2") << "the header went on with its first row";
@@ -476,15 +502,18 @@ TEST_F(FillTest, BoxesBelowAGrowingTextMoveDownAndKeepTheirShape) {
 }
 
 TEST_F(FillTest, ParametersReadLikeFields) {
-  const Rendered rendered = Render(R"t(
+  const Rendered rendered =
+      Render(R"t(
     <query name="Q">
       <sql>select name from item where sold &gt;= :fromdate order by id</sql>
       <param name="fromdate" type="date" default="2024-03-05"/>
     </query>
     <title height="6mm"><text width="80mm" height="6mm">From [FormatDate(Q.fromdate, "dd-mm-yyyy")]</text></title>
     <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.name]</text></data>
-  )t", "size=\"A5\" margin=\"10mm\"", {{"Q", "fromdate", "2024-03-09"}});
-  EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"From 09-03-2024", "Chain kit"}));
+  )t",
+             "size=\"A5\" margin=\"10mm\"", {{"Q", "fromdate", "2024-03-09"}});
+  EXPECT_EQ(Texts(rendered.document, 0),
+            (std::vector<std::string>{"From 09-03-2024", "Chain kit"}));
 }
 
 TEST_F(FillTest, NowCarriesTheTimeOfDay) {
@@ -550,7 +579,8 @@ TEST_F(FillTest, BadSqlNamesItsQuery) {
               <title height="5mm"><text width="40mm" height="5mm">[Broken.x]</text></title>)t");
     FAIL() << "expected an error";
   } catch (const Error& error) {
-    EXPECT_NE(error.description().find("query \"Broken\""), std::string::npos) << error.description();
+    EXPECT_NE(error.description().find("query \"Broken\""), std::string::npos)
+        << error.description();
     EXPECT_NE(error.description().find("no_such_table"), std::string::npos) << error.description();
   }
 }
@@ -564,7 +594,8 @@ TEST_F(FillTest, ParametersKeepTheirTypes) {
       <param name="model" type="text" default="Splendor"/>
     </query>
     <data name="Rows" query="Q" height="5mm"><text width="40mm" height="5mm">[Q.name]</text></data>
-  )t", "size=\"A5\" margin=\"10mm\"", {{"Q", "last", "4"}});
+  )t",
+                                   "size=\"A5\" margin=\"10mm\"", {{"Q", "last", "4"}});
   EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"Mirror", "Horn"}));
 }
 

@@ -92,8 +92,8 @@ TEST(TemplateCompiler, ComponentsAreFoundByNameInAnyCase) {
 <query name="Q_INV"><sql>select 1</sql><param name="id" type="integer"/></query>
 <title height="10mm"><text name="WAMT" width="30mm" height="5mm">x</text>
   <picture name="Logo" width="10mm" height="10mm" source="x.png"/></title>)"),
-                                              "t.fr3"),
-                                "t.fr3");
+                                            "t.fr3"),
+                              "t.fr3");
   ASSERT_NE(report->Find("wamt"), nullptr);
   EXPECT_EQ(report->Find("wamt")->kind, ComponentEntry::Kind::kMemo);
   EXPECT_EQ(report->Find("q_inv")->kind, ComponentEntry::Kind::kQuery);
