@@ -63,7 +63,7 @@ tsan: deps
 	@cd build/tsan && TSAN_OPTIONS=halt_on_error=1 ctest -j $(JOBS) -L threads --output-on-failure
 
 # Formatting check (clang-format) of every source file.
-lint:
+lint: deps
 	@git ls-files '*.cc' '*.h' '*.c' | xargs clang-format --dry-run --Werror
 
 format:

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   # build, test, bench
-  cmake ninja-build ccache g++ pkg-config clang libclang-rt-14-dev
+  cmake ninja-build ccache g++ pkg-config clang libclang-rt-14-dev clang-format clang-tidy
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   # libraries
   libpugixml-dev libpango1.0-dev libcairo2-dev libgdk-pixbuf-2.0-dev libzint-dev libcups2-dev
