@@ -60,7 +60,10 @@ fuzz: deps
 tsan: deps
 	@cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DVANTOREL_SANITIZE=thread >/dev/null
 	@cmake --build build/tsan -j $(JOBS) --target threads_test
-	@cd build/tsan && TSAN_OPTIONS=halt_on_error=1 ctest -j $(JOBS) -L threads --output-on-failure
+	@# GLib, Pango, HarfBuzz, fontconfig and glibc are not built for TSan: their own locks and
+	@# atomics are invisible to it, so only accesses from our (instrumented) code are checked.
+	@cd build/tsan && TSAN_OPTIONS="halt_on_error=1 ignore_noninstrumented_modules=1" \
+	  ctest -j $(JOBS) -L threads --output-on-failure
 
 # Formatting check (clang-format) of every source file.
 lint: deps
