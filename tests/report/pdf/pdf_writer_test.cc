@@ -139,7 +139,7 @@ TEST_F(PdfWriterTest, BytesAreAPdf) {
 }
 
 TEST_F(PdfWriterTest, PassesQpdfCheck) {
-  if (!HaveTool("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
   const fs::path path = dir_ / "invoice.pdf";
   WritePdf(Invoice(), path.string());
   const Output check = RunTool("qpdf --check '" + path.string() + "'");
@@ -149,7 +149,8 @@ TEST_F(PdfWriterTest, PassesQpdfCheck) {
 }
 
 TEST_F(PdfWriterTest, FontsAreEmbeddedSubsetsWithUnicodeMaps) {
-  if (!HaveTool("pdffonts")) GTEST_SKIP() << "poppler-utils is not installed";
+  ASSERT_TRUE(HaveTool("pdffonts"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
   const fs::path path = dir_ / "invoice.pdf";
   WritePdf(Invoice(), path.string());
   const Output fonts = RunTool("pdffonts '" + path.string() + "'");
@@ -171,7 +172,8 @@ TEST_F(PdfWriterTest, FontsAreEmbeddedSubsetsWithUnicodeMaps) {
 }
 
 TEST_F(PdfWriterTest, TextExtractsExactly) {
-  if (!HaveTool("pdftotext")) GTEST_SKIP() << "poppler-utils is not installed";
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
   const fs::path path = dir_ / "invoice.pdf";
   WritePdf(Invoice(), path.string());
   const Output text = RunTool("pdftotext -enc UTF-8 -f 1 -l 1 '" + path.string() + "' -");
@@ -182,7 +184,8 @@ TEST_F(PdfWriterTest, TextExtractsExactly) {
 }
 
 TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
-  if (!HaveTool("pdftotext")) GTEST_SKIP() << "poppler-utils is not installed";
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
   Document document;
   TextStyle style;
   style.wrap = false;
@@ -202,7 +205,7 @@ TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
 }
 
 TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
-  if (!HaveTool("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
   const Document document = Invoice();
   const fs::path path = dir_ / "invoice.pdf";
   WritePdf(document, path.string());
@@ -275,7 +278,8 @@ TEST(ResourceFilterTest, BlanksRepeatsWhateverTheChunking) {
 }
 
 TEST_F(PdfWriterTest, MetadataIsWritten) {
-  if (!HaveTool("pdfinfo")) GTEST_SKIP() << "poppler-utils is not installed";
+  ASSERT_TRUE(HaveTool("pdfinfo"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
   const fs::path path = dir_ / "invoice.pdf";
   WritePdf(Invoice(), path.string());
   const std::string info = Squeezed(RunTool("pdfinfo '" + path.string() + "'").text);
@@ -287,7 +291,8 @@ TEST_F(PdfWriterTest, MetadataIsWritten) {
 }
 
 TEST_F(PdfWriterTest, PagesKeepTheirOwnSizes) {
-  if (!HaveTool("pdfinfo")) GTEST_SKIP() << "poppler-utils is not installed";
+  ASSERT_TRUE(HaveTool("pdfinfo"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
   Document document;
   document.pages.push_back(Page{{595.28f, 841.89f}, {}});
   document.pages.push_back(Page{{595.28f, 419.53f}, {}});  // A5 landscape
