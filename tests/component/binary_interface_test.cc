@@ -365,7 +365,7 @@ TEST_F(BinaryInterfaceTest, SupportsErrorInfoForItsOwnInterface) {
 TEST_F(BinaryInterfaceTest, EarlyBoundSuperReportPrintsThroughTheEngine) {
   const testing::TempDir dir;
   const std::string folder = dir.folder();
-  dir.Write("probe.fr3", "<TfrxReport/>");
+  dir.Write("probe.fr3", "template");
   auto engine = std::make_shared<RecordingEngine>();
   Ref<_CRepoter> object = Make(std::make_unique<CRepoter>(engine));
   const auto path = Bstr(folder);
@@ -621,7 +621,7 @@ TEST_F(BinaryInterfaceTest, InvokeRefusesAnExplicitlyMissingRequiredArgument) {
 TEST_F(BinaryInterfaceTest, InvokeBindsNamedArguments) {
   const testing::TempDir dir;
   const std::string folder = dir.folder();
-  dir.Write("probe.fr3", "<TfrxReport/>");
+  dir.Write("probe.fr3", "template");
   auto engine = std::make_shared<RecordingEngine>();
   Ref<_CRepoter> object = Make(std::make_unique<CRepoter>(engine));
   Ref<IDispatch> dispatch = Dispatch(object);
