@@ -12,6 +12,7 @@
 
 #include "engine/scripted_engine.h"
 #include "host/messages.h"
+#include "support/shell.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/report_state.h"
@@ -59,15 +60,7 @@ TEST(Threads, EachThreadPrintsWithItsOwnState) {
   EXPECT_GT(trace.Events().size(), static_cast<size_t>(kThreads * kRuns * 10));
 }
 
-std::string PdfText(const std::string& pdf) {
-  std::string text;
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(
-      ::popen(("pdftotext -layout '" + pdf + "' - 2>/dev/null").c_str(), "r"), ::pclose);
-  char buffer[4096];
-  size_t n;
-  while (pipe && (n = std::fread(buffer, 1, sizeof buffer, pipe.get())) > 0) text.append(buffer, n);
-  return text;
-}
+using testing::PdfText;
 
 // Our own engine on several threads at once: templates, fonts, text layouts, barcodes and
 // pictures are cached between runs, some of them across threads.

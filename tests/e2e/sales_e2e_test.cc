@@ -16,6 +16,7 @@
 #include "data/connection.h"
 #include "data/value.h"
 #include "host/date_format.h"
+#include "support/shell.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
@@ -24,14 +25,7 @@
 namespace vantorel {
 namespace {
 
-std::string Shell(const std::string& command) {
-  std::string out;
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-  std::array<char, 4096> buffer;
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
-    out += buffer.data();
-  return out;
-}
+using testing::Shell;
 
 // Runs of blanks and line breaks as one blank: documents wrap and align text as they like.
 std::string Squeezed(const std::string& text) {

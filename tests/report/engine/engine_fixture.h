@@ -11,24 +11,11 @@
 #include <memory>
 #include <string>
 
+#include "support/shell.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
 
 namespace vantorel::testing {
-
-// What "command" wrote on stdout.
-inline std::string Shell(const std::string& command) {
-  std::string out;
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-  std::array<char, 4096> buffer;
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr)
-    out += buffer.data();
-  return out;
-}
-
-inline std::string PdfText(const std::string& pdf) {
-  return Shell("pdftotext -layout '" + pdf + "' - 2>&1");
-}
 
 class EngineTest : public ::testing::Test {
  protected:

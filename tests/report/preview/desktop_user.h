@@ -25,21 +25,15 @@
 #include <vector>
 
 #include "report/preview/gui_module.h"
+#include "support/shell.h"
 
 namespace vantorel::report::testing {
 
 namespace fs = std::filesystem;
 
+// What "command" wrote, without the line break at its end.
 inline std::string Shell(const std::string& command) {
-  std::string output;
-  FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return output;
-  std::array<char, 4096> buffer;
-  size_t read;
-  while ((read = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-    output.append(buffer.data(), read);
-  }
-  ::pclose(pipe);
+  std::string output = vantorel::testing::Shell(command);
   while (!output.empty() && (output.back() == '\n' || output.back() == ' ')) output.pop_back();
   return output;
 }

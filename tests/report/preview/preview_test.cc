@@ -12,24 +12,14 @@
 #include "host/messages.h"
 #include "report/preview/gui_module.h"
 #include "report/print/sample_document.h"
+#include "support/shell.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
 
 namespace vantorel::report {
 namespace {
 
-std::string Shell(const std::string& command) {
-  std::string output;
-  FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return output;
-  std::array<char, 4096> buffer;
-  size_t read;
-  while ((read = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-    output.append(buffer.data(), read);
-  }
-  ::pclose(pipe);
-  return output;
-}
+using vantorel::testing::Shell;
 
 // The description ShowPreview throws with, or a failed expectation when it shows a window.
 std::string PreviewError() {

@@ -15,6 +15,7 @@
 #include <string>
 
 #include "report/print/sample_document.h"
+#include "support/shell.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
@@ -24,19 +25,7 @@ namespace fs = std::filesystem;
 
 const fs::path kCupsDir = VANTOREL_CUPS_DIR;
 
-// Runs "command" through the shell and returns what it wrote on stdout.
-std::string Shell(const std::string& command) {
-  std::string output;
-  FILE* pipe = ::popen(command.c_str(), "r");
-  if (pipe == nullptr) return output;
-  std::array<char, 4096> buffer;
-  size_t read;
-  while ((read = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-    output.append(buffer.data(), read);
-  }
-  ::pclose(pipe);
-  return output;
-}
+using vantorel::testing::Shell;
 
 // The page count pdfinfo reports for "pdf"; -1 when it reports none.
 int PageCount(const std::string& pdf) {
