@@ -433,18 +433,26 @@ class Filler {
 
   void EndBuffer() {
     if (--buffer_depth_ > 0) return;
-    std::vector<std::pair<BandBlock, Flow>> blocks = std::move(buffer_);
+    std::vector<Held> blocks = std::move(buffer_);
     buffer_.clear();
     float total = 0;
-    for (const auto& [block, flow] : blocks) total += block.height;
+    for (const Held& held : blocks) total += held.block.height;
     // Moved on only when it fits where it lands: the next column, or a page without the title.
     const float fresh_top = std::min(column_top_, NextPageTop());
     if (y_ + total > BodyLimit() && page_has_body_ && total <= BodyLimit() - fresh_top) {
+      // Headers among the held blocks start the new page themselves: not repeated there too.
+      const std::vector<const CompiledBand*> repeats = repeats_;
+      std::erase_if(repeats_, [&](const CompiledBand* band) {
+        return std::any_of(blocks.begin(), blocks.end(),
+                           [&](const Held& held) { return held.band == band; });
+      });
       NextColumnOrPage();
+      repeats_ = repeats;
     }
-    for (auto& [block, flow] : blocks) {
-      if (!block.items.empty() || block.height > 0) page_has_body_ = true;
-      Place(std::move(block), flow, nullptr);
+    for (Held& held : blocks) {
+      if (!held.block.items.empty() || held.block.height > 0) page_has_body_ = true;
+      // Not rendered again for a page it moves to: its row is long past.
+      Place(std::move(held.block), held.flow, nullptr);
     }
   }
 
@@ -482,7 +490,7 @@ class Filler {
 
   void Place(BandBlock block, Flow flow, const CompiledBand* band) {
     if (buffer_depth_ > 0) {
-      buffer_.emplace_back(std::move(block), flow);
+      buffer_.push_back({std::move(block), flow, band});
       return;
     }
     if (flow == Flow::kCell) {
@@ -633,8 +641,14 @@ class Filler {
   std::pair<size_t, size_t> header_range_{0, 0};
   std::vector<std::pair<size_t, size_t>> page_headers_;
   std::vector<const CompiledBand*> repeats_;
+  // Blocks held back to be placed together (keep-together, a header with its first row).
+  struct Held {
+    BandBlock block;
+    Flow flow;
+    const CompiledBand* band;
+  };
   int buffer_depth_ = 0;
-  std::vector<std::pair<BandBlock, Flow>> buffer_;
+  std::vector<Held> buffer_;
   std::vector<PlacedDeferred> deferred_;
 };
 

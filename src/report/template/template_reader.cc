@@ -41,13 +41,6 @@ std::string Trimmed(std::string_view text) {
   return std::string(text.substr(begin, end - begin + 1));
 }
 
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
-
 std::optional<double> ParseNumber(std::string_view text) {
   double value = 0;
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
@@ -73,10 +66,10 @@ std::vector<std::string_view> Words(std::string_view text) {
 
 std::optional<bool> ParseFlag(std::string_view value) {
   for (const char* yes : {"true", "yes", "1"}) {
-    if (EqualsNoCase(value, yes)) return true;
+    if (expr::EqualsIgnoreCase(value, yes)) return true;
   }
   for (const char* no : {"false", "no", "0"}) {
-    if (EqualsNoCase(value, no)) return false;
+    if (expr::EqualsIgnoreCase(value, no)) return false;
   }
   return std::nullopt;
 }
@@ -449,7 +442,7 @@ class Reader {
     const pugi::xml_attribute attribute = node.attribute(name);
     if (!attribute) return std::nullopt;
     for (const auto& [text, value] : choices) {
-      if (EqualsNoCase(attribute.value(), text)) return value;
+      if (expr::EqualsIgnoreCase(attribute.value(), text)) return value;
     }
     std::string allowed;
     for (const auto& choice : choices)
@@ -801,7 +794,7 @@ class Reader {
           {"Letter", 215.9, 279.4}, {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
       bool known = false;
       for (const Named& named : kSizes) {
-        if (EqualsNoCase(size, named.name)) {
+        if (expr::EqualsIgnoreCase(size, named.name)) {
           page.size = {static_cast<float>(Mm(named.width)), static_cast<float>(Mm(named.height))};
           known = true;
         }
@@ -1116,7 +1109,7 @@ std::optional<Color> ParseColor(std::string_view text) {
                                      {"transparent", {0, 0, 0, 0}},
                                      {"none", {0, 0, 0, 0}}};
   for (const Named& named : kNames) {
-    if (EqualsNoCase(text, named.name)) return named.color;
+    if (expr::EqualsIgnoreCase(text, named.name)) return named.color;
   }
   if (text.empty() || text[0] != '#') return std::nullopt;
   const std::string_view hex = text.substr(1);

@@ -421,6 +421,32 @@ TEST_F(FillTest, GroupHeaderIsNeverLeftAloneAtThePageFoot) {
   EXPECT_EQ(second[1], "30");
 }
 
+TEST_F(FillTest, HeadersMovedWithTheirFirstRowPrintOnce) {
+  // As above, with a repeated data header and a group header that repeats: on page 2 each
+  // header prints once, from the rows it was held with.
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select n, case when n &lt;= 28 then 1 else 2 end as g from many
+      where n &lt;= 40 order by n</sql></query>
+    <data name="Rows" query="Q" height="6mm">
+      <header height="6mm"><text width="40mm" height="6mm">No.</text></header>
+      <group condition="Q.g" repeat-header="true">
+        <header height="6mm"><text width="40mm" height="6mm">Group [Q.g]</text></header>
+      </group>
+      <text width="40mm" height="6mm">[Q.n]</text>
+    </data>
+  )t",
+                                   "size=\"A5\" margin=\"10mm\"");
+  const Document& document = rendered.document;
+  ASSERT_EQ(document.pages.size(), 2u);
+  const auto second = Texts(document, 1);
+  ASSERT_GE(second.size(), 3u);
+  EXPECT_EQ(second[0], "No.");
+  EXPECT_EQ(second[1], "Group 2");
+  EXPECT_EQ(second[2], "29");
+  EXPECT_EQ(std::count(second.begin(), second.end(), "Group 2"), 1);
+  EXPECT_EQ(std::count(second.begin(), second.end(), "No."), 1);
+}
+
 TEST_F(FillTest, EmptyBandOfNoHeightDoesNotStartAPage) {
   const Rendered rendered = Render(R"t(
     <query name="Inv"><sql>select * from invoice where id = 1</sql></query>
