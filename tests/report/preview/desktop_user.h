@@ -108,7 +108,7 @@ class User {
   // the test fails instead of waiting for a window nobody closes.
   ~User() {
     if (!id_.empty()) {
-      Keys("Escape");
+      if (!Gone()) Close("Escape");
     } else {
       for (const std::string& id :
            Lines(Shell("xdotool search --onlyvisible --name . 2>/dev/null"))) {
@@ -139,6 +139,16 @@ class User {
     const fs::path file = shots_ / name;
     Shell("timeout 20 import -window " + id_ + " '" + file.string() + "'");
     return ReadPng(file);
+  }
+
+  // Presses "keys" until the window is gone: on a busy machine a key pressed while the window
+  // is still being mapped can be lost. False when it stays after every try.
+  bool Close(const std::string& keys, int tries = 4) const {
+    for (int i = 0; i < tries; ++i) {
+      Keys(keys);
+      if (WaitFor([&] { return Gone(); }, 5)) return true;
+    }
+    return false;
   }
 
   bool Gone() const {

@@ -87,8 +87,7 @@ TEST_F(PreviewPrintTest, APrintFailureIsShownInADialog) {
     dialog_shown = error_dialog.FindWindow();
     if (!dialog_shown) return;
     dialog = error_dialog.Screenshot("print-error.png");
-    error_dialog.Keys("Return");
-    dialog_closed = WaitFor([&] { return error_dialog.Gone(); }, 5);
+    dialog_closed = error_dialog.Close("Return");
   });
   ShowPreview(testing::SampleDocument(1, "Stopped queue"), settings);
   user_thread.join();

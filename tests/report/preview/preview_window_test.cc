@@ -110,8 +110,7 @@ TEST_F(PreviewWindowTest, MessageBoxesAreDialogsOnTheDesktop) {
     found = user.FindWindow();
     if (!found) return;
     dialog = user.Screenshot("message.png");
-    user.Keys("Return");  // the OK button
-    closed = WaitFor([&] { return user.Gone(); }, 5);
+    closed = user.Close("Return");  // the OK button
   });
   ::testing::internal::CaptureStderr();
   SystemPlatform()->ShowMessage("Challan Id [12] not found", MessageIcon::kCritical);
