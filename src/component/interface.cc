@@ -108,43 +108,9 @@ class TableBuilder {
   std::vector<EntryInfo> entries;
 };
 
-const char* IdlType(VarType type) {
-  switch (type) {
-    case VarType::kString:
-      return "BSTR";
-    case VarType::kBool:
-      return "VARIANT_BOOL";
-    case VarType::kVariant:
-      return "VARIANT";
-    default:
-      return VarTypeName(type);
-  }
-}
-
 // The C spelling of an automation type in the binary interface. LONG, not long: the interface's
 // 32-bit integer stays 32 bits where C's long is 64.
-const char* CType(VarType type) {
-  switch (type) {
-    case VarType::kI2:
-      return "short";
-    case VarType::kI4:
-      return "LONG";
-    case VarType::kUI1:
-      return "unsigned char";
-    case VarType::kR8:
-      return "double";
-    case VarType::kDate:
-      return "DATE";
-    case VarType::kString:
-      return "BSTR";
-    case VarType::kBool:
-      return "VARIANT_BOOL";
-    case VarType::kVariant:
-      return "VARIANT";
-    default:
-      return VarTypeName(type);
-  }
-}
+const char* CType(VarType type) { return type == VarType::kI4 ? "LONG" : VarTypeName(type); }
 
 // One function pointer of the table, its parameters wrapped at 100 columns under the first.
 void AppendCEntry(std::string& text, const std::string& result, const std::string& name,
@@ -218,7 +184,7 @@ std::string ParamIdl(const ParamInfo& param, EntryKind kind) {
   } else {
     text = "[in, out, optional] ";
   }
-  text += IdlType(param.type);
+  text += VarTypeName(param.type);
   if (kind == EntryKind::kPropertyGet || param.passing != Passing::kByValue) text += '*';
   text += ' ';
   text += param.name;

@@ -1,6 +1,6 @@
 // The ODBC backend against a real PostgreSQL server on loopback: tests/support/postgres.sh,
 // started by the "postgres" CTest fixture, writes its connection string to
-// $VANTOREL_BUILD_DIR/pg/conn (VANTOREL_PG_DIR/conn when the variable is not set).
+// $VANTOREL_BUILD_DIR/pg/conn (this build's folder when the variable is not set).
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -12,20 +12,14 @@
 #include "data/open_rs.h"
 #include "data/recordset.h"
 #include "host/recording_platform.h"
+#include "support/postgres.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
 
 namespace vantorel::data {
 namespace {
 
-std::string ReadConnectionString() {
-  const char* build = std::getenv("VANTOREL_BUILD_DIR");
-  std::ifstream in(build != nullptr ? std::string(build) + "/pg/conn"
-                                    : std::string(VANTOREL_PG_DIR) + "/conn");
-  std::string line;
-  std::getline(in, line);
-  return line;
-}
+std::string ReadConnectionString() { return vantorel::testing::PostgresConnectionString(); }
 
 std::string Replace(std::string text, const std::string& from, const std::string& to) {
   const size_t pos = text.find(from);

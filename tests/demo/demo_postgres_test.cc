@@ -3,7 +3,7 @@
 // pass the same invariants, and answer the print methods' SQL, year-first date literals
 // included, whatever the server's DateStyle. The server comes from the "postgres" CTest fixture
 // (tests/support/postgres.sh), which writes its connection string to
-// $VANTOREL_BUILD_DIR/pg/conn (VANTOREL_PG_DIR/conn when the variable is not set).
+// $VANTOREL_BUILD_DIR/pg/conn (this build's folder when the variable is not set).
 #include <unistd.h>
 
 #include <set>
@@ -12,6 +12,7 @@
 #include "data/temp_database.h"
 #include "data/value.h"
 #include "demo/demo_support.h"
+#include "support/postgres.h"
 
 namespace vantorel::demo::testing {
 namespace {
@@ -20,14 +21,7 @@ using data::ToDouble;
 using data::Value;
 using data::testing::TempFolder;
 
-std::string PostgresConnectionString() {
-  const char* build = std::getenv("VANTOREL_BUILD_DIR");
-  std::ifstream in(build != nullptr ? std::string(build) + "/pg/conn"
-                                    : std::string(VANTOREL_PG_DIR) + "/conn");
-  std::string line;
-  std::getline(in, line);
-  return line;
-}
+using vantorel::testing::PostgresConnectionString;
 
 class DemoPostgres : public ::testing::Test {
  protected:

@@ -16,6 +16,7 @@
 #include "data/connection.h"
 #include "data/value.h"
 #include "host/date_format.h"
+#include "support/postgres.h"
 #include "support/shell.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
@@ -98,9 +99,7 @@ class Demo {
 
   void LoadPostgres() {
     postgres_loaded_ = true;
-    std::ifstream in(std::string(VANTOREL_BUILD_DIR) + "/pg/conn");
-    std::string server;
-    std::getline(in, server);
+    const std::string server = testing::PostgresConnectionString();
     if (server.empty()) return;
     const std::string schema = "sales_e2e_" + std::to_string(::getpid());
     auto db = data::Connection::Open(server);
