@@ -1,5 +1,6 @@
 // The PostgreSQL server the "postgres" fixture starts (tests/support/postgres.sh): its connection
-// string, written to $VANTOREL_BUILD_DIR/pg/conn (this build's folder when the variable is not set).
+// string, written to $VANTOREL_BUILD_DIR/pg/conn (this build's folder when the variable is not
+// set).
 #ifndef VANTOREL_TESTS_SUPPORT_POSTGRES_H_
 #define VANTOREL_TESTS_SUPPORT_POSTGRES_H_
 
