@@ -60,7 +60,13 @@ class Connection {
 
   // Opens a connection; throws Error with the driver's own description (never the password):
   // errnum::kAuthenticationFailed for a refused login, errnum::kUnspecified otherwise.
+  // The connection only reads: SQLite refuses every other statement, and the PostgreSQL and
+  // MariaDB sessions are read-only.
   static std::unique_ptr<Connection> Open(const std::string& connection_string);
+
+  // A server connection that may write, for loading data (the demo dealership, tests' set-up).
+  // Throws Error for an SQLite connection string.
+  static std::unique_ptr<Connection> OpenForLoading(const std::string& connection_string);
 
   // Runs "sql". Parameters are written ":name" in the SQL (outside quotes; "::" is left alone)
   // and bound from "params" by name, without regard to case; a name that "params" lacks is bound

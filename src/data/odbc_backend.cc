@@ -180,7 +180,7 @@ class Link {
   Link(const Link&) = delete;
   Link& operator=(const Link&) = delete;
 
-  void Connect(const std::string& odbc) {
+  void Connect(const std::string& odbc, bool read_only) {
     if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env_))) {
       env_ = SQL_NULL_HENV;
       throw Error(errnum::kUnspecified, kSource, "The ODBC driver manager could not start");
@@ -199,10 +199,41 @@ class Link {
                           0, &written, SQL_DRIVER_NOPROMPT);
     if (!SQL_SUCCEEDED(rc)) throw DriverError(SQL_HANDLE_DBC, dbc_, Phase::kConnect, secrets_);
     connected_ = true;
+    if (read_only) ReadOnly();
   }
 
   SQLHDBC dbc() const { return dbc_; }
   Secrets& secrets() { return secrets_; }
+
+  // Reports only read. ODBC's access mode is a hint most drivers ignore, so the servers that
+  // have one also get a read-only session; a statement can still undo that, and only a
+  // database login that may only read enforces it (docs/data-access.md).
+  void ReadOnly() {
+    SQLSetConnectAttr(dbc_, SQL_ATTR_ACCESS_MODE, reinterpret_cast<SQLPOINTER>(SQL_MODE_READ_ONLY),
+                      0);
+    char dbms[64] = {};
+    SQLSMALLINT length = 0;
+    if (!SQL_SUCCEEDED(SQLGetInfo(dbc_, SQL_DBMS_NAME, dbms, sizeof dbms, &length))) return;
+    const std::string_view name(dbms);
+    const char* session = nullptr;
+    if (name.find("PostgreSQL") != std::string_view::npos) {
+      session = "SET SESSION CHARACTERISTICS AS TRANSACTION READ ONLY";
+    } else if (name.find("MySQL") != std::string_view::npos ||
+               name.find("MariaDB") != std::string_view::npos) {
+      session = "SET SESSION TRANSACTION READ ONLY";
+    }
+    if (session == nullptr) return;
+    SQLHSTMT statement = SQL_NULL_HSTMT;
+    if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, dbc_, &statement))) return;
+    const SQLRETURN rc =
+        SQLExecDirect(statement, reinterpret_cast<SQLCHAR*>(const_cast<char*>(session)), SQL_NTS);
+    std::optional<Error> failure;
+    if (!SQL_SUCCEEDED(rc) && rc != SQL_NO_DATA) {
+      failure = DriverError(SQL_HANDLE_STMT, statement, Phase::kConnect, secrets_);
+    }
+    SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    if (failure) throw *failure;
+  }
   const Secrets& secrets() const { return secrets_; }
 
  private:
@@ -508,10 +539,11 @@ class OdbcConnection final : public Connection {
 
 }  // namespace
 
-std::unique_ptr<Connection> OpenOdbc(const std::string& odbc, const std::string& original) {
+std::unique_ptr<Connection> OpenOdbc(const std::string& odbc, const std::string& original,
+                                     bool read_only) {
   auto link = std::make_shared<Link>();
   link->secrets() = {odbc, original};
-  link->Connect(odbc);
+  link->Connect(odbc, read_only);
   return std::make_unique<OdbcConnection>(std::move(link));
 }
 

@@ -15,8 +15,10 @@ namespace vantorel::data {
 
 // Connects with "odbc" (a connection string for the driver manager). Driver messages are
 // redacted with both "odbc" and "original" (the string the caller gave), so no password they
-// hold reaches an error.
-std::unique_ptr<Connection> OpenOdbc(const std::string& odbc, const std::string& original);
+// hold reaches an error. A "read_only" connection asks the driver and the server for a session
+// that only reads.
+std::unique_ptr<Connection> OpenOdbc(const std::string& odbc, const std::string& original,
+                                     bool read_only);
 
 }  // namespace vantorel::data
 

@@ -29,13 +29,74 @@ class Database {
 
   sqlite3* get() const { return db_; }
 
-  // The error of the last failed call on this connection.
+  // The error of the last failed call on this connection; a statement the read-only guard
+  // refused says what it refused.
   Error LastError(int32_t number) const {
+    if (!refused_.empty()) return Refused(number, refused_);
     return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
   }
 
+  static Error Refused(int32_t number, const std::string& what) {
+    return Error(number, kSource,
+                 "The database is open for reading only: " + what + " is not allowed", SQLITE_AUTH);
+  }
+
+  // Lets statements read the main database and nothing else.
+  void GuardReads() {
+    refused_.clear();
+    sqlite3_set_authorizer(db_, &Database::Authorize, this);
+  }
+
+  void ClearRefusal() { refused_.clear(); }
+
  private:
+  // Reports and templates only read: a statement that would write, reach another file (ATTACH,
+  // VACUUM INTO), change the connection through a pragma or load code is refused when prepared.
+  static int Authorize(void* self, int action, const char* first, const char* second, const char*,
+                       const char*) {
+    const auto name = [](const char* text) { return std::string(text == nullptr ? "" : text); };
+    switch (action) {
+      case SQLITE_SELECT:
+      case SQLITE_READ:
+      case SQLITE_RECURSIVE:
+        return SQLITE_OK;
+      case SQLITE_FUNCTION:
+        if (sqlite3_stricmp(name(second).c_str(), "load_extension") != 0) return SQLITE_OK;
+        return static_cast<Database*>(self)->Refuse("load_extension()");
+      case SQLITE_PRAGMA:
+        // Pragmas that only describe the schema; every other one can change the connection.
+        for (const char* reading : {"table_info", "table_xinfo", "index_list", "index_info",
+                                    "index_xinfo", "foreign_key_list"}) {
+          if (sqlite3_stricmp(name(first).c_str(), reading) == 0) return SQLITE_OK;
+        }
+        return static_cast<Database*>(self)->Refuse("PRAGMA " + name(first));
+      case SQLITE_ATTACH:
+        return static_cast<Database*>(self)->Refuse("ATTACH");
+      case SQLITE_DETACH:
+        return static_cast<Database*>(self)->Refuse("DETACH");
+      case SQLITE_INSERT:
+      case SQLITE_UPDATE:
+      case SQLITE_DELETE:
+        // Creating or dropping anything first writes SQLite's own catalogue.
+        if (name(first).rfind("sqlite_", 0) == 0) {
+          return static_cast<Database*>(self)->Refuse("changing the database");
+        }
+        return static_cast<Database*>(self)->Refuse("changing table " + name(first));
+      case SQLITE_TRANSACTION:
+      case SQLITE_SAVEPOINT:
+        return static_cast<Database*>(self)->Refuse("a transaction");
+      default:
+        return static_cast<Database*>(self)->Refuse("changing the database");
+    }
+  }
+
+  int Refuse(std::string what) {
+    if (refused_.empty()) refused_ = std::move(what);
+    return SQLITE_DENY;
+  }
+
   sqlite3* db_;
+  std::string refused_;  // what the guard refused while the last statement was prepared
 };
 
 std::string Upper(const char* text) {
@@ -235,12 +296,19 @@ class SqliteConnection final : public Connection {
     const PositionalSql positional = ToPositional(sql);
     const std::string translated = TranslateForSqlite(positional.sql);
     sqlite3_stmt* statement = nullptr;
+    db_->ClearRefusal();
     if (sqlite3_prepare_v2(db_->get(), translated.c_str(), static_cast<int>(translated.size()),
                            &statement, nullptr) != SQLITE_OK) {
       throw db_->LastError(errnum::kCommandError);
     }
     if (statement == nullptr) {
       throw Error(errnum::kCommandError, kSource, "The SQL text holds no statement");
+    }
+    // VACUUM (INTO another file) and the like pass no authorizer check; a query returns columns
+    // and leaves the file as it is.
+    if (!sqlite3_stmt_readonly(statement) || sqlite3_column_count(statement) == 0) {
+      sqlite3_finalize(statement);
+      throw Database::Refused(errnum::kCommandError, "a statement that returns no rows");
     }
     try {
       Bind(statement, positional.names, params);
@@ -301,6 +369,11 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   }
   sqlite3_extended_result_codes(handle, 1);
   sqlite3_busy_timeout(handle, kBusyTimeoutMs);
+  // No other database files, no extensions, no schema-supplied functions with side effects.
+  sqlite3_limit(handle, SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   if (RegisterSqliteFunctions(handle) != SQLITE_OK) throw db->LastError(errnum::kUnspecified);
   // Reading the schema now reports a file that is not a database as a failure to open.
   if (sqlite3_exec(handle, "select count(*) from sqlite_master", nullptr, nullptr, nullptr) !=
@@ -308,6 +381,7 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
     const Error error = db->LastError(errnum::kUnspecified);
     throw Error(error.number(), kSource, error.description() + ": " + path, error.system_code());
   }
+  db->GuardReads();
   return std::make_unique<SqliteConnection>(std::move(db));
 }
 

@@ -409,7 +409,9 @@ int RegisterSqliteFunctions(sqlite3* db) {
       {"year", 1, true, Year},      {"month", 1, true, Month},      {"day", 1, true, Day},
   };
   for (const Function& f : kFunctions) {
-    const int flags = SQLITE_UTF8 | (f.deterministic ? SQLITE_DETERMINISTIC : 0);
+    // Innocuous: they only compute, so the database's own views may use them with an untrusted
+    // schema.
+    const int flags = SQLITE_UTF8 | SQLITE_INNOCUOUS | (f.deterministic ? SQLITE_DETERMINISTIC : 0);
     const int rc = sqlite3_create_function_v2(db, f.name, f.arguments, flags, nullptr, f.call,
                                               nullptr, nullptr, nullptr);
     if (rc != SQLITE_OK) return rc;

@@ -35,11 +35,12 @@ class DataPostgres : public ::testing::Test {
     const size_t port = conn_.find("Port=");
     port_ = conn_.substr(port + 5, conn_.find(';', port) - port - 5);
     db_ = Connection::Open(conn_);
+    loader_ = Connection::OpenForLoading(conn_);
     SetPlatform(platform_);
   }
   void TearDown() override { SetPlatform(nullptr); }
 
-  void Run(const std::string& sql) { db_->Execute(sql); }
+  void Run(const std::string& sql) { loader_->Execute(sql); }
 
   std::vector<std::vector<Value>> Rows(const std::string& sql,
                                        const std::map<std::string, ParamValue>& params = {}) {
@@ -68,7 +69,8 @@ class DataPostgres : public ::testing::Test {
 
   std::string conn_;
   std::string port_;
-  std::unique_ptr<Connection> db_;
+  std::unique_ptr<Connection> db_;      // as the component connects: reading only
+  std::unique_ptr<Connection> loader_;  // sets up the tables the tests read
   std::shared_ptr<RecordingPlatform> platform_ = std::make_shared<RecordingPlatform>();
 };
 
@@ -123,7 +125,7 @@ TEST_F(DataPostgres, DevanagariAndTheRupeeSignRoundTrip) {
   const std::string name = "सुनीता देवी — ₹ 60,000 😀";
   Run("drop table if exists t_unicode");
   Run("create table t_unicode (id int, name text)");
-  db_->Execute("insert into t_unicode values (1, :name)", {{"name", name}});
+  loader_->Execute("insert into t_unicode values (1, :name)", {{"name", name}});
   Run("insert into t_unicode values (2, 'रमेश ₹')");
   EXPECT_EQ(One("select name from t_unicode where id = 1"), Value::Text(name));
   EXPECT_EQ(One("select name from t_unicode where id = 2"), Value::Text("रमेश ₹"));
@@ -210,6 +212,25 @@ TEST_F(DataPostgres, BadSqlIsACommandErrorWithTheDriversText) {
   EXPECT_EQ(missing.number(), errnum::kCommandError);
   EXPECT_NE(missing.description().find("relation \"no_such_table\" does not exist"),
             std::string::npos);
+}
+
+TEST_F(DataPostgres, TheComponentsSessionOnlyReads) {
+  Run("drop table if exists t_guarded");
+  Run("create table t_guarded (id int)");
+  Run("insert into t_guarded values (1)");
+  for (const char* sql :
+       {"insert into t_guarded values (2)", "update t_guarded set id = 3", "delete from t_guarded",
+        "create table t_new (a int)", "drop table t_guarded"}) {
+    const Error error = ErrorOf([&] { Rows(sql); });
+    EXPECT_EQ(error.number(), errnum::kCommandError) << sql;
+    EXPECT_NE(error.description().find("read-only transaction"), std::string::npos)
+        << sql << ": " << error.description();
+  }
+  EXPECT_EQ(One("select count(*) from t_guarded"), Value::Integer(1));
+}
+
+TEST_F(DataPostgres, OnlyServersOpenForLoading) {
+  EXPECT_THROW(Connection::OpenForLoading("Provider=SQLite;Data Source=/tmp/x.db"), Error);
 }
 
 TEST_F(DataPostgres, OpenRsShowsBadSqlInTheExactFormat) {

@@ -138,16 +138,62 @@ TEST_F(DataSqlite, AllRowsAreRead) {
   EXPECT_EQ(Rows("select n from many").size(), 2500u);
 }
 
-TEST_F(DataSqlite, OpensReadOnly) {
-  for (const char* sql : {"insert into para_setup values ('x', 'y', 'z')", "delete from enquiry",
-                          "create table t (a)"}) {
-    const Error error = ErrorOf(sql);
-    EXPECT_EQ(error.number(), errnum::kCommandError) << sql;
-    EXPECT_EQ(error.source(), "SQLite");
-    EXPECT_EQ(error.description(), "attempt to write a readonly database");
-    EXPECT_EQ(error.system_code(), SQLITE_READONLY);
+// Templates and the host's SQL only read: anything that would write, reach another file or change
+// the connection is refused when prepared, saying what was refused, and leaves no file behind.
+TEST_F(DataSqlite, RefusesEveryStatementThatIsNotAReading) {
+  const std::string copy = folder_.File("copy.db");
+  const std::string other = folder_.File("other.db");
+  testing::CreateSqlite(other, "create table t (a); insert into t values (1);");
+  const struct {
+    std::string sql;
+    std::string refused;
+  } cases[] = {
+      {"insert into para_setup values ('x', 'y', 'z')", "changing table para_setup"},
+      {"update enquiry set cname = 'x'", "changing table enquiry"},
+      {"delete from enquiry", "changing table enquiry"},
+      {"create table t (a)", "changing the database"},
+      {"create temp table t (a)", "changing the database"},
+      {"create temp view v as select 1", "changing the database"},
+      {"drop table enquiry", "changing the database"},
+      {"alter table enquiry add column x", "changing the database"},
+      {"create index i on enquiry (cname)", "changing the database"},
+      {"vacuum into '" + copy + "'", "a statement that returns no rows"},
+      {"vacuum", "a statement that returns no rows"},
+      {"attach database '" + other + "' as o", "ATTACH"},
+      {"detach database main", "DETACH"},
+      {"select load_extension('/tmp/evil.so')", "load_extension()"},
+      {"pragma journal_mode = delete", "PRAGMA journal_mode"},
+      {"pragma writable_schema = 1", "PRAGMA writable_schema"},
+      {"pragma temp_store_directory = '/tmp'", "PRAGMA temp_store_directory"},
+      {"pragma user_version = 7", "PRAGMA user_version"},
+      {"pragma query_only = 0", "PRAGMA query_only"},
+      {"begin immediate", "a transaction"},
+      {"savepoint s", "a transaction"},
+      {"analyze", "changing the database"},
+      {"reindex", "a statement that returns no rows"},
+      {"with x(a) as (select 1) insert into para_setup select a, a, a from x",
+       "changing table para_setup"},
+  };
+  for (const auto& c : cases) {
+    const Error error = ErrorOf(c.sql);
+    EXPECT_EQ(error.number(), errnum::kCommandError) << c.sql;
+    EXPECT_EQ(error.source(), "SQLite") << c.sql;
+    EXPECT_EQ(error.description(),
+              "The database is open for reading only: " + c.refused + " is not allowed")
+        << c.sql;
+    EXPECT_EQ(error.system_code(), SQLITE_AUTH) << c.sql;
   }
+  EXPECT_FALSE(std::filesystem::exists(copy));
   EXPECT_EQ(One("select count(*) from enquiry"), Value::Integer(4));
+}
+
+TEST_F(DataSqlite, ReadingStatementsStillWork) {
+  EXPECT_EQ(One("select count(*) from enquiry e join para_setup p on 1 = 1"), Value::Integer(12));
+  EXPECT_EQ(One("with recursive c(n) as (select 1 union all select n + 1 from c where n < 5) "
+                "select sum(n) from c"),
+            Value::Integer(15));
+  EXPECT_EQ(Rows("pragma table_info(enquiry)").size(), 8u);
+  EXPECT_EQ(One("select upper(left(cname, 3)) from enquiry where enq_id = 1"), Value::Text("RAM"));
 }
 
 TEST_F(DataSqlite, BadSqlIsACommandErrorWithSqlitesText) {

@@ -33,7 +33,7 @@ class DemoPostgres : public ::testing::Test {
     facts_ = new Facts(ReadFacts(folder_->File("facts")));
     const std::string conn = PostgresConnectionString();
     ASSERT_FALSE(conn.empty()) << "no $VANTOREL_BUILD_DIR/pg/conn: run with the postgres fixture";
-    pg_ = data::Connection::Open(conn).release();
+    pg_ = data::Connection::OpenForLoading(conn).release();
     // A schema of its own, so that runs never meet each other's tables.
     schema_ = "demo_test_" + std::to_string(::getpid());
     pg_->Execute("drop schema if exists " + schema_ + " cascade");

@@ -102,7 +102,7 @@ class Demo {
     const std::string server = testing::PostgresConnectionString();
     if (server.empty()) return;
     const std::string schema = "sales_e2e_" + std::to_string(::getpid());
-    auto db = data::Connection::Open(server);
+    auto db = data::Connection::OpenForLoading(server);
     db->Execute("drop schema if exists " + schema + " cascade");
     db->Execute("create schema " + schema);
     db->Execute("set search_path to " + schema);

@@ -351,10 +351,10 @@ class Compiler {
     try {
       return expr::Expression::Compile(source, *binder_);
     } catch (const expr::ExprError& error) {
-      AddProblem(line,
-                 what + ": " + error.message() + " at character " +
-                     std::to_string(error.offset() + 1) + " of \"" + source + "\"",
-                 error.hint());
+      AddProblem(
+          line,
+          what + ": " + error.message() + " " + expr::DescribePosition(source, error.offset()),
+          error.hint());
       return nullptr;
     }
   }

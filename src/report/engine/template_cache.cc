@@ -21,6 +21,8 @@ std::mutex g_mutex;
 std::map<std::string, Entry> g_cache;  // guarded by g_mutex
 
 constexpr size_t kMaxEntries = 256;
+// A message box or an error text the host shows: the first problems say what is wrong.
+constexpr size_t kMostProblemsShown = 20;
 
 }  // namespace
 
@@ -45,7 +47,8 @@ std::shared_ptr<const CompiledReport> LoadCompiledTemplate(const std::string& pa
     report = CompileTemplateFile(path);
   } catch (const TemplateError& error) {
     throw Error(errnum::kEngineFailure, "Vantorel report engine",
-                "Cannot load template " + path + ":\n" + FormatProblems(error.problems()));
+                "Cannot load template " + path + ":\n" +
+                    FormatProblems(error.problems(), kMostProblemsShown));
   }
   std::lock_guard lock(g_mutex);
   if (g_cache.size() >= kMaxEntries) g_cache.clear();

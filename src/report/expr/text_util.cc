@@ -165,4 +165,27 @@ std::optional<size_t> ClosingBracket(std::string_view text, size_t open, bool qu
   return std::nullopt;
 }
 
+std::string DescribePosition(std::string_view source, size_t offset) {
+  constexpr size_t kShown = 60;
+  offset = std::min(offset, source.size());
+  if (source.size() <= kShown) {
+    return "at character " + std::to_string(offset + 1) + " of \"" + std::string(source) + "\"";
+  }
+  size_t line = 1, line_start = 0;
+  for (size_t i = 0; i < offset; ++i) {
+    if (source[i] == '\n') ++line, line_start = i + 1;
+  }
+  // The excerpt starts and ends on character boundaries, never inside a UTF-8 sequence.
+  size_t begin = offset > kShown / 2 ? offset - kShown / 2 : 0;
+  while (begin > 0 && IsContinuationByte(source[begin])) --begin;
+  size_t end = std::min(source.size(), begin + kShown);
+  while (end < source.size() && IsContinuationByte(source[end])) ++end;
+  std::string excerpt = begin > 0 ? "\u2026" : "";
+  excerpt.append(source.substr(begin, end - begin));
+  if (end < source.size()) excerpt += "\u2026";
+  return "at line " + std::to_string(line) + ", column " +
+         std::to_string(CharCount(source.substr(line_start, offset - line_start)) + 1) +
+         " of the expression, near \"" + excerpt + "\"";
+}
+
 }  // namespace vantorel::report::expr

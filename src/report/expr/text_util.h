@@ -41,6 +41,11 @@ size_t ByteOffsetOfChar(std::string_view text, size_t index);
 // Unicode scalar value.
 bool AppendUtf8(std::string& out, int64_t code_point);
 
+// Where "offset" lies in "source", for a message: "at character N of "…"" when the source is
+// short, else "at line L, column C of the expression, near "…"" with an excerpt of at most
+// about 60 characters around it, so a 200 KB expression does not become a 200 KB message.
+std::string DescribePosition(std::string_view source, size_t offset);
+
 // The "]" that closes the "[" at "open" in a text with [expressions]: brackets nest, and inside
 // quotes ("]" or ']', a doubled quote standing for itself) they do not count. Without "quotes"
 // every bracket counts (for run-time texts such as "[Don't print]" whose apostrophe never

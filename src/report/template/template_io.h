@@ -5,6 +5,8 @@
 #ifndef VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_
 #define VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,8 +23,22 @@ struct Problem {
   std::string hint;
 };
 
-// Everything wrong with a template, formatted "file:line: message (hint)" one per line.
-std::string FormatProblems(const std::vector<Problem>& problems);
+// How deeply elements may nest in a template. Real templates nest a dozen levels at most; every
+// walk over the design (compile, fill, drawing) recurses once per level, and this bound keeps
+// that well inside the 1 MB stack a host's thread may have.
+inline constexpr int kMaxTemplateNesting = 64;
+
+// The largest template file read: far above any layout, it stops a wrong path (a database, a
+// log) from being read whole into memory.
+inline constexpr size_t kMaxTemplateBytes = size_t{256} << 20;
+
+// The longest message or hint FormatProblems prints whole; longer ones (a message quoting data, a
+// name that is a whole file) are cut with an ellipsis.
+inline constexpr size_t kMaxProblemText = 300;
+
+// Everything wrong with a template, formatted "file:line: message (hint)" one per line; the
+// first "most" problems, then how many more there are.
+std::string FormatProblems(const std::vector<Problem>& problems, size_t most = SIZE_MAX);
 
 // Thrown when a template cannot be used; holds every problem found.
 class TemplateError : public std::runtime_error {

@@ -7,11 +7,11 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <map>
 #include <optional>
-#include <sstream>
 
 #include "host/native_path.h"
 #include "report/expr/text_util.h"
@@ -196,6 +196,13 @@ class Reader {
           "check the tags and quotes around this line");
       return {};
     }
+    if (const pugi::xml_node deep = TooDeep(doc)) {
+      Add(Line(deep),
+          "elements nested too deeply (more than " + std::to_string(kMaxTemplateNesting) +
+              " levels)",
+          "a template needs a few levels of bands; look for an unclosed or repeated element");
+      return {};
+    }
     CheckEscapes();
     const pugi::xml_node root = doc.document_element();
     Template design;
@@ -211,6 +218,27 @@ class Reader {
   std::vector<Problem>& problems() { return problems_; }
 
  private:
+  // The first element nested deeper than a template may be, found without recursion (pugixml
+  // itself parses and frees any depth without it); a null node when there is none.
+  static pugi::xml_node TooDeep(const pugi::xml_document& doc) {
+    int depth = 0;
+    pugi::xml_node node = doc.first_child();
+    while (node) {
+      if (node.type() == pugi::node_element && depth + 1 > kMaxTemplateNesting) return node;
+      if (node.first_child()) {
+        node = node.first_child();
+        ++depth;
+        continue;
+      }
+      while (node && !node.next_sibling()) {
+        node = node.parent();
+        --depth;
+      }
+      if (node) node = node.next_sibling();
+    }
+    return {};
+  }
+
   // What pugixml takes although XML does not: a "&" that starts no reference, and a "<" in an
   // attribute value. Comments, CDATA sections, instructions and declarations are skipped.
   void CheckEscapes() {
@@ -1020,14 +1048,33 @@ const char* BandElementName(BandKind kind) {
   return "band";
 }
 
-std::string FormatProblems(const std::vector<Problem>& problems) {
+std::string FormatProblems(const std::vector<Problem>& problems, size_t most) {
   std::string text;
-  for (const Problem& problem : problems) {
+  const auto append_bounded = [&text](const std::string& part) {
+    if (part.size() <= kMaxProblemText) {
+      text += part;
+      return;
+    }
+    size_t cut = kMaxProblemText;
+    while (cut > 0 && expr::IsContinuationByte(part[cut])) --cut;
+    text.append(part, 0, cut);
+    text += "\u2026";
+  };
+  for (size_t i = 0; i < problems.size() && i < most; ++i) {
+    const Problem& problem = problems[i];
     text += problem.file;
     if (problem.line > 0) text += ":" + std::to_string(problem.line);
-    text += ": " + problem.message;
-    if (!problem.hint.empty()) text += " (" + problem.hint + ")";
+    text += ": ";
+    append_bounded(problem.message);
+    if (!problem.hint.empty()) {
+      text += " (";
+      append_bounded(problem.hint);
+      text += ")";
+    }
     text += '\n';
+  }
+  if (problems.size() > most) {
+    text += "\u2026 and " + std::to_string(problems.size() - most) + " more problems\n";
   }
   return text;
 }
@@ -1051,13 +1098,30 @@ Template ParseTemplate(std::string_view xml, const std::string& file) {
 }
 
 std::string ReadTemplateFile(const std::string& path) {
-  std::ifstream in(NativePath(path), std::ios::binary);
-  if (!in) {
-    throw TemplateError({{path, 0, "cannot read the template file", "check the path and rights"}});
+  const auto fail = [&path](const char* message, const char* hint) {
+    throw TemplateError({{path, 0, message, hint}});
+  };
+  const std::string native = NativePath(path);
+  std::error_code error;
+  const auto status = std::filesystem::status(native, error);
+  if (status.type() == std::filesystem::file_type::directory) {
+    fail("the template path is a folder, not a template file", "name the .fr3 file in it");
   }
-  std::stringstream content;
-  content << in.rdbuf();
-  return content.str();
+  if (!error && status.type() != std::filesystem::file_type::regular) {
+    fail("the template path is not a regular file", "name a .fr3 file");
+  }
+  std::ifstream in(native, std::ios::binary);
+  if (!in) fail("cannot read the template file", "check the path and rights");
+  std::string content;
+  char chunk[65536];
+  while (in.read(chunk, sizeof chunk) || in.gcount() > 0) {
+    if (content.size() + static_cast<size_t>(in.gcount()) > kMaxTemplateBytes) {
+      fail("the template file is larger than 256 MB", "a template holds a layout, not data");
+    }
+    content.append(chunk, static_cast<size_t>(in.gcount()));
+  }
+  if (in.bad()) fail("cannot read the template file", "check the path and rights");
+  return content;
 }
 
 Template LoadTemplateFile(const std::string& path) {

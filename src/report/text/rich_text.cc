@@ -165,7 +165,17 @@ class RichReader {
     }
     if (!EqualsIgnoringCase(tag.name, "font")) return false;
     if (tag.closing) {
-      if (fonts_.size() > 1) fonts_.pop_back();
+      if (fonts_beyond_limit_ > 0) {
+        --fonts_beyond_limit_;
+      } else if (fonts_.size() > 1) {
+        fonts_.pop_back();
+      }
+      return true;
+    }
+    // Each level copies its font (face included), so nesting is bounded: deeper tags keep the
+    // font of the deepest level kept.
+    if (fonts_.size() > kMaxFontNesting) {
+      ++fonts_beyond_limit_;
       return true;
     }
     FontState font = fonts_.back();
@@ -226,6 +236,7 @@ class RichReader {
   PlainText out_;
   int bold_ = 0, italic_ = 0, underline_ = 0;
   std::vector<FontState> fonts_{FontState{}};
+  size_t fonts_beyond_limit_ = 0;
 };
 
 }  // namespace

@@ -37,6 +37,9 @@ struct PlainText {
   std::vector<RichSpan> spans;  // only spans with some styling, in order, not overlapping
 };
 
+// How deeply <font> tags nest; deeper ones are read as tags but change nothing.
+inline constexpr size_t kMaxFontNesting = 32;
+
 // Reads "markup". Never fails.
 PlainText ParseRichText(std::string_view markup);
 
