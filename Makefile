@@ -41,19 +41,25 @@ sanitize: deps
 	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp \
 	  ctest -j $(JOBS) --output-on-failure --timeout 600
 
-# The template and expression parsers under libFuzzer, FUZZ_SECONDS each, starting from the
-# checked-in corpora (new finds go to build/fuzz, not into the repository).
+# Every parser under libFuzzer, FUZZ_SECONDS each, starting from the checked-in corpora with the
+# format's dictionary (new finds go to build/fuzz, not into the repository). Each target has a
+# longest input of its own: templates and expressions long enough to nest past every limit.
 FUZZ_SECONDS ?= 30
+FUZZ_TARGETS ?= template:131072 expr:65536 rich_text:65536 sql:16384 connection:4096
 fuzz: deps
 	@cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
 	  -DCMAKE_CXX_COMPILER=clang++ -DVANTOREL_FUZZ=ON >/dev/null
-	@cmake --build build/fuzz -j $(JOBS) --target expr_fuzz template_fuzz
-	@for f in expr template; do \
+	@cmake --build build/fuzz -j $(JOBS) --target $(foreach t,$(FUZZ_TARGETS),$(word 1,$(subst :, ,$(t)))_fuzz)
+	@for target in $(FUZZ_TARGETS); do \
+	  f=$${target%%:*}; len=$${target##*:}; \
 	  mkdir -p build/fuzz/corpus/$$f && \
 	  build/fuzz/fuzz/$${f}_fuzz -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=1024 \
-	    -artifact_prefix=build/fuzz/ build/fuzz/corpus/$$f fuzz/corpus/$$f 2>build/fuzz/$$f.log \
+	    -max_len=$$len -dict=fuzz/$$f.dict -artifact_prefix=build/fuzz/$$f- \
+	    build/fuzz/corpus/$$f fuzz/corpus/$$f 2>build/fuzz/$$f.log \
 	  || { tail -40 build/fuzz/$$f.log; exit 1; }; \
-	  echo "fuzz: $$f: $$(grep -c . build/fuzz/$$f.log) log lines, $$(ls build/fuzz/corpus/$$f | wc -l) new inputs, no crash"; \
+	  echo "fuzz: $$f: $$(grep -o 'cov: [0-9]*' build/fuzz/$$f.log | tail -1)," \
+	    "$$(grep -o '#[0-9]*' build/fuzz/$$f.log | tail -1 | tr -d '#') runs," \
+	    "$$(ls build/fuzz/corpus/$$f | wc -l) inputs kept, no crash"; \
 	done
 
 # The threading tests under ThreadSanitizer.
