@@ -125,6 +125,32 @@ TEST(Limits, TheDeepestTemplateAllowedPrintsOnAOneMegabyteStack) {
   }
 }
 
+TEST(Limits, TheDeepestExpressionAllowedEvaluatesOnAOneMegabyteStack) {
+  // "and" chains nest one level per term; the parser allows a tree this deep and no deeper.
+  std::string condition = "1 = 1";
+  for (int i = 0; i < 198; ++i) condition += " and (2 = 2)";
+  testing::TempDir folder;
+  const std::string path =
+      folder.Write("deep.fr3", Report("<data name=\"D\" height=\"5mm\" rows=\"3\" print-when=\"" +
+                                      condition + "\">" + kText + "</data>"));
+  size_t texts = 0;
+  OnSmallStack([&] {
+    RenderRequest request;
+    request.template_path = path;
+    const Rendered rendered = RenderTemplate(request);
+    for (const Item& item : rendered.document.pages.at(0).items) {
+      texts += std::holds_alternative<TextItem>(item);
+    }
+  });
+  EXPECT_EQ(texts, 3u);
+  condition += " and (2 = 2)";
+  const auto problems =
+      ProblemsOf(Report("<data name=\"D\" height=\"5mm\" rows=\"1\" print-when=\"" + condition +
+                        "\">" + kText + "</data>"));
+  ASSERT_EQ(problems.size(), 1u);
+  EXPECT_NE(problems[0].message.find("too deeply nested"), std::string::npos);
+}
+
 TEST(Limits, ATemplatePathThatIsAFolderSaysSo) {
   testing::TempDir folder;
   try {
