@@ -58,7 +58,7 @@ fuzz: deps
 	    build/fuzz/corpus/$$f fuzz/corpus/$$f 2>build/fuzz/$$f.log \
 	  || { tail -40 build/fuzz/$$f.log; exit 1; }; \
 	  echo "fuzz: $$f: $$(grep -o 'cov: [0-9]*' build/fuzz/$$f.log | tail -1)," \
-	    "$$(grep -o '#[0-9]*' build/fuzz/$$f.log | tail -1 | tr -d '#') runs," \
+	    "$$(grep -o 'Done [0-9]* runs' build/fuzz/$$f.log | tr -dc 0-9) runs," \
 	    "$$(ls build/fuzz/corpus/$$f | wc -l) inputs kept, no crash"; \
 	done
 
