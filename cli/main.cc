@@ -1,17 +1,26 @@
 // vantorel: the command-line face of the component. Each subcommand is a thin layer over the
 // library: list the interface, spell amounts, call a print method as a host would, register the
 // component.
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
+#include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "component/dispatch.h"
 #include "component/interface.h"
 #include "component/registration.h"
+#include "host/atomic_file.h"
+#include "host/native_path.h"
 #include "report/compile/compiled_report.h"
 #include "report/engine/report_engine.h"
 #include "report/pdf/pdf_writer.h"
@@ -22,10 +31,14 @@
 #include "reports/template_contracts.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
+#include "vantorel/platform.h"
+#include "vantorel/report_state.h"
 #include "words/amount_in_words.h"
 
 namespace vantorel {
 namespace {
+
+constexpr int kUsageError = 2;
 
 int Methods() {
   for (const EntryInfo& entry : InterfaceEntries()) {
@@ -46,10 +59,20 @@ int Words(const std::string& amount_text) {
   const auto [end, ec] = std::from_chars(begin, digits.data() + digits.size(), amount);
   if (ec != std::errc() || end != digits.data() + digits.size() || digits.empty()) {
     std::cerr << "vantorel words: not a number: " << amount_text << "\n";
-    return 2;
+    return kUsageError;
   }
   try {
     std::cout << AmountInWords(amount) << "\n";
+    // Stdout stays exactly what the documents print; support staff learn from stderr why a
+    // cheque's words look short.
+    if (amount < 0) {
+      std::cerr << "vantorel words: warning: the amount is negative; the words do not say so\n";
+    }
+    if (const std::optional<UnspokenDigits> unspoken = FindUnspokenDigits(amount)) {
+      std::cerr << "vantorel words: warning: the words leave out " << unspoken->left_out << " of "
+                << unspoken->amount
+                << ": the 10^9 digit and every digit from 10^11 up are never spoken\n";
+    }
   } catch (const Error& error) {
     std::cerr << "vantorel words: " << error.description() << "\n";
     return 1;
@@ -84,13 +107,81 @@ void PutProperty(CRepoter& rep, const std::string& name, const std::string& valu
   InvokeByName(rep, name, kDispatchPropertyPut, {Variant::String(value)});
 }
 
+// The system platform, keeping the text of every message box the component shows: a method
+// that reports a problem in a message box still returns normally, and a script cannot see it.
+class MessageKeepingPlatform final : public Platform {
+ public:
+  explicit MessageKeepingPlatform(std::shared_ptr<Platform> system) : system_(std::move(system)) {}
+
+  void ShowMessage(const std::string& text, MessageIcon icon) override {
+    {
+      std::lock_guard lock(mutex_);
+      messages_.push_back(text);
+    }
+    system_->ShowMessage(text, icon);
+  }
+  uint32_t FileAttributes(const std::string& path) override {
+    return system_->FileAttributes(path);
+  }
+  std::optional<std::string> Environment(std::string_view name) override {
+    return system_->Environment(name);
+  }
+  RegionalDateSettings RegionalDates() override { return system_->RegionalDates(); }
+  Date Today() override { return system_->Today(); }
+
+  std::vector<std::string> messages() const {
+    std::lock_guard lock(mutex_);
+    return messages_;
+  }
+
+ private:
+  std::shared_ptr<Platform> system_;
+  mutable std::mutex mutex_;
+  std::vector<std::string> messages_;
+};
+
+// Identifies one version of a file: a new PDF renamed into place is a new inode.
+struct FileVersion {
+  bool exists = false;
+  ino_t inode = 0;
+  timespec modified{};
+
+  static FileVersion Of(const std::string& path) {
+    struct stat info;
+    if (::stat(path.c_str(), &info) != 0) return {};
+    return {true, info.st_ino, info.st_mtim};
+  }
+  bool SameAs(const FileVersion& other) const {
+    return exists == other.exists && inode == other.inode &&
+           modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec;
+  }
+};
+
+// The PDF the component was asked to write, as it will name it: empty when the state asks for
+// none. Printing wins over a PDF, as in the component's output step.
+std::string ExpectedPdf(const ReportState& state) {
+  if (!IsExactlyTrue(state.RptPDF) || IsExactlyTrue(state.RptPrint)) return "";
+  return state.PDFPath.empty() ? state.AppPath + "\\export.pdf" : state.PDFPath;
+}
+
+// Exit status of a method that returned normally but showed a message or wrote no PDF.
+constexpr int kCallIncomplete = 3;
+
 int Call(const CallOptions& options) {
+  auto platform = std::make_shared<MessageKeepingPlatform>(SystemPlatform());
+  SetPlatform(platform);
   CRepoter rep;
+  std::string pdf;
+  FileVersion before;
   try {
     if (!options.report_path.empty()) rep.put_ReportPath(options.report_path);
     if (!options.db.empty()) rep.put_DbConnectstring(options.db);
     if (!options.tdb.empty()) rep.put_DbTConnectstring(options.tdb);
-    if (!options.app_path.empty()) rep.put_AppPath(options.app_path);
+    // Without a folder of its own the default PDF goes to the current folder, never to the
+    // file system's root.
+    std::error_code no_cwd;
+    const std::filesystem::path cwd = std::filesystem::current_path(no_cwd);
+    rep.put_AppPath(!options.app_path.empty() ? options.app_path : no_cwd ? "." : cwd.string());
     if (options.firm >= 0) PutProperty(rep, "FirmID", std::to_string(options.firm));
     if (options.pdf) {
       rep.put_RptPDF(kTrue);
@@ -103,11 +194,13 @@ int Call(const CallOptions& options) {
       const size_t equals = set.find('=');
       if (equals == std::string::npos) {
         std::cerr << "vantorel call: --set wants Property=value, got: " << set << "\n";
-        return 2;
+        return kUsageError;
       }
       PutProperty(rep, set.substr(0, equals), set.substr(equals + 1));
     }
     rep.SetVars();
+    pdf = ExpectedPdf(CurrentReportState());
+    if (!pdf.empty()) before = FileVersion::Of(NativePath(pdf));
     std::vector<Variant> args;
     for (const std::string& arg : options.args) args.push_back(Variant::String(arg));
     InvokeByName(rep, options.method, kDispatchMethod, args);
@@ -118,7 +211,19 @@ int Call(const CallOptions& options) {
     return 1;
   }
   std::cout << "LastMsg: " << rep.get_LastMsg() << "\n";
-  return 0;
+  int status = 0;
+  for (const std::string& message : platform->messages()) {
+    std::cerr << "vantorel call: the method showed a message: " << message << "\n";
+    status = kCallIncomplete;
+  }
+  if (!pdf.empty()) {
+    const FileVersion after = FileVersion::Of(NativePath(pdf));
+    if (!after.exists || after.SameAs(before)) {
+      std::cerr << "vantorel call: no PDF was written to " << pdf << "\n";
+      status = kCallIncomplete;
+    }
+  }
+  return status;
 }
 
 struct RenderOptions {
@@ -171,7 +276,7 @@ int Render(const RenderOptions& options) {
     report::RenderRequest::Setting setting;
     if (!SplitSetting(text, setting)) {
       std::cerr << "vantorel render: --param wants QUERY.PARAM=VALUE, got: " << text << "\n";
-      return 2;
+      return kUsageError;
     }
     request.parameters.push_back(setting);
   }
@@ -179,7 +284,7 @@ int Render(const RenderOptions& options) {
     report::RenderRequest::Setting setting;
     if (!SplitSetting(text, setting)) {
       std::cerr << "vantorel render: --var wants CATEGORY.NAME=VALUE, got: " << text << "\n";
-      return 2;
+      return kUsageError;
     }
     setting.value = Quoted(setting.value);
     request.variables.push_back(setting);
@@ -189,7 +294,10 @@ int Render(const RenderOptions& options) {
     for (const std::string& warning : rendered.warnings) {
       std::cerr << "vantorel render: warning: " << warning << "\n";
     }
-    if (!options.pdf.empty()) {
+    if (options.pdf == "-") {
+      report::StreamPdf(rendered.document, STDOUT_FILENO, "standard output");
+      std::cerr << "standard output: " << rendered.document.pages.size() << " page(s)\n";
+    } else if (!options.pdf.empty()) {
       report::WritePdf(rendered.document, options.pdf);
       std::cout << options.pdf << ": " << rendered.document.pages.size() << " page(s)\n";
     } else if (!options.png_dir.empty()) {
@@ -260,11 +368,34 @@ int Registration(bool add, bool system) {
   return 0;
 }
 
+// A render stopped by SIGTERM or SIGINT leaves no half-written file behind; then the signal
+// ends the program as it would have, so its parent sees how it died.
+void OnTerminatingSignal(int signal_number) {
+  RemovePendingTemporaryFiles();
+  ::raise(signal_number);  // delivered with the default action once this handler returns
+}
+
+void RemoveTemporaryFilesOnSignals() {
+  struct sigaction action = {};
+  action.sa_handler = OnTerminatingSignal;
+  action.sa_flags = SA_RESETHAND;
+  sigemptyset(&action.sa_mask);
+  for (const int signal_number : {SIGTERM, SIGINT}) {
+    struct sigaction previous;
+    // A signal the caller chose to ignore (nohup, a background job's SIGINT) stays ignored.
+    if (::sigaction(signal_number, nullptr, &previous) == 0 && previous.sa_handler == SIG_IGN) {
+      continue;
+    }
+    ::sigaction(signal_number, &action, nullptr);
+  }
+}
+
 }  // namespace
 }  // namespace vantorel
 
 int main(int argc, char** argv) {
   using namespace vantorel;
+  RemoveTemporaryFilesOnSignals();
   CLI::App app{"Vantorel: dealership documents from report templates and the dealership database"};
   app.require_subcommand(1);
 
@@ -311,7 +442,7 @@ int main(int argc, char** argv) {
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   auto* outputs = render_cmd->add_option_group("output");
-  outputs->add_option("--pdf", render.pdf, "Write the PDF to FILE");
+  outputs->add_option("--pdf", render.pdf, "Write the PDF to FILE (\"-\": to standard output)");
   outputs->add_option("--png", render.png_dir, "Write one PNG per page into DIR");
   outputs->add_option("--print", render.print_queue, "Print on QUEUE (default: the default queue)")
       ->expected(0, 1);
@@ -332,7 +463,12 @@ int main(int argc, char** argv) {
   auto* unreg = app.add_subcommand("unregister", "Remove the component's registration");
   unreg->add_flag("--system", system, "Remove the machine-wide registration");
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // CLI11 prints the problem (or the help asked for); every usage error is status 2.
+    return app.exit(error) == 0 ? 0 : kUsageError;
+  }
 
   if (app.got_subcommand("methods")) return Methods();
   if (app.got_subcommand("words")) return Words(amount);
@@ -362,5 +498,5 @@ int main(int argc, char** argv) {
   if (app.got_subcommand("check")) return Check(check_templates, check_contracts);
   if (app.got_subcommand("register")) return Registration(true, system);
   if (app.got_subcommand("unregister")) return Registration(false, system);
-  return 2;
+  return kUsageError;
 }

@@ -19,6 +19,7 @@
 #include <sstream>
 #include <system_error>
 
+#include "host/atomic_file.h"
 #include "vantorel/error.h"
 #include "vantorel/identity.h"
 
@@ -98,29 +99,11 @@ json ReadRegistry(const fs::path& path) {
 // Writes "document" to "path" through a temporary file in the same folder renamed over it, so
 // readers see the old file or the new one, never a part.
 void WriteRegistry(const fs::path& path, const json& document) {
-  const std::string text = document.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
-  std::string temp = (path.parent_path() / ("." + path.filename().string() + ".XXXXXX")).string();
-  const int fd = ::mkstemp(temp.data());
-  if (fd < 0) Fail("Cannot write the registry file", path, errno);
-  size_t written = 0;
-  int error = 0;
-  while (written < text.size()) {
-    const ssize_t n = ::write(fd, text.data() + written, text.size() - written);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      error = errno;
-      break;
-    }
-    written += static_cast<size_t>(n);
-  }
-  if (error == 0 && ::fchmod(fd, 0644) != 0) error = errno;
-  if (error == 0 && ::fsync(fd) != 0) error = errno;
-  if (::close(fd) != 0 && error == 0) error = errno;
-  if (error == 0 && ::rename(temp.c_str(), path.c_str()) != 0) error = errno;
-  if (error != 0) {
-    ::unlink(temp.c_str());
-    Fail("Cannot write the registry file", path, error);
-  }
+  // Readable by every user whatever the umask: the machine-wide file serves them all.
+  AtomicFile file(path.string(), "the registry file " + path.string(),
+                  {.source = kSource, .mode = 0644});
+  file.Write(document.dump(2, ' ', false, json::error_handler_t::replace) + "\n");
+  file.Commit();
 }
 
 // Holds an exclusive lock on a folder while one registry file in it is read and rewritten.

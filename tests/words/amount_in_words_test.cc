@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include "vantorel/error.h"
 
@@ -93,6 +95,55 @@ TEST(AmountInWords, NonFiniteAmountIsAnOverflowError) {
     EXPECT_EQ(error.number(), errnum::kOverflow);
   }
   EXPECT_THROW(AmountInWords(std::nan("")), Error);
+}
+
+struct UnspokenRow {
+  double amount;
+  const char* full;  // nullptr: every digit is spoken
+  const char* left_out;
+};
+
+const UnspokenRow kUnspoken[] = {
+    {0, nullptr, nullptr},
+    {105000.50, nullptr, nullptr},
+    {999999999.99, nullptr, nullptr},
+    {-999999999.99, nullptr, nullptr},
+    {10000000000, nullptr, nullptr},
+    {12000000000, "12,00,00,00,000.00", "2,00,00,00,000"},
+    {1500000000, "1,50,00,00,000.00", "1,00,00,00,000"},
+    {23000000000, "23,00,00,00,000.00", "3,00,00,00,000"},
+    {123456789012.5, "1,23,45,67,89,012.50", "1,03,00,00,00,000"},
+    {100000000000, "1,00,00,00,00,000.00", "1,00,00,00,00,000"},
+    {-1000000000, "1,00,00,00,000.00", "1,00,00,00,000"},
+    // Rounding to paisa carries into the 10^9 digit.
+    {999999999.999, "1,00,00,00,000.00", "1,00,00,00,000"},
+};
+
+class Unspoken : public ::testing::TestWithParam<UnspokenRow> {};
+
+TEST_P(Unspoken, NamesWhatTheWordsSpell) {
+  const UnspokenRow& row = GetParam();
+  const std::optional<UnspokenDigits> found = FindUnspokenDigits(row.amount);
+  if (row.full == nullptr) {
+    EXPECT_FALSE(found.has_value()) << found->amount;
+    return;
+  }
+  ASSERT_TRUE(found.has_value());
+  EXPECT_EQ(found->amount, row.full);
+  EXPECT_EQ(found->left_out, row.left_out);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Unspoken, ::testing::ValuesIn(kUnspoken));
+
+TEST(AmountInWords, WhatIsLeftOutChangesNoWord) {
+  for (const double amount : {1500000000.0, 123456789012.5, 23000000000.0, 12000000000.0}) {
+    const UnspokenDigits found = FindUnspokenDigits(amount).value();
+    std::string digits;
+    for (const char c : found.left_out) {
+      if (c != ',') digits += c;
+    }
+    EXPECT_EQ(AmountInWords(amount - std::stod(digits)), AmountInWords(amount)) << found.left_out;
+  }
 }
 
 }  // namespace

@@ -1,13 +1,12 @@
 #include "report/pdf/pdf_writer.h"
 
 #include <cairo-pdf.h>
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
+#include "host/atomic_file.h"
 #include "host/native_path.h"
 #include "report/pdf/resource_filter.h"
 #include "report/render/draw_page.h"
@@ -25,19 +24,24 @@ cairo_status_t AppendToString(void* closure, const unsigned char* data, unsigned
   return CAIRO_STATUS_SUCCESS;
 }
 
-struct FileSink {
-  int fd = -1;
+cairo_status_t WriteToFile(void* closure, const unsigned char* data, unsigned int length) {
+  auto* file = static_cast<AtomicFile*>(closure);
+  file->Write(data, length);
+  return file->ok() ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+struct StreamSink {
+  int fd;
   int error = 0;  // the first write error, if any
 };
 
-cairo_status_t WriteToFile(void* closure, const unsigned char* data, unsigned int length) {
-  auto* sink = static_cast<FileSink*>(closure);
+cairo_status_t WriteToStream(void* closure, const unsigned char* data, unsigned int length) {
+  auto* sink = static_cast<StreamSink*>(closure);
   while (length > 0 && sink->error == 0) {
     const ssize_t written = write(sink->fd, data, length);
     if (written < 0) {
-      if (errno == EINTR) continue;
-      sink->error = errno;
-      break;
+      if (errno != EINTR) sink->error = errno;
+      continue;
     }
     data += written;
     length -= static_cast<unsigned int>(written);
@@ -102,44 +106,21 @@ std::string PdfBytes(const Document& document) {
 }
 
 void WritePdf(const Document& document, const std::string& path) {
-  const std::string native = NativePath(path);
-  // Written beside its final name (same file system, so the rename is atomic) and renamed only
-  // when complete and on disk.
-  const std::string temporary = native + ".tmp-" + std::to_string(getpid());
-  FileSink sink;
-  sink.fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (sink.fd < 0) {
-    const int error = errno;
-    CannotWrite(path, std::strerror(error), error);
+  AtomicFile file(NativePath(path), path, {.source = kSource});
+  const cairo_status_t status = Render(document, WriteToFile, &file);
+  // A write error is the cause of Cairo's failure, so Commit names it; Cairo's own errors are
+  // named here.
+  if (file.ok() && status != CAIRO_STATUS_SUCCESS) {
+    CannotWrite(path, cairo_status_to_string(status));
   }
-  cairo_status_t status;
-  try {
-    status = Render(document, WriteToFile, &sink);
-  } catch (...) {
-    close(sink.fd);
-    unlink(temporary.c_str());
-    throw;
-  }
-  int error = sink.error;
-  if (error == 0 && fsync(sink.fd) != 0) error = errno;
-  if (close(sink.fd) != 0 && error == 0) error = errno;
-  if (error == 0 && status == CAIRO_STATUS_SUCCESS &&
-      rename(temporary.c_str(), native.c_str()) != 0) {
-    error = errno;
-  }
-  if (error != 0 || status != CAIRO_STATUS_SUCCESS) {
-    unlink(temporary.c_str());
-    CannotWrite(path, error != 0 ? std::strerror(error) : cairo_status_to_string(status), error);
-  }
-  // The rename itself reaches the disk with the folder; failing here loses nothing written.
-  const size_t slash = native.find_last_of('/');
-  const std::string folder =
-      slash == std::string::npos ? "." : native.substr(0, std::max<size_t>(slash, 1));
-  const int folder_fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (folder_fd >= 0) {
-    fsync(folder_fd);
-    close(folder_fd);
-  }
+  file.Commit();
+}
+
+void StreamPdf(const Document& document, int fd, const std::string& name) {
+  StreamSink sink{fd};
+  const cairo_status_t status = Render(document, WriteToStream, &sink);
+  if (sink.error != 0) CannotWrite(name, std::strerror(sink.error), sink.error);
+  if (status != CAIRO_STATUS_SUCCESS) CannotWrite(name, cairo_status_to_string(status));
 }
 
 }  // namespace vantorel::report

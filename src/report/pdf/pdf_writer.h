@@ -13,10 +13,15 @@
 
 namespace vantorel::report {
 
-// Writes "document" to "path" (a host path). The file appears only when complete: it is written
-// beside its final name and renamed into place, so a failure never leaves a truncated PDF or
-// destroys an earlier one. Throws vantorel::Error naming the path when it cannot be written.
+// Writes "document" to "path" (a host path) through an AtomicFile: the file appears only when
+// complete, a failure never leaves a truncated PDF or destroys an earlier one, and a device, FIFO,
+// folder or symbolic link at "path" is refused. Throws vantorel::Error naming the path when it
+// cannot be written.
 void WritePdf(const Document& document, const std::string& path);
+
+// Writes "document" to the open descriptor "fd" as it is made (standard output, a pipe), without
+// closing it. "name" names the stream in errors.
+void StreamPdf(const Document& document, int fd, const std::string& name);
 
 // The PDF as bytes, for spooling to a printer.
 std::string PdfBytes(const Document& document);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 
+#include "host/atomic_file.h"
 #include "host/native_path.h"
 #include "report/render/draw_page.h"
 #include "report/text/handles.h"
@@ -78,13 +78,9 @@ std::vector<std::string> WritePngs(const Document& document, const std::string& 
     name += number;
     name += ".png";
     const std::filesystem::path file = folder / name;
-    const std::string png = PagePng(document, i, dpi);
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(png.data(), static_cast<std::streamsize>(png.size()));
-    out.close();
-    if (!out) {
-      throw Error(errnum::kPathFileAccess, kSource, "Cannot write " + file.string());
-    }
+    AtomicFile out(file.string(), file.string(), {.source = kSource});
+    out.Write(PagePng(document, i, dpi));
+    out.Commit();
     paths.push_back(file.string());
   }
   return paths;

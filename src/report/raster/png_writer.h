@@ -16,8 +16,9 @@ namespace vantorel::report {
 std::string PagePng(const Document& document, size_t index, double dpi);
 
 // Writes every page to "directory" as "<stem>-<n>.png" (n from 1, zero-padded to the width of the
-// page count) and returns the file paths. Creates the directory when missing; throws
-// vantorel::Error when it cannot write.
+// page count) and returns the file paths. Creates the directory when missing. Each file is
+// written through an AtomicFile, so it appears whole or not at all and a device, FIFO, folder or
+// symbolic link of that name is refused; throws vantorel::Error when it cannot write.
 std::vector<std::string> WritePngs(const Document& document, const std::string& directory,
                                    const std::string& stem, double dpi);
 

@@ -1,7 +1,10 @@
 #include "report/pdf/pdf_writer.h"
 
+#include <fcntl.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string>
 
@@ -325,8 +329,8 @@ TEST_F(PdfWriterTest, UnwritableFolderThrowsAndLeavesNothing) {
   EXPECT_FALSE(fs::exists(dir_ / "no-such-folder"));
 }
 
-TEST_F(PdfWriterTest, FailedRenameLeavesNoTemporaryFile) {
-  // The target is a folder: everything is written, then the rename fails.
+TEST_F(PdfWriterTest, FolderAtTheTargetLeavesNoTemporaryFile) {
+  // Refused before anything is written.
   fs::create_directories(dir_ / "taken.pdf");
   EXPECT_THROW(WritePdf(Invoice(), (dir_ / "taken.pdf").string()), Error);
   size_t entries = 0;
@@ -349,7 +353,7 @@ TEST_F(PdfWriterTest, UnwritableDestinationThrowsAndLosesNothing) {
   EXPECT_TRUE(fs::is_directory(target));
   EXPECT_EQ(ReadFile(target / "keep.txt"), "kept");
   for (const auto& entry : fs::directory_iterator(dir_)) {
-    EXPECT_EQ(entry.path().string().find(".tmp-"), std::string::npos) << entry.path();
+    EXPECT_EQ(entry.path().string().find(".tmp"), std::string::npos) << entry.path();
   }
 }
 
@@ -367,7 +371,7 @@ TEST_F(PdfWriterTest, ReplacesAnExistingFileWhole) {
   EXPECT_NE(before.st_ino, after.st_ino) << "renamed into place, not rewritten in place";
   EXPECT_EQ(ReadFile(path).substr(0, 5), "%PDF-");
   for (const auto& entry : fs::directory_iterator(dir_)) {
-    EXPECT_EQ(entry.path().string().find(".tmp-"), std::string::npos) << entry.path();
+    EXPECT_EQ(entry.path().string().find(".tmp"), std::string::npos) << entry.path();
   }
 }
 
@@ -375,6 +379,135 @@ TEST_F(PdfWriterTest, HostPathsWithBackslashesWork) {
   fs::create_directories(dir_ / "exports");
   WritePdf(Document{}, dir_.string() + "\\exports\\out.pdf");
   EXPECT_TRUE(fs::exists(dir_ / "exports" / "out.pdf"));
+}
+
+// Every name in the test's folder but the logo the invoice shows.
+std::set<std::string> Names(const fs::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().filename() != "logo.jpg") names.insert(entry.path().filename().string());
+  }
+  return names;
+}
+
+void ExpectRefused(const Document& document, const std::string& path, const std::string& kind) {
+  try {
+    WritePdf(document, path);
+    FAIL() << "expected " << path << " to be refused";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errnum::kPathFileAccess);
+    EXPECT_EQ(error.source(), "Vantorel.Pdf");
+    EXPECT_EQ(error.description(),
+              "Cannot write " + path + ": it is not a regular file but " + kind);
+  }
+}
+
+TEST_F(PdfWriterTest, SymbolicLinkAtTheTargetIsRefusedAndItsFileKept) {
+  const fs::path victim = dir_ / "victim.txt";
+  std::ofstream(victim) << "precious";
+  fs::create_symlink(victim, dir_ / "invoice.pdf");
+  ExpectRefused(Invoice(), (dir_ / "invoice.pdf").string(), "a symbolic link");
+  EXPECT_TRUE(fs::is_symlink(dir_ / "invoice.pdf"));
+  EXPECT_EQ(ReadFile(victim), "precious");
+  EXPECT_EQ(Names(dir_), (std::set<std::string>{"invoice.pdf", "victim.txt"}));
+}
+
+TEST_F(PdfWriterTest, FifoAtTheTargetIsRefused) {
+  const fs::path fifo = dir_ / "invoice.pdf";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  ExpectRefused(Document{}, fifo.string(), "a FIFO");
+  struct stat info;
+  ASSERT_EQ(lstat(fifo.c_str(), &info), 0);
+  EXPECT_TRUE(S_ISFIFO(info.st_mode));
+  EXPECT_EQ(Names(dir_), std::set<std::string>{"invoice.pdf"});
+}
+
+// Run as root, replacing /dev/null would break every program on the machine.
+TEST_F(PdfWriterTest, DeviceIsNeverReplaced) {
+  ExpectRefused(Document{}, "/dev/null", "a character device");
+  struct stat info;
+  ASSERT_EQ(lstat("/dev/null", &info), 0);
+  EXPECT_TRUE(S_ISCHR(info.st_mode));
+}
+
+TEST_F(PdfWriterTest, KeepsThePermissionsOfTheFileItReplaces) {
+  const fs::path path = dir_ / "private.pdf";
+  std::ofstream(path) << "an older export";
+  ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+  WritePdf(Document{}, path.string());
+  struct stat info;
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0600u);
+  EXPECT_EQ(ReadFile(path).substr(0, 5), "%PDF-");
+}
+
+TEST_F(PdfWriterTest, NewFileGetsTheUsualPermissionsLessTheUmask) {
+  const mode_t previous = umask(022);
+  WritePdf(Document{}, (dir_ / "new.pdf").string());
+  umask(previous);
+  struct stat info;
+  ASSERT_EQ(stat((dir_ / "new.pdf").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0644u);
+}
+
+TEST_F(PdfWriterTest, LongestFileNameWorks) {
+  const long name_max = pathconf(dir_.c_str(), _PC_NAME_MAX);
+  ASSERT_GE(name_max, 255);
+  const std::string name = std::string(255 - 4, 'k') + ".pdf";
+  WritePdf(Document{}, (dir_ / name).string());
+  EXPECT_EQ(Names(dir_), std::set<std::string>{name});
+  EXPECT_EQ(ReadFile(dir_ / name).substr(0, 5), "%PDF-");
+}
+
+TEST_F(PdfWriterTest, WriteErrorLeavesNoTemporaryFile) {
+  // A file size limit makes the writes fail with EFBIG part way through the document.
+  struct sigaction ignore = {}, previous;
+  ignore.sa_handler = SIG_IGN;
+  ASSERT_EQ(sigaction(SIGXFSZ, &ignore, &previous), 0);
+  struct rlimit old_limit;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old_limit), 0);
+  struct rlimit small = old_limit;
+  small.rlim_cur = 4096;
+  const Document invoice = Invoice();
+  std::ofstream(dir_ / "invoice.pdf") << "an older export";
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  try {
+    WritePdf(invoice, (dir_ / "invoice.pdf").string());
+    ADD_FAILURE() << "expected a write error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.description(),
+              "Cannot write " + (dir_ / "invoice.pdf").string() + ": File too large");
+  }
+  setrlimit(RLIMIT_FSIZE, &old_limit);
+  sigaction(SIGXFSZ, &previous, nullptr);
+  EXPECT_EQ(Names(dir_), std::set<std::string>{"invoice.pdf"});
+  EXPECT_EQ(ReadFile(dir_ / "invoice.pdf"), "an older export");
+}
+
+TEST_F(PdfWriterTest, StreamsToAnOpenDescriptor) {
+  const fs::path path = dir_ / "streamed.pdf";
+  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  ASSERT_GE(fd, 0);
+  StreamPdf(Invoice(), fd, "the stream");
+  close(fd);
+  const std::string bytes = ReadFile(path);
+  EXPECT_EQ(bytes.substr(0, 5), "%PDF-");
+  EXPECT_NE(bytes.find("%%EOF", bytes.size() - 8), std::string::npos);
+  if (!HaveTool("pdfinfo")) return;
+  EXPECT_NE(Squeezed(RunTool("pdfinfo '" + path.string() + "'").text).find("Pages: 3\n"),
+            std::string::npos);
+}
+
+TEST_F(PdfWriterTest, StreamErrorNamesTheStream) {
+  const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  ASSERT_GE(fd, 0);
+  try {
+    StreamPdf(Document{}, fd, "standard output");
+    ADD_FAILURE() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.description(), "Cannot write standard output: Bad file descriptor");
+  }
+  close(fd);
 }
 
 }  // namespace

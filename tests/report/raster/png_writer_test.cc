@@ -1,10 +1,13 @@
 #include "report/raster/png_writer.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -118,6 +121,77 @@ TEST(PngWriterTest, UnwritableFolderIsAnError) {
     EXPECT_NE(error.description().find(file.string()), std::string::npos);
   }
   fs::remove(file);
+}
+
+// A fresh folder for one test, removed at the end.
+class PngFolder {
+ public:
+  PngFolder()
+      : path_(fs::temp_directory_path() /
+              ("vantorel-png-" + std::to_string(getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
+    fs::remove_all(path_);
+    fs::create_directories(path_);
+  }
+  ~PngFolder() { fs::remove_all(path_); }
+  const fs::path& path() const { return path_; }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+ private:
+  fs::path path_;
+};
+
+TEST(PngWriterTest, PageFileThatIsASymbolicLinkIsRefusedAndItsFileKept) {
+  const PngFolder folder;
+  std::ofstream(folder.path() / "victim.txt") << "precious";
+  fs::create_symlink(folder.path() / "victim.txt", folder.path() / "page-2.png");
+  try {
+    WritePngs(TwoPages(), folder.path().string(), "page", 72);
+    FAIL() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), errnum::kPathFileAccess);
+    EXPECT_EQ(error.source(), "Vantorel.Png");
+    EXPECT_EQ(error.description(), "Cannot write " + (folder.path() / "page-2.png").string() +
+                                       ": it is not a regular file but a symbolic link");
+  }
+  std::ifstream victim(folder.path() / "victim.txt");
+  std::string text;
+  victim >> text;
+  EXPECT_EQ(text, "precious");
+  EXPECT_TRUE(fs::is_symlink(folder.path() / "page-2.png"));
+  EXPECT_EQ(folder.Names(), (std::vector<std::string>{"page-1.png", "page-2.png", "victim.txt"}));
+}
+
+TEST(PngWriterTest, FifoPageFileIsRefused) {
+  const PngFolder folder;
+  ASSERT_EQ(mkfifo((folder.path() / "page-1.png").c_str(), 0600), 0);
+  EXPECT_THROW(WritePngs(TwoPages(), folder.path().string(), "page", 72), Error);
+  struct stat info;
+  ASSERT_EQ(lstat((folder.path() / "page-1.png").c_str(), &info), 0);
+  EXPECT_TRUE(S_ISFIFO(info.st_mode));
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"page-1.png"});
+}
+
+TEST(PngWriterTest, ReplacedPagesKeepTheirPermissionsAndLeaveNoStrayFiles) {
+  const PngFolder folder;
+  WritePngs(TwoPages(), folder.path().string(), "page", 72);
+  ASSERT_EQ(chmod((folder.path() / "page-1.png").c_str(), 0600), 0);
+  struct stat before;
+  ASSERT_EQ(stat((folder.path() / "page-1.png").c_str(), &before), 0);
+  WritePngs(TwoPages(), folder.path().string(), "page", 72);
+  struct stat after;
+  ASSERT_EQ(stat((folder.path() / "page-1.png").c_str(), &after), 0);
+  EXPECT_EQ(after.st_mode & 07777, 0600u);
+  EXPECT_NE(after.st_ino, before.st_ino) << "renamed into place, not rewritten in place";
+  EXPECT_EQ(folder.Names(), (std::vector<std::string>{"page-1.png", "page-2.png"}));
 }
 
 }  // namespace
