@@ -156,6 +156,15 @@ std::string Words(double amount) {
 }
 
 // An invoice document: its customer, its chassis and, when the form prints them, its words.
+// A tax invoice of goods in its three copies, each labelled as the GST rules ask.
+std::vector<std::string> InEveryCopy(std::vector<std::string> shows) {
+  for (const char* label :
+       {"ORIGINAL FOR RECIPIENT", "DUPLICATE FOR TRANSPORTER", "TRIPLICATE FOR SUPPLIER"}) {
+    shows.push_back(label);
+  }
+  return shows;
+}
+
 std::vector<std::string> InvoiceShows(data::Connection& db, int16_t id, const std::string& words) {
   const std::string where = " from vu_invoice where id=" + std::to_string(id);
   std::vector<std::string> shows = {One(db, "select cname" + where),
@@ -237,8 +246,8 @@ const std::vector<Document>& Documents() {
                   Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
                                        f.at("challan_sub_id")))}),
       DOC("VehInvoice2in1", rep.VehInvoice2in1(Id(f, "invoice_id")),
-          return InvoiceShows(db, Id(f, "invoice_id"),
-                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
       DOC("VehInvoicewith21", rep.VehInvoicewith21(Id(f, "invoice_id")),
           return InvoiceShows(db, Id(f, "invoice_id"),
                               InvoiceWords(db, Id(f, "invoice_id"), false, false))),
@@ -298,8 +307,8 @@ const std::vector<Document>& Documents() {
           return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
                               InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
       DOC("GSTVehInvoice2in1", rep.GSTVehInvoice2in1(Id(f, "invoice_id"), logo),
-          return InvoiceShows(db, Id(f, "invoice_id"),
-                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
       DOC("GSTVehInvoicewith21", rep.GSTVehInvoicewith21(Id(f, "invoice_after_revision_id"), logo),
           return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
                               InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),

@@ -173,6 +173,7 @@ struct CompiledReport {
   std::string name;
   Metadata info;
   PageSetup page;
+  CopySetup copies;
   std::vector<TextStyle> styles;
   std::vector<std::string> databases;
   std::vector<CompiledQuery> queries;

@@ -153,6 +153,11 @@ class Compiler {
     r.name = design_.name;
     r.info = design_.info;
     r.page = design_.page;
+    r.copies = design_.copies;
+    if (r.copies.per_sheet > 1 && r.page.roll) {
+      AddProblem(r.copies.line, "copies cannot share a sheet of roll paper",
+                 "drop \"per-sheet\" or print on cut sheets");
+    }
 
     for (const std::string& database : design_.databases) {
       if (r.FindDatabase(database) >= 0)

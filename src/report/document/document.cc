@@ -189,4 +189,23 @@ std::string Serialize(const Document& document) {
   return out;
 }
 
+void AppendPages(Document& into, Document&& more) {
+  std::vector<uint32_t> styles, images, barcodes;
+  for (const TextStyle& style : more.styles) styles.push_back(into.InternStyle(style));
+  for (auto& image : more.images) images.push_back(into.AddImage(image));
+  for (auto& symbol : more.barcodes) barcodes.push_back(into.AddBarcode(symbol));
+  const auto renumber = [&](auto& self, std::vector<Item>& items) -> void {
+    for (Item& item : items) {
+      if (auto* t = std::get_if<TextItem>(&item)) t->style = styles[t->style];
+      if (auto* i = std::get_if<ImageItem>(&item)) i->image = images[i->image];
+      if (auto* b = std::get_if<BarcodeItem>(&item)) b->symbol = barcodes[b->symbol];
+      if (auto* g = std::get_if<GroupItem>(&item)) self(self, g->items);
+    }
+  };
+  for (Page& page : more.pages) {
+    renumber(renumber, page.items);
+    into.pages.push_back(std::move(page));
+  }
+}
+
 }  // namespace vantorel::report

@@ -164,6 +164,10 @@ inline bool operator==(const GroupItem& a, const GroupItem& b) {
   return a.clip == b.clip && a.items == b.items;
 }
 
+// Appends the pages of "more" to "into", renumbering their styles, pictures and barcodes into
+// the tables of "into".
+void AppendPages(Document& into, Document&& more);
+
 // The document as stable text, one line per page and item, for golden tests and diffs.
 std::string Serialize(const Document& document);
 

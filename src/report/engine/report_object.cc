@@ -240,7 +240,7 @@ class ReportImpl final : public engine::ReportObject {
   void PrepareReport(bool clear_previous) override {
     Document document = Fill();
     if (!clear_previous && run_->prepared) {
-      Append(*run_->prepared, std::move(document));
+      AppendPages(*run_->prepared, std::move(document));
     } else {
       run_->prepared = std::move(document);
     }
@@ -297,26 +297,6 @@ class ReportImpl final : public engine::ReportObject {
       trace::Event("Warning").Text("template", report.file).Text("text", warning).Write();
     }
     return std::move(result.document);
-  }
-
-  // Pages of a second fill after the first, with its tables renumbered.
-  static void Append(Document& into, Document&& more) {
-    std::vector<uint32_t> styles, images, barcodes;
-    for (const TextStyle& style : more.styles) styles.push_back(into.InternStyle(style));
-    for (auto& image : more.images) images.push_back(into.AddImage(image));
-    for (auto& symbol : more.barcodes) barcodes.push_back(into.AddBarcode(symbol));
-    std::function<void(std::vector<Item>&)> renumber = [&](std::vector<Item>& items) {
-      for (Item& item : items) {
-        if (auto* t = std::get_if<TextItem>(&item)) t->style = styles[t->style];
-        if (auto* i = std::get_if<ImageItem>(&item)) i->image = images[i->image];
-        if (auto* b = std::get_if<BarcodeItem>(&item)) b->symbol = barcodes[b->symbol];
-        if (auto* g = std::get_if<GroupItem>(&item)) renumber(g->items);
-      }
-    };
-    for (Page& page : more.pages) {
-      renumber(page.items);
-      into.pages.push_back(std::move(page));
-    }
   }
 
   std::shared_ptr<RunState> run_;

@@ -30,7 +30,7 @@ constexpr SystemName kSystemNames[] = {
     {"Page", SystemValue::kPage}, {"TotalPages", SystemValue::kTotalPages},
     {"Date", SystemValue::kDate}, {"Time", SystemValue::kTime},
     {"Now", SystemValue::kNow},   {"Line", SystemValue::kLine},
-    {"Copy", SystemValue::kCopy},
+    {"Copy", SystemValue::kCopy}, {"CopyLabel", SystemValue::kCopyLabel},
 };
 
 const SystemName* FindSystemName(std::string_view name) {

@@ -34,7 +34,7 @@ class ExprError : public std::runtime_error {
   std::string hint_;
 };
 
-enum class SystemValue { kPage, kTotalPages, kDate, kTime, kNow, kLine, kCopy };
+enum class SystemValue { kPage, kTotalPages, kDate, kTime, kNow, kLine, kCopy, kCopyLabel };
 
 enum class AggregateKind { kSum, kCount, kAvg, kMin, kMax };
 

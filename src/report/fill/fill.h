@@ -32,6 +32,8 @@ struct FillServices {
   Date today;             // the value of [Date]
   Date now;               // the value of [Now]: today with the time of day
   std::string time = "";  // the value of [Time] ("HH:MM")
+  int copy = 1;            // the value of [Copy]; Fill sets it for each copy
+  std::string copy_label;  // the value of [CopyLabel]
 };
 
 // Sets [Date] to "today" and [Time] and [Now] from the local clock.

@@ -95,7 +95,9 @@ Value FillContext::System(expr::SystemValue which) const {
     case expr::SystemValue::kLine:
       return Value::Integer(snapshot_ ? snapshot_->line : line);
     case expr::SystemValue::kCopy:
-      return Value::Integer(1);
+      return Value::Integer(services_.copy);
+    case expr::SystemValue::kCopyLabel:
+      return Value::Text(services_.copy_label);
   }
   return Value();
 }

@@ -6,7 +6,10 @@
 #include <cctype>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <limits>
+#include <type_traits>
+#include <variant>
 
 #include "report/expr/text_util.h"
 #include "report/fill/band_renderer.h"
@@ -122,8 +125,11 @@ struct PlacedDeferred {
 
 class Filler {
  public:
-  Filler(const CompiledReport& report, const RunSettings& settings, const FillServices& services)
+  // Lays "report" out on pages of "page" (the report's own, or one copy's slot of a sheet).
+  Filler(const CompiledReport& report, const RunSettings& settings, const FillServices& services,
+         const PageSetup& page)
       : report_(report),
+        page_(page),
         settings_(settings),
         services_(services),
         tables_{report.fields, report.aggregates},
@@ -299,8 +305,7 @@ class Filler {
       context_->line = ++line;
       tracker_->Row(data.index, *context_, false);
       if (data.band.keep_together) BeginBuffer();
-      PlaceBand(data.band, report_.page.columns > 1 && report_.page.columns_across ? Flow::kCell
-                                                                                   : Flow::kColumn);
+      PlaceBand(data.band, page_.columns > 1 && page_.columns_across ? Flow::kCell : Flow::kColumn);
       for (; waiting > 0; --waiting) EndBuffer();
       tracker_->Row(data.index, *context_, true);
       for (const CompiledData& detail : data.details) FillData(detail);
@@ -339,11 +344,11 @@ class Filler {
   // --- pages ------------------------------------------------------------------------------
 
   float PageHeight() const {
-    return report_.page.roll ? std::numeric_limits<float>::max() / 4 : report_.page.size.height;
+    return page_.roll ? std::numeric_limits<float>::max() / 4 : page_.size.height;
   }
 
   float BodyLimit() const {
-    float limit = PageHeight() - report_.page.margin_bottom;
+    float limit = PageHeight() - page_.margin_bottom;
     if (report_.page_footer) limit -= report_.page_footer->height;
     if (report_.column_footer) limit -= report_.column_footer->height;
     return limit;
@@ -351,34 +356,33 @@ class Filler {
 
   // Where the body starts on a page after the first: below the page and column headers.
   float NextPageTop() const {
-    float top = report_.page.margin_top;
+    float top = page_.margin_top;
     if (report_.page_header) top += report_.page_header->height;
     if (report_.column_header) top += report_.column_header->height;
     return top;
   }
 
   float ColumnWidth() const {
-    const PageSetup& page = report_.page;
+    const PageSetup& page = page_;
     const float content = page.size.width - page.margin_left - page.margin_right;
     return (content - page.column_gap * static_cast<float>(page.columns - 1)) /
            static_cast<float>(page.columns);
   }
 
   float ColumnX(int column) const {
-    return report_.page.margin_left +
-           static_cast<float>(column) * (ColumnWidth() + report_.page.column_gap);
+    return page_.margin_left + static_cast<float>(column) * (ColumnWidth() + page_.column_gap);
   }
 
   void NewPage(bool first) {
     if (!first) ClosePage(false);
     EndCellRow();
     Page page;
-    page.size = report_.page.size;
+    page.size = page_.size;
     result_.document.pages.push_back(std::move(page));
     page_number_ = static_cast<int>(result_.document.pages.size());
     context_->page = page_number_;
     tracker_->StartPage(page_number_);
-    y_ = report_.page.margin_top;
+    y_ = page_.margin_top;
     column_ = 0;
     page_has_body_ = false;
     header_range_ = {0, 0};
@@ -405,21 +409,21 @@ class Filler {
     EndCellRow();
     tracker_->EndPage();
     Page& page = CurrentPage();
-    if (report_.page.roll) {
-      float height = y_ + report_.page.margin_bottom;
+    if (page_.roll) {
+      float height = y_ + page_.margin_bottom;
       if (report_.page_footer) height += report_.page_footer->height;
       if (report_.column_footer) height += report_.column_footer->height;
       page.size.height = height;
     }
-    const float footer_top = page.size.height - report_.page.margin_bottom -
+    const float footer_top = page.size.height - page_.margin_bottom -
                              (report_.page_footer ? report_.page_footer->height : 0);
     if (report_.column_footer) {
       y_ = footer_top - report_.column_footer->height;
-      PlaceAt(*report_.column_footer, report_.page.margin_left, y_);
+      PlaceAt(*report_.column_footer, page_.margin_left, y_);
     }
     if (report_.page_footer && (page_number_ > 1 || report_.page_footer->print_on_first_page) &&
         (!last || report_.page_footer->print_on_last_page)) {
-      PlaceAt(*report_.page_footer, report_.page.margin_left, footer_top);
+      PlaceAt(*report_.page_footer, page_.margin_left, footer_top);
     }
   }
 
@@ -478,8 +482,7 @@ class Filler {
   }
 
   void NextColumnOrPage() {
-    if (report_.page.columns > 1 && !report_.page.columns_across &&
-        column_ + 1 < report_.page.columns) {
+    if (page_.columns > 1 && !page_.columns_across && column_ + 1 < page_.columns) {
       ++column_;
       y_ = column_top_;
       StartColumn();
@@ -501,7 +504,7 @@ class Filler {
     if (y_ + block.height > BodyLimit() + 0.01f &&
         y_ + BandRenderer::ContentBottom(block) <= BodyLimit() + 0.01f) {
       // Only empty space at its foot runs past the page: the band stays here, the space goes.
-      const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+      const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
       Emit(std::move(block), x, y_);
       y_ = BodyLimit();
       return;
@@ -521,14 +524,14 @@ class Filler {
         continue;
       }
       BandBlock rest = BandRenderer::Split(block, room, result_.document);
-      const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+      const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
       Emit(std::move(block), x, y_);
       y_ = BodyLimit();
       NextColumnOrPage();
       block = std::move(rest);
       if (block.items.empty() && block.height <= 0) return;
     }
-    const float x = flow == Flow::kFullWidth ? report_.page.margin_left : ColumnX(column_);
+    const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
     const float height = block.height;
     Emit(std::move(block), x, y_);
     y_ += height;
@@ -545,12 +548,12 @@ class Filler {
     cell_row_height_ = std::max(cell_row_height_, block.height);
     Emit(std::move(block), ColumnX(column_), y_);
     page_has_body_ = true;
-    if (++column_ >= report_.page.columns) EndCellRow();
+    if (++column_ >= page_.columns) EndCellRow();
   }
 
   void EndCellRow() {
     if (cell_row_height_ <= 0 && column_ == 0) return;
-    if (report_.page.columns_across) {
+    if (page_.columns_across) {
       y_ += cell_row_height_;
       column_ = 0;
     }
@@ -621,6 +624,7 @@ class Filler {
   }
 
   const CompiledReport& report_;
+  const PageSetup page_;
   const RunSettings& settings_;
   const FillServices& services_;
   RunTables tables_;
@@ -666,15 +670,105 @@ void SetClock(FillServices& services, Date today) {
   services.now.serial += (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
 }
 
-FillResult Fill(const CompiledReport& report, const RunSettings& settings,
-                const FillServices& services) {
-  FillResult result = Filler(report, settings, services).Run();
+namespace {
+
+// One copy of the report on pages of "page"; laid out again knowing the page count when a
+// condition reads it (a condition may change the count, so until it holds).
+FillResult FillCopy(const CompiledReport& report, const RunSettings& settings,
+                    const FillServices& services, const PageSetup& page) {
+  FillResult result = Filler(report, settings, services, page).Run();
   if (!ConditionsReadTotalPages(report)) return result;
-  // Laid out again knowing the page count; a condition may change it, so until it holds.
   for (int pass = 0; pass < 3; ++pass) {
     const size_t pages = result.document.pages.size();
-    result = Filler(report, settings, services).Run(static_cast<int>(pages));
+    result = Filler(report, settings, services, page).Run(static_cast<int>(pages));
     if (result.document.pages.size() == pages) break;
+  }
+  return result;
+}
+
+void ShiftDown(std::vector<Item>& items, float dy) {
+  for (Item& item : items) {
+    std::visit(
+        [&](auto& i) {
+          using T = std::decay_t<decltype(i)>;
+          if constexpr (std::is_same_v<T, LineItem>) {
+            i.from.y += dy;
+            i.to.y += dy;
+          } else if constexpr (std::is_same_v<T, GroupItem>) {
+            i.clip.y += dy;
+            ShiftDown(i.items, dy);
+          } else {
+            i.box.y += dy;
+          }
+        },
+        item);
+  }
+}
+
+// Copies that share sheets: page n of each copy in its slot, top to bottom, on sheet n of their
+// group. "first_pages" holds where each copy's pages start in "document".
+void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int per_sheet,
+                 SizeF sheet_size, float slot_height) {
+  std::vector<Page> copy_pages = std::move(document.pages);
+  document.pages.clear();
+  const size_t copies = first_pages.size();
+  const auto pages_of = [&](size_t copy) {
+    const size_t end = copy + 1 < copies ? first_pages[copy + 1] : copy_pages.size();
+    return end - first_pages[copy];
+  };
+  for (size_t group = 0; group < copies; group += static_cast<size_t>(per_sheet)) {
+    const size_t group_end = std::min(copies, group + static_cast<size_t>(per_sheet));
+    size_t sheets = 0;
+    for (size_t copy = group; copy < group_end; ++copy) sheets = std::max(sheets, pages_of(copy));
+    for (size_t n = 0; n < sheets; ++n) {
+      Page sheet;
+      sheet.size = sheet_size;
+      for (size_t copy = group; copy < group_end; ++copy) {
+        if (n >= pages_of(copy)) continue;
+        std::vector<Item>& items = copy_pages[first_pages[copy] + n].items;
+        ShiftDown(items, static_cast<float>(copy - group) * slot_height);
+        std::move(items.begin(), items.end(), std::back_inserter(sheet.items));
+      }
+      document.pages.push_back(std::move(sheet));
+    }
+  }
+}
+
+}  // namespace
+
+FillResult Fill(const CompiledReport& report, const RunSettings& settings,
+                const FillServices& services) {
+  const CopySetup& copies = report.copies;
+  if (copies.count <= 1 && copies.per_sheet <= 1) {
+    return FillCopy(report, settings, services, report.page);
+  }
+  // Each copy is a whole document with its own page numbers; one that shares a sheet is laid
+  // out on its slot of the sheet.
+  PageSetup slot = report.page;
+  slot.size.height /= static_cast<float>(copies.per_sheet);
+  FillResult result;
+  std::vector<size_t> first_pages;
+  for (int copy = 1; copy <= copies.count; ++copy) {
+    FillServices copy_services = services;
+    copy_services.copy = copy;
+    const size_t label = static_cast<size_t>(copy - 1);
+    copy_services.copy_label = label < copies.labels.size() ? copies.labels[label] : "";
+    FillResult one = FillCopy(report, settings, copy_services, slot);
+    first_pages.push_back(result.document.pages.size());
+    if (copy == 1) {
+      result = std::move(one);
+      continue;
+    }
+    AppendPages(result.document, std::move(one.document));
+    for (std::string& warning : one.warnings) {
+      if (std::find(result.warnings.begin(), result.warnings.end(), warning) ==
+          result.warnings.end()) {
+        result.warnings.push_back(std::move(warning));
+      }
+    }
+  }
+  if (copies.per_sheet > 1) {
+    ShareSheets(result.document, first_pages, copies.per_sheet, report.page.size, slot.size.height);
   }
   return result;
 }

@@ -186,11 +186,24 @@ struct PageSetup {
   std::string printer;          // a CUPS queue; empty: the default queue
 };
 
+// How many copies of the whole document print, and how many share one sheet: with "per_sheet"
+// above 1 the sheet is cut into that many equal slots, top to bottom, one copy in each.
+struct CopySetup {
+  int count = 1;
+  int per_sheet = 1;
+  std::vector<std::string> labels;  // [CopyLabel] of copy 1, 2…; a copy without one has ""
+  int line = 0;                     // in the template file
+};
+
+inline constexpr int kMaxCopies = 10;
+inline constexpr int kMaxCopiesPerSheet = 4;
+
 struct Template {
   int version = kTemplateFormatVersion;
   std::string name;
   Metadata info;
   PageSetup page;
+  CopySetup copies;
   std::vector<std::string> databases;
   std::vector<Query> queries;
   std::vector<Variable> variables;

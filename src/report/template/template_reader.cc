@@ -956,6 +956,8 @@ class Reader {
         design.info.subject = Text(node, "subject");
       } else if (name == "page") {
         ReadPage(node, design.page);
+      } else if (name == "copies") {
+        ReadCopies(node, design.copies);
       } else if (name == "database") {
         CheckAttributes(node, {"name"});
         design.databases.push_back(Text(node, "name", true));
@@ -996,9 +998,43 @@ class Reader {
         design.data.push_back(ReadData(node));
       } else {
         Unknown(node, "<report>",
-                {"info", "page", "database", "query", "variable", "style", "page-header",
+                {"info", "page", "copies", "database", "query", "variable", "style", "page-header",
                  "page-footer", "title", "summary", "column-header", "column-footer", "data"});
       }
+    }
+  }
+
+  void ReadCopies(const pugi::xml_node& node, CopySetup& copies) {
+    CheckAttributes(node, {"count", "per-sheet"});
+    if (copies.line != 0) Add(Line(node), "a template has one <copies>");
+    copies.line = Line(node);
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() != pugi::node_element) continue;
+      if (std::string_view(child.name()) == "copy") {
+        CheckAttributes(child, {"label"});
+        copies.labels.push_back(Text(child, "label"));
+      } else {
+        Unknown(child, "<copies>", {"copy"});
+      }
+    }
+    const auto whole = [&](const char* attribute, int most, int fallback) {
+      const auto number = Number(node, attribute);
+      if (!number) return fallback;
+      if (*number < 1 || *number > most || *number != std::floor(*number)) {
+        Add(Line(node), "\"" + std::string(attribute) + "\" must be a whole number from 1 to " +
+                            std::to_string(most));
+        return fallback;
+      }
+      return static_cast<int>(*number);
+    };
+    copies.count = whole("count", kMaxCopies, std::max<int>(1, copies.labels.size()));
+    copies.per_sheet = whole("per-sheet", kMaxCopiesPerSheet, 1);
+    if (copies.labels.size() > static_cast<size_t>(copies.count)) {
+      Add(Line(node), "there are more <copy> labels than copies",
+          "drop \"count\" to print one copy per label");
+    }
+    if (copies.labels.empty() && !node.attribute("count")) {
+      Add(Line(node), "<copies> needs a \"count\" or <copy> labels");
     }
   }
 

@@ -625,6 +625,96 @@ TEST_F(FillTest, ParametersKeepTheirTypes) {
   EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"Mirror", "Horn"}));
 }
 
+// Tax invoices go out in copies that differ only in their label; each copy is a whole document.
+TEST_F(FillTest, CopiesRepeatEveryPageWithTheirNumberAndLabel) {
+  const Rendered rendered = Render(R"t(
+    <copies>
+      <copy label="ORIGINAL FOR RECIPIENT"/>
+      <copy label="DUPLICATE FOR TRANSPORTER"/>
+      <copy label="TRIPLICATE FOR SUPPLIER"/>
+    </copies>
+    <query name="Q"><sql>select * from many order by n</sql></query>
+    <page-header height="5mm"><text width="100mm" height="5mm">[Copy]: [CopyLabel]</text></page-header>
+    <data name="Rows" query="Q" height="5mm" rows="0">
+      <text width="30mm" height="5mm">[Q.n]</text>
+    </data>
+    <page-footer height="5mm"><text width="100mm" height="5mm">Page [Page] of [TotalPages]</text></page-footer>
+  )t");
+  // 3,000 rows make some pages; every copy has them all, numbered from 1.
+  const size_t pages = rendered.document.pages.size() / 3;
+  ASSERT_GT(pages, 1u);
+  ASSERT_EQ(rendered.document.pages.size(), pages * 3);
+  const char* labels[] = {"1: ORIGINAL FOR RECIPIENT", "2: DUPLICATE FOR TRANSPORTER",
+                          "3: TRIPLICATE FOR SUPPLIER"};
+  for (size_t copy = 0; copy < 3; ++copy) {
+    for (size_t page = 0; page < pages; ++page) {
+      const std::vector<std::string> texts = Texts(rendered.document, copy * pages + page);
+      EXPECT_EQ(texts.front(), labels[copy]);
+      EXPECT_EQ(texts.back(), "Page " + std::to_string(page + 1) + " of " + std::to_string(pages));
+    }
+    EXPECT_EQ(Texts(rendered.document, copy * pages)[1], "1");
+    EXPECT_EQ(Texts(rendered.document, copy * pages + pages - 1).rbegin()[1], "3000");
+  }
+}
+
+// The two-in-one invoice: two copies on each sheet, one in each half, with nothing repeated in
+// the template.
+TEST_F(FillTest, CopiesShareASheetInEqualSlots) {
+  const Rendered rendered = Render(R"t(
+    <copies per-sheet="2">
+      <copy label="ORIGINAL"/>
+      <copy label="DUPLICATE"/>
+      <copy label="TRIPLICATE"/>
+    </copies>
+    <query name="Q"><sql>select * from item order by id</sql></query>
+    <title height="6mm"><text width="60mm" height="6mm">[CopyLabel]</text></title>
+    <data name="Rows" query="Q" height="5mm">
+      <text width="60mm" height="5mm">[Q.name]</text>
+    </data>
+  )t");
+  // Three copies at two a sheet: two sheets, the second with its lower half empty.
+  ASSERT_EQ(rendered.document.pages.size(), 2u);
+  const Page& sheet = rendered.document.pages[0];
+  EXPECT_NEAR(sheet.size.height, 595.28f, 0.01f);  // A5, the sheet the template names
+  const TextItem* original = Find(rendered.document, 0, "ORIGINAL");
+  const TextItem* duplicate = Find(rendered.document, 0, "DUPLICATE");
+  ASSERT_NE(original, nullptr);
+  ASSERT_NE(duplicate, nullptr);
+  EXPECT_NEAR(original->box.y, 28.35f, 0.01f);  // the top margin of the upper slot
+  EXPECT_NEAR(duplicate->box.y - original->box.y, 595.28f / 2, 0.01f);
+  EXPECT_EQ(Texts(rendered.document, 0).size(), 12u);
+  EXPECT_EQ(Texts(rendered.document, 1),
+            (std::vector<std::string>{"TRIPLICATE", "Helmet", "Crash guard", "Mirror", "Horn",
+                                      "Chain kit"}));
+}
+
+TEST_F(FillTest, CopiesThatCannotPrintAreTemplateProblems) {
+  const auto problems_of = [&](const std::string& copies, const std::string& page) {
+    try {
+      Render(copies + "<data name=\"D\" rows=\"1\" height=\"5mm\"/>", page);
+    } catch (const Error& error) {
+      return error.description();
+    }
+    return std::string();
+  };
+  EXPECT_NE(problems_of("<copies count=\"0\"/>", "size=\"A5\"").find("from 1 to 10"),
+            std::string::npos);
+  EXPECT_NE(problems_of("<copies count=\"2\" per-sheet=\"5\"/>", "size=\"A5\"")
+                .find("\"per-sheet\" must be a whole number from 1 to 4"),
+            std::string::npos);
+  EXPECT_NE(problems_of("<copies count=\"1\"><copy label=\"A\"/><copy label=\"B\"/></copies>",
+                        "size=\"A5\"")
+                .find("more <copy> labels than copies"),
+            std::string::npos);
+  EXPECT_NE(problems_of("<copies/>", "size=\"A5\"").find("needs a \"count\""), std::string::npos);
+  EXPECT_NE(
+      problems_of("<copies count=\"2\"/><copies count=\"2\"/>", "size=\"A5\"").find("one <copies>"),
+      std::string::npos);
+  EXPECT_NE(
+      problems_of("<copies count=\"2\" per-sheet=\"2\"/>", "size=\"80mm auto\"").find("roll paper"),
+      std::string::npos);
+}
+
 // The prepared document of a small report, serialised, against the reference in golden/.
 TEST_F(FillTest, PreparedDocumentMatchesItsGoldenText) {
   const Rendered rendered = Render(R"t(
