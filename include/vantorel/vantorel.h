@@ -101,6 +101,11 @@ VANTOREL_EXPORT void vantorel_set_message_box_handler(void (*handler)(void* user
                                                                       int icon),
                                                       void* user);
 
+/* Removes the temporary files of PDFs and pictures still being written, so that a host ending on
+ * a signal leaves none behind (a finished file is never touched). Safe to call from a signal
+ * handler and from any thread; the component installs no signal handler of its own. */
+VANTOREL_EXPORT void vantorel_remove_pending_files(void);
+
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

@@ -8,6 +8,7 @@
 
 #include "component/conversion.h"
 #include "component/dispatch.h"
+#include "host/atomic_file.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
@@ -202,5 +203,7 @@ void vantorel_set_message_box_handler(void (*handler)(void* user, const char* te
     // Only memory can run out here; the previous handler then stays.
   }
 }
+
+void vantorel_remove_pending_files(void) { vantorel::RemovePendingTemporaryFiles(); }
 
 }  // extern "C"

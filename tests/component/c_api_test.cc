@@ -10,6 +10,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/atomic_file.h"
+#include "support/test_support.h"
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -139,6 +142,25 @@ TEST_F(CApiTest, MessageBoxesReachTheHandler) {
   ASSERT_EQ(shown.size(), 1u);
   EXPECT_THAT(shown[0].first, HasSubstr("vantorel-no-such-template.fr3"));
   EXPECT_EQ(shown[0].second, VANTOREL_ICON_NONE);
+}
+
+// A host that ends on a signal can remove what was being written; a finished file stays.
+TEST(CApiFiles, TheHostCanRemoveFilesStillBeingWritten) {
+  vantorel::testing::TempDir folder;
+  const std::string done = (folder.path() / "done.pdf").string();
+  {
+    vantorel::AtomicFile file(done, "");
+    file.Write("finished");
+    file.Commit();
+  }
+  vantorel::AtomicFile pending((folder.path() / "pending.pdf").string(), "");
+  pending.Write("half a document");
+  const auto temporary = folder.path() / pending.temporary_name();
+  ASSERT_TRUE(std::filesystem::exists(temporary));
+  vantorel_remove_pending_files();
+  EXPECT_FALSE(std::filesystem::exists(temporary));
+  EXPECT_FALSE(std::filesystem::exists(folder.path() / "pending.pdf"));
+  EXPECT_TRUE(std::filesystem::exists(done));
 }
 
 }  // namespace
