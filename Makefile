@@ -38,7 +38,7 @@ sanitize: deps
 	  -DVANTOREL_GUI=ON >/dev/null
 	@cmake --build build/asan -j $(JOBS)
 	@cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp \
+	  LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp:print_suppressions=0 \
 	  ctest -j $(JOBS) --output-on-failure --timeout 600
 
 # Every parser under libFuzzer, FUZZ_SECONDS each, starting from the checked-in corpora with the

