@@ -19,7 +19,29 @@
 
 namespace vantorel::report {
 
+// What our engine does beyond the port's contract.
+struct ReportEngineOptions {
+  // Writes the prepared document's layout (LayoutText) beside every PDF it exports, named as the
+  // PDF with ".layout" for ".pdf": a component print's prepared document without going around
+  // the component, for the layout golden tests and for reviewing where a box or line break of
+  // a printed document landed. Default: false.
+  bool layout_beside_pdf = false;
+};
+
+// Our engine; the component's built-in one.
 std::shared_ptr<engine::Engine> MakeReportEngine();
+// Our engine with options, for a composition place that installs it with
+// engine::SetDefaultEngineFactory (a test, a tool); the component and the print methods never
+// see it.
+std::shared_ptr<engine::Engine> MakeReportEngine(const ReportEngineOptions& options);
+
+// "document" as Serialize writes it, with each text's line breaks where DrawPage breaks it: what
+// the layout golden files hold.
+std::string LayoutText(const Document& document);
+
+// The layout file written beside the PDF "pdf_path": ".pdf" (in any case) replaced by ".layout",
+// or ".layout" appended when the path has another ending.
+std::string LayoutPathBeside(const std::string& pdf_path);
 
 // The compiled template at "path", compiled once per file version (size and modification time)
 // and shared. Throws vantorel::Error listing every problem of a bad template.
