@@ -1,6 +1,7 @@
 # The two set-up commands of the README: `make demo` (the main job) and `make test` (every test).
 # Both install what they need first. Builds are incremental (Ninja + ccache); the machine has two
-# cores, so jobs are kept to two.
+# cores, so jobs are kept to two. `make goldens` rewrites the layout golden files of the shipped
+# templates (tests/templates/layout/) after an intended layout change; review them with git diff.
 
 JOBS ?= 2
 BUILD ?= build/release
@@ -11,7 +12,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 export CCACHE_MAXSIZE ?= 5G
 
-.PHONY: all deps configure build demo test sanitize tsan fuzz lint format clean
+.PHONY: all deps configure build demo test goldens sanitize tsan fuzz lint format clean
 
 all: build
 
@@ -31,6 +32,13 @@ demo: configure
 # Every test: unit, database (PostgreSQL on loopback), printing (CUPS) and window (Xvfb) tests.
 test: build
 	@cd $(BUILD) && ctest -j $(JOBS) --output-on-failure --timeout 300
+
+# Rewrites tests/templates/layout/<template>.layout from a demo print of every shipped template
+# (docs/testing.md). Running it twice in a row changes nothing.
+goldens: configure
+	@cmake --build $(BUILD) -j $(JOBS) --target template_layout_test
+	@cd $(BUILD) && VANTOREL_UPDATE_REFERENCE=1 ctest -j $(JOBS) -L goldens --output-on-failure
+	@git status --short tests/templates/layout
 
 # Every test under AddressSanitizer and UndefinedBehaviorSanitizer.
 sanitize: deps

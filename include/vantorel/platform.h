@@ -1,7 +1,7 @@
 // What the component needs of the platform: message boxes, file attributes, environment
-// variables, regional date settings and today's date. The system implementation is used unless a
-// host or a test installs its own, so tests pin the clock, the locale and the answers of message
-// boxes.
+// variables, regional date settings, today's date and the time of day. The system implementation is
+// used unless a host or a test installs its own, so tests pin the clock, the locale and the answers
+// of message boxes.
 //
 // Thread-safety: SetPlatform and SetMessageBoxHandler may be called from any thread; the platform
 // in use is kept alive by every caller that holds it. Implementations must be thread-safe.
@@ -53,6 +53,10 @@ class VANTOREL_EXPORT Platform {
   virtual RegionalDateSettings RegionalDates() = 0;
 
   virtual Date Today() = 0;
+
+  // The date and time of day now, for the [Now] and [Time] of a print run. Default: Today() at
+  // the system clock's local time of day, so a platform written without it keeps working.
+  virtual Date Now();
 };
 
 // The system's own platform, whatever is installed.

@@ -119,6 +119,17 @@ class LinuxPlatform final : public Platform {
 
 Platform::~Platform() = default;
 
+Date Platform::Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  ::localtime_r(&now, &local);
+  Date::Parts parts = Today().ToParts();
+  parts.hour = local.tm_hour;
+  parts.minute = local.tm_min;
+  parts.second = local.tm_sec;
+  return Date::FromParts(parts);
+}
+
 std::shared_ptr<Platform> SystemPlatform() {
   static const std::shared_ptr<Platform> system = std::make_shared<LinuxPlatform>();
   return system;

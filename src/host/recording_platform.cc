@@ -33,6 +33,14 @@ Date RecordingPlatform::Today() {
   return today_;
 }
 
+Date RecordingPlatform::Now() {
+  std::lock_guard lock(mutex_);
+  Date::Parts parts = today_.ToParts();
+  parts.hour = hour_;
+  parts.minute = minute_;
+  return Date::FromParts(parts);
+}
+
 std::vector<RecordingPlatform::Message> RecordingPlatform::messages() const {
   std::lock_guard lock(mutex_);
   return messages_;
@@ -56,6 +64,12 @@ void RecordingPlatform::SetRegional(RegionalDateSettings regional) {
 void RecordingPlatform::SetToday(Date today) {
   std::lock_guard lock(mutex_);
   today_ = today;
+}
+
+void RecordingPlatform::SetTimeOfDay(int hour, int minute) {
+  std::lock_guard lock(mutex_);
+  hour_ = hour;
+  minute_ = minute;
 }
 
 }  // namespace vantorel

@@ -28,6 +28,8 @@ class RecordingPlatform final : public Platform {
   std::optional<std::string> Environment(std::string_view name) override;
   RegionalDateSettings RegionalDates() override;
   Date Today() override;
+  // Today() at the time of day the test set (10:30 unless it set one).
+  Date Now() override;
 
   std::vector<Message> messages() const;
   void ClearMessages();
@@ -35,6 +37,7 @@ class RecordingPlatform final : public Platform {
   void SetEnvironment(std::string name, std::string value);
   void SetRegional(RegionalDateSettings regional);
   void SetToday(Date today);
+  void SetTimeOfDay(int hour, int minute);
 
  private:
   mutable std::mutex mutex_;
@@ -42,6 +45,8 @@ class RecordingPlatform final : public Platform {
   std::map<std::string, std::string> environment_;
   RegionalDateSettings regional_;
   Date today_ = Date::FromYmd(2024, 3, 31);
+  int hour_ = 10;
+  int minute_ = 30;
 };
 
 }  // namespace vantorel

@@ -64,6 +64,23 @@ TEST(SystemPlatform, RegionalDatesFallBackToDayMonthYearInTheCLocale) {
 
 TEST(SystemPlatform, TodayIsAValidDate) { EXPECT_TRUE(SystemPlatform()->Today().IsValid()); }
 
+TEST(SystemPlatform, NowIsTodayWithATimeOfDay) {
+  const Date today = SystemPlatform()->Today();
+  const Date now = SystemPlatform()->Now();
+  // The two readings may straddle midnight.
+  EXPECT_GE(now.serial, today.serial);
+  EXPECT_LT(now.serial, today.serial + 2);
+}
+
+TEST(RecordingPlatform, NowIsThePinnedDayAtThePinnedTime) {
+  RecordingPlatform platform;
+  platform.SetToday(Date::FromYmd(2024, 4, 15));
+  EXPECT_EQ(platform.Now(), *Date::FromIso("2024-04-15 10:30"));
+  platform.SetTimeOfDay(14, 5);
+  EXPECT_EQ(platform.Now(), *Date::FromIso("2024-04-15 14:05"));
+  EXPECT_EQ(platform.Today(), Date::FromYmd(2024, 4, 15));
+}
+
 TEST(MessageBoxes, HandlerReceivesTextAndIcon) {
   std::string seen;
   MessageIcon icon = MessageIcon::kNone;

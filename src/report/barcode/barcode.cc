@@ -187,6 +187,8 @@ std::shared_ptr<const BarcodeSymbol> EncodeUncached(Symbology symbology, std::st
   }
 
   auto out = std::make_shared<BarcodeSymbol>();
+  out->symbology = kind.name;
+  out->data.assign(data);
   const zint_vector& vector = *symbol->vector;
   out->width = vector.width;
   out->height = vector.height;

@@ -1,5 +1,6 @@
 #include "report/document/document.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace vantorel::report {
@@ -37,6 +38,7 @@ void Hex(std::string& out, const Color& c) {
 }
 
 void Quoted(std::string& out, std::string_view text) {
+  static constexpr char kDigits[] = "0123456789abcdef";
   out += '"';
   for (char c : text) {
     if (c == '"' || c == '\\') {
@@ -44,11 +46,42 @@ void Quoted(std::string& out, std::string_view text) {
       out += c;
     } else if (c == '\n') {
       out += "\\n";
+    } else if (c == '\t') {
+      out += "\\t";
+    } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+      out += "\\x";
+      out += kDigits[(c >> 4) & 15];
+      out += kDigits[c & 15];
     } else {
       out += c;
     }
   }
   out += '"';
+}
+
+// The file name of a picture's source without its folder, which differs between machines and
+// build folders; host paths may use backslashes.
+std::string_view FileName(std::string_view path) {
+  const size_t slash = path.find_last_of("/\\");
+  return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+// FNV-1a over the pixel rows (not the row padding), as 16 hex digits: a picture's identity that
+// does not depend on where its file was.
+std::string PixelHash(const ImageData& image) {
+  uint64_t hash = 14695981039346656037ull;
+  const size_t row = static_cast<size_t>(std::max(image.width, 0)) * 4;
+  for (int y = 0; y < image.height; ++y) {
+    const size_t begin = static_cast<size_t>(y) * static_cast<size_t>(image.stride);
+    if (begin + row > image.pixels.size()) break;
+    for (size_t i = begin; i < begin + row; ++i) {
+      hash = (hash ^ image.pixels[i]) * 1099511628211ull;
+    }
+  }
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string text(16, '0');
+  for (int i = 15; i >= 0; --i, hash >>= 4) text[static_cast<size_t>(i)] = kDigits[hash & 15];
+  return text;
 }
 
 void StrokeText(std::string& out, const Stroke& s) {
@@ -59,15 +92,43 @@ void StrokeText(std::string& out, const Stroke& s) {
   out += std::to_string(static_cast<int>(s.style));
 }
 
-void Items(std::string& out, const std::vector<Item>& items, int depth) {
+void Indent(std::string& out, int depth) { out.append(static_cast<size_t>(depth) * 2, ' '); }
+
+void Text(std::string& out, const Document& document, const TextItem& t, int depth,
+          const LineStarts& line_starts) {
+  out += "text ";
+  Rect(out, t.box);
+  out += " style=" + std::to_string(t.style) + ' ';
+  std::vector<uint32_t> starts;
+  if (line_starts && !t.text.empty() && t.style < document.styles.size()) {
+    starts = line_starts(t, document.styles[t.style]);
+  }
+  if (starts.size() < 2) {
+    Quoted(out, t.text);
+    out += '\n';
+    return;
+  }
+  out += "lines=" + std::to_string(starts.size()) + '\n';
+  for (size_t i = 0; i < starts.size(); ++i) {
+    const size_t begin = std::min<size_t>(starts[i], t.text.size());
+    const size_t end =
+        i + 1 < starts.size() ? std::min<size_t>(starts[i + 1], t.text.size()) : t.text.size();
+    Indent(out, depth + 1);
+    out += "| ";
+    Quoted(out, std::string_view(t.text).substr(begin, end > begin ? end - begin : 0));
+    out += '\n';
+  }
+}
+
+void Items(std::string& out, const Document& document, const std::vector<Item>& items, int depth,
+           const LineStarts& line_starts) {
   for (const Item& item : items) {
-    out.append(static_cast<size_t>(depth) * 2, ' ');
+    Indent(out, depth);
     if (const auto* t = std::get_if<TextItem>(&item)) {
-      out += "text ";
-      Rect(out, t->box);
-      out += " style=" + std::to_string(t->style) + ' ';
-      Quoted(out, t->text);
-    } else if (const auto* l = std::get_if<LineItem>(&item)) {
+      Text(out, document, *t, depth, line_starts);
+      continue;
+    }
+    if (const auto* l = std::get_if<LineItem>(&item)) {
       out += "line ";
       Number(out, l->from.x);
       out += ',';
@@ -103,7 +164,7 @@ void Items(std::string& out, const std::vector<Item>& items, int depth) {
       out += "group clip=";
       Rect(out, g->clip);
       out += '\n';
-      Items(out, g->items, depth + 1);
+      Items(out, document, g->items, depth + 1, line_starts);
       continue;
     }
     out += '\n';
@@ -133,7 +194,7 @@ uint32_t Document::AddBarcode(std::shared_ptr<const BarcodeSymbol> symbol) {
   return static_cast<uint32_t>(barcodes.size() - 1);
 }
 
-std::string Serialize(const Document& document) {
+std::string Serialize(const Document& document, const LineStarts& line_starts) {
   std::string out;
   out += "document ";
   Quoted(out, document.metadata.title);
@@ -160,6 +221,24 @@ std::string Serialize(const Document& document) {
     if (!s.clip) out += " noclip";
     if (s.rich) out += " rich";
     if (s.rotation != 0) out += " rotate=" + std::to_string(s.rotation);
+    if (s.line_spacing != 1) {
+      out += " spacing=";
+      Number(out, s.line_spacing);
+    }
+    if (s.char_spacing != 0) {
+      out += " char-spacing=";
+      Number(out, s.char_spacing);
+    }
+    if (s.padding != Padding()) {
+      out += " padding=";
+      Number(out, s.padding.left);
+      out += ',';
+      Number(out, s.padding.top);
+      out += ',';
+      Number(out, s.padding.right);
+      out += ',';
+      Number(out, s.padding.bottom);
+    }
     if (s.borders != 0) {
       out += " borders=" + std::to_string(s.borders) + ' ';
       StrokeText(out, s.border);
@@ -168,12 +247,16 @@ std::string Serialize(const Document& document) {
   }
   for (size_t i = 0; i < document.images.size(); ++i) {
     const ImageData& image = *document.images[i];
-    out += "image " + std::to_string(i) + ' ' + std::to_string(image.width) + 'x' +
-           std::to_string(image.height) + (image.jpeg.empty() ? "" : " jpeg") + '\n';
+    out += "image " + std::to_string(i) + ' ';
+    Quoted(out, FileName(image.source));
+    out += ' ' + std::to_string(image.width) + 'x' + std::to_string(image.height) +
+           (image.jpeg.empty() ? "" : " jpeg") + " pixels=" + PixelHash(image) + '\n';
   }
   for (size_t i = 0; i < document.barcodes.size(); ++i) {
     const BarcodeSymbol& symbol = *document.barcodes[i];
-    out += "symbol " + std::to_string(i) + ' ' + std::to_string(symbol.bars.size()) + " bars ";
+    out += "symbol " + std::to_string(i) + ' ' + symbol.symbology + ' ';
+    Quoted(out, symbol.data);
+    out += ' ' + std::to_string(symbol.bars.size()) + " bars ";
     Quoted(out, symbol.text);
     out += '\n';
   }
@@ -184,7 +267,7 @@ std::string Serialize(const Document& document) {
     out += 'x';
     Number(out, page.size.height);
     out += '\n';
-    Items(out, page.items, 1);
+    Items(out, document, page.items, 1, line_starts);
   }
   return out;
 }

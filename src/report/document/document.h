@@ -9,6 +9,7 @@
 #define VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <variant>
@@ -78,6 +79,8 @@ struct ImageData {
 // A barcode or QR code as dark rectangles in symbol units (0..width, 0..height); the item scales
 // it into its box.
 struct BarcodeSymbol {
+  std::string symbology;  // "qr", "code128", …: what was asked for
+  std::string data;       // what the symbol encodes
   float width = 0, height = 0;
   std::vector<RectF> bars;
   std::string text;       // the human-readable line, when the symbology shows one
@@ -168,8 +171,17 @@ inline bool operator==(const GroupItem& a, const GroupItem& b) {
 // the tables of "into".
 void AppendPages(Document& into, Document&& more);
 
-// The document as stable text, one line per page and item, for golden tests and diffs.
-std::string Serialize(const Document& document);
+// Where a text item's lines begin once laid out: byte offsets into its text, the first 0. The
+// document stage does not lay text out; the renderer, which does, supplies them.
+using LineStarts =
+    std::function<std::vector<uint32_t>(const TextItem& item, const TextStyle& style)>;
+
+// The document as stable text for golden tests and reviews: its tables (styles, pictures by file
+// name and a hash of their pixels, barcode symbols with their data), then one line per page and
+// item, positions in points to two decimals. A text laid out on more than one line by
+// "line_starts" shows its lines on lines of their own below it, so a moved line break is a
+// changed line in a diff; without "line_starts" each text shows whole on its item's line.
+std::string Serialize(const Document& document, const LineStarts& line_starts = {});
 
 }  // namespace vantorel::report
 

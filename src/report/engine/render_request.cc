@@ -90,7 +90,7 @@ Rendered RenderTemplate(const RenderRequest& request) {
     }
     return *connection;
   };
-  SetClock(services, CurrentPlatform()->Today());
+  SetClock(services, CurrentPlatform()->Now());
   FillResult filled = Fill(*report, settings, services);
   return {std::move(filled.document), std::move(filled.warnings), report->page.printer};
 }

@@ -19,7 +19,30 @@
 
 namespace vantorel::report {
 
+// What our engine does beyond the port's contract.
+struct ReportEngineOptions {
+  // Writes the prepared document's layout (LayoutText) beside every PDF it exports, named as the
+  // PDF with ".layout" for ".pdf". The port has no way to hand a prepared document back, and the
+  // component must not know our engine; an export beside the PDF gives a component print's
+  // layout, the very document the PDF was drawn from, with neither of them changed. For the
+  // layout golden tests and for reviewing where a printed document's boxes and line breaks
+  // landed. Default: false.
+  bool layout_beside_pdf = false;
+};
+
+// Our engine; the component's built-in one.
 std::shared_ptr<engine::Engine> MakeReportEngine();
+// Our engine with options, for a composition place outside the component (a test, a tool) that
+// hands it to CRepoter(engine) or installs it with engine::SetDefaultEngineFactory.
+std::shared_ptr<engine::Engine> MakeReportEngine(const ReportEngineOptions& options);
+
+// "document" as Serialize writes it, with each text's line breaks where DrawPage breaks it: what
+// the layout golden files hold.
+std::string LayoutText(const Document& document);
+
+// The layout file written beside the PDF "pdf_path": ".pdf" (in any case) replaced by ".layout",
+// or ".layout" appended when the path has another ending.
+std::string LayoutPathBeside(const std::string& pdf_path);
 
 // The compiled template at "path", compiled once per file version (size and modification time)
 // and shared. Throws vantorel::Error listing every problem of a bad template.

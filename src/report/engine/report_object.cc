@@ -7,6 +7,8 @@
 #include <optional>
 
 #include "data/connection.h"
+#include "host/atomic_file.h"
+#include "host/native_path.h"
 #include "host/trace.h"
 #include "report/engine/report_engine.h"
 #include "report/expr/text_util.h"
@@ -182,7 +184,10 @@ std::string Printer(const RunState& run) {
 
 class ReportImpl final : public engine::ReportObject {
  public:
-  ReportImpl() : run_(std::make_shared<RunState>()), options_(std::make_shared<Options>(run_)) {}
+  explicit ReportImpl(const ReportEngineOptions& engine_options)
+      : engine_options_(engine_options),
+        run_(std::make_shared<RunState>()),
+        options_(std::make_shared<Options>(run_)) {}
 
   void LoadTemplate(const std::string& file) override {
     run_->report = LoadCompiledTemplate(file);
@@ -265,6 +270,12 @@ class ReportImpl final : public engine::ReportObject {
     void ExportPdf(const std::string& file, bool, bool, bool, bool, const std::string&,
                    const std::string&) override {
       WritePdf(report_->Prepared(), file);
+      if (report_->engine_options_.layout_beside_pdf) {
+        const std::string layout = LayoutPathBeside(file);
+        AtomicFile out(NativePath(layout), layout, {.source = kSource});
+        out.Write(LayoutText(report_->Prepared()));
+        out.Commit();
+      }
     }
 
    private:
@@ -291,7 +302,7 @@ class ReportImpl final : public engine::ReportObject {
       }
       return *state.connection;
     };
-    SetClock(services, CurrentPlatform()->Today());
+    SetClock(services, CurrentPlatform()->Now());
     FillResult result = report::Fill(report, run_->settings, services);
     for (const std::string& warning : result.warnings) {
       trace::Event("Warning").Text("template", report.file).Text("text", warning).Write();
@@ -299,19 +310,28 @@ class ReportImpl final : public engine::ReportObject {
     return std::move(result.document);
   }
 
+  ReportEngineOptions engine_options_;
   std::shared_ptr<RunState> run_;
   std::shared_ptr<Options> options_;
 };
 
 class ReportEngine final : public engine::Engine {
  public:
+  explicit ReportEngine(const ReportEngineOptions& options) : options_(options) {}
   std::shared_ptr<engine::ReportObject> CreateReport() override {
-    return std::make_shared<ReportImpl>();
+    return std::make_shared<ReportImpl>(options_);
   }
+
+ private:
+  ReportEngineOptions options_;
 };
 
 }  // namespace
 
-std::shared_ptr<engine::Engine> MakeReportEngine() { return std::make_shared<ReportEngine>(); }
+std::shared_ptr<engine::Engine> MakeReportEngine() { return MakeReportEngine({}); }
+
+std::shared_ptr<engine::Engine> MakeReportEngine(const ReportEngineOptions& options) {
+  return std::make_shared<ReportEngine>(options);
+}
 
 }  // namespace vantorel::report

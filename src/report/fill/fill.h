@@ -36,8 +36,8 @@ struct FillServices {
   std::string copy_label;  // the value of [CopyLabel]
 };
 
-// Sets [Date] to "today" and [Time] and [Now] from the local clock.
-void SetClock(FillServices& services, Date today);
+// Sets [Now] to "now" (a platform's Now()), [Date] to its day and [Time] to its hour and minute.
+void SetClock(FillServices& services, Date now);
 
 struct FillResult {
   Document document;

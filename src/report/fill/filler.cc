@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <ctime>
 #include <iterator>
 #include <limits>
 #include <type_traits>
@@ -658,16 +657,14 @@ class Filler {
 
 }  // namespace
 
-void SetClock(FillServices& services, Date today) {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
+void SetClock(FillServices& services, Date now) {
+  Date::Parts parts = now.ToParts();
   char time[8];
-  std::snprintf(time, sizeof time, "%02d:%02d", local.tm_hour, local.tm_min);
-  services.today = today;
+  std::snprintf(time, sizeof time, "%02d:%02d", parts.hour, parts.minute);
   services.time = time;
-  services.now = today;
-  services.now.serial += (local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec) / 86400.0;
+  services.now = now;
+  parts.hour = parts.minute = parts.second = 0;
+  services.today = Date::FromParts(parts);
 }
 
 namespace {

@@ -5,6 +5,7 @@
 #include "report/render/draw_page.h"
 #include "report/render/draw_parts.h"
 #include "report/render/painter.h"
+#include "report/render/text_lines.h"
 #include "report/text/layout.h"
 
 namespace vantorel::report {
@@ -85,6 +86,17 @@ void PaintRuns(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style)
     cairo_rectangle(cr, r.x, r.y, r.width, r.height);
     cairo_fill(cr);
   });
+}
+
+int Rotation(const TextStyle& style) { return ((style.rotation % 360) + 360) % 360; }
+
+// The line width a text box lays its text out in: the box less its padding; rotated text runs
+// along the box's height, so its lines are as long as the box is tall.
+float FrameWidth(const TextStyle& style, const RectF& box) {
+  const Padding& pad = style.padding;
+  const int rotation = Rotation(style);
+  return rotation == 90 || rotation == 270 ? std::max(0.0f, box.height - pad.top - pad.bottom)
+                                           : std::max(0.0f, box.width - pad.left - pad.right);
 }
 
 bool IsVector(cairo_surface_t* surface) {
@@ -172,10 +184,9 @@ void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box,
     const float inner_y = box.y + pad.top;
     const float inner_width = std::max(0.0f, box.width - pad.left - pad.right);
     const float inner_height = std::max(0.0f, box.height - pad.top - pad.bottom);
-    const int rotation = ((style.rotation % 360) + 360) % 360;
+    const int rotation = Rotation(style);
     const bool sideways = rotation == 90 || rotation == 270;
-    // Rotated text runs along the box's height: its lines are as long as the box is tall.
-    const float frame_width = sideways ? inner_height : inner_width;
+    const float frame_width = FrameWidth(style, box);
     const float frame_height = sideways ? inner_width : inner_height;
 
     const auto laid_out = text::LayOut(text, style, frame_width);
@@ -204,5 +215,15 @@ void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box,
 }
 
 }  // namespace render
+
+std::vector<uint32_t> TextLineStarts(const TextStyle& style, const RectF& box,
+                                     std::string_view text) {
+  std::vector<uint32_t> starts;
+  if (text.empty()) return starts;
+  for (const text::TextLine& line : text::LayOut(text, style, FrameWidth(style, box))->lines) {
+    starts.push_back(line.begin);
+  }
+  return starts;
+}
 
 }  // namespace vantorel::report

@@ -143,5 +143,60 @@ TEST_F(EngineTest, AnUnwritablePdfPathFailsAndLeavesNothing) {
   EXPECT_TRUE(std::filesystem::is_directory(folder));
 }
 
+TEST_F(EngineTest, TheLayoutIsWrittenBesideThePdfOnlyWhenAsked) {
+  rep_.SetVars();
+  rep_.SuperReport("challan");
+  EXPECT_TRUE(std::filesystem::exists(dir_.path() / "export.pdf"));
+  EXPECT_FALSE(std::filesystem::exists(dir_.path() / "export.layout")) << "not unless asked";
+
+  CRepoter rep(report::MakeReportEngine({.layout_beside_pdf = true}));
+  rep.put_ReportPath(dir_.folder() + "reports/");
+  rep.put_DbConnectstring(db_);
+  rep.put_RptPDF(kTrue);
+  rep.put_AppPath(dir_.path().string());
+  rep.SetVars();
+  rep.SuperReport("challan");
+  EXPECT_TRUE(std::filesystem::exists(dir_.path() / "export.pdf")) << "the PDF as ever";
+  const std::string layout = ReadFile((dir_.path() / "export.layout").string());
+  EXPECT_EQ(layout.rfind("document \"Delivery Challan\" pages=1\n", 0), 0u) << layout;
+  EXPECT_NE(layout.find(" \"Customer: Ramesh Dattatray Patil\"\n"), std::string::npos) << layout;
+}
+
+TEST_F(EngineTest, TheLayoutShowsWhereATextBreaks) {
+  const std::string words = "Received with thanks from Ramesh Dattatray Patil";
+  dir_.Write("reports/wrapped.fr3",
+             "<report format=\"vantorel-template\" version=\"1\" name=\"wrapped\">\n"
+             "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n"
+             "<title height=\"30mm\"><text width=\"30mm\" height=\"25mm\">" +
+                 words + "</text></title>\n</report>\n");
+  CRepoter rep(report::MakeReportEngine({.layout_beside_pdf = true}));
+  rep.put_ReportPath(dir_.folder() + "reports/");
+  rep.put_DbConnectstring(db_);
+  rep.put_RptPDF(kTrue);
+  rep.put_PDFPath(dir_.path().string() + "/wrapped.PDF");
+  rep.SetVars();
+  rep.SuperReport("wrapped");
+  const std::string layout = ReadFile(dir_.path().string() + "/wrapped.layout");
+  // Each line of the text on a line of its own after "| ", together the whole text.
+  std::string joined;
+  int lines = 0;
+  for (size_t at = layout.find("\n    | \""); at != std::string::npos;
+       at = layout.find("\n    | \"", at + 1)) {
+    const size_t begin = at + 8;
+    joined += layout.substr(begin, layout.find("\"\n", begin) - begin);
+    ++lines;
+  }
+  EXPECT_GE(lines, 3) << layout;
+  EXPECT_EQ(joined, words) << layout;
+  EXPECT_NE(layout.find(" lines=" + std::to_string(lines) + "\n"), std::string::npos) << layout;
+}
+
+TEST(LayoutPathBesideTest, TakesThePlaceOfThePdfEnding) {
+  EXPECT_EQ(report::LayoutPathBeside("/srv/out/invoice-12.pdf"), "/srv/out/invoice-12.layout");
+  EXPECT_EQ(report::LayoutPathBeside("C:\\App\\EXPORT.PDF"), "C:\\App\\EXPORT.layout");
+  EXPECT_EQ(report::LayoutPathBeside("/srv/out/invoice"), "/srv/out/invoice.layout");
+  EXPECT_EQ(report::LayoutPathBeside(".pdf"), ".pdf.layout");
+}
+
 }  // namespace
 }  // namespace vantorel::testing

@@ -561,6 +561,21 @@ TEST_F(FillTest, NowCarriesTheTimeOfDay) {
   EXPECT_EQ(texts[2].substr(0, bar), texts[2].substr(bar + 1)) << "Now is today";
 }
 
+TEST_F(FillTest, DateTimeAndNowComeFromThePlatformsClock) {
+  testing::PlatformScope platform;
+  platform->SetToday(Date::FromYmd(2024, 4, 15));
+  platform->SetTimeOfDay(14, 5);
+  const Rendered rendered = Render(R"t(
+    <title height="6mm">
+      <text width="20mm" height="6mm">[Time]</text>
+      <text left="20mm" width="50mm" height="6mm">[FormatDate(Now, "dd-mm-yyyy hh:nn")]</text>
+      <text left="70mm" width="50mm" height="6mm">[FormatDate(Date, "dd-mm-yyyy hh:nn")]</text>
+    </title>
+  )t");
+  EXPECT_EQ(Texts(rendered.document, 0),
+            (std::vector<std::string>{"14:05", "15-04-2024 14:05", "15-04-2024 00:00"}));
+}
+
 TEST_F(FillTest, FooterCanPrintOnlyOnTheLastPage) {
   const Rendered rendered = Render(R"t(
     <query name="Q"><sql>select n from many where n &lt;= 70 order by n</sql></query>

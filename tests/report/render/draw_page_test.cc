@@ -4,10 +4,13 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 #include "report/barcode/barcode.h"
 #include "report/render/draw_parts.h"
 #include "report/render/pixel_compare.h"
+#include "report/render/text_lines.h"
+#include "report/text/text_layout.h"
 
 namespace vantorel::report {
 namespace {
@@ -369,6 +372,39 @@ TEST(DrawPageTest, BrokenReferencesAreSkipped) {
   page.items.push_back(BarcodeItem{{0, 0, 100, 100}, 3, Color::Black(), Color::None()});
   const auto surface = RenderPage(document, page);
   EXPECT_FALSE(FindInk(surface.get()));
+}
+
+TEST(TextLineStartsTest, AWrappedTextBreaksBetweenWordsAndCoversItAll) {
+  const std::string text = "Received with thanks from Ramesh Dattatray Patil";
+  const TextStyle style;
+  const std::vector<uint32_t> starts = TextLineStarts(style, {0, 0, 80, 100}, text);
+  ASSERT_GE(starts.size(), 3u);
+  EXPECT_EQ(starts[0], 0u);
+  for (size_t i = 1; i < starts.size(); ++i) {
+    EXPECT_GT(starts[i], starts[i - 1]);
+    EXPECT_EQ(text[starts[i] - 1], ' ') << "line " << i << " starts inside a word";
+  }
+  EXPECT_EQ(TextLineStarts(style, {0, 0, 400, 100}, text), std::vector<uint32_t>{0})
+      << "a wide box takes it on one line";
+  EXPECT_TRUE(TextLineStarts(style, {0, 0, 80, 100}, "").empty());
+}
+
+TEST(TextLineStartsTest, PaddingNarrowsTheLines) {
+  const std::string text = "Helmet Crash guard";
+  TextStyle style;
+  style.padding = {0, 0, 0, 0};
+  const float width = text::MeasureText(text, style, 1000).width;
+  EXPECT_EQ(TextLineStarts(style, {0, 0, width + 1, 50}, text).size(), 1u);
+  style.padding = {3, 0, 3, 0};
+  EXPECT_EQ(TextLineStarts(style, {0, 0, width + 1, 50}, text).size(), 2u);
+}
+
+TEST(TextLineStartsTest, RotatedTextBreaksAlongTheBoxHeight) {
+  const std::string text = "Received with thanks from Ramesh Dattatray Patil";
+  TextStyle style;
+  style.rotation = 90;
+  EXPECT_EQ(TextLineStarts(style, {0, 0, 80, 400}, text).size(), 1u);
+  EXPECT_GE(TextLineStarts(style, {0, 0, 400, 80}, text).size(), 3u);
 }
 
 }  // namespace
