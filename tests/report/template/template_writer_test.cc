@@ -14,6 +14,109 @@
 namespace vantorel::report {
 namespace {
 
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream content;
+  content << in.rdbuf();
+  return content.str();
+}
+
+std::vector<std::filesystem::path> FilesIn(const std::string& folder) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(std::string(VANTOREL_SOURCE_DIR) + "/" + folder)) {
+    if (entry.path().extension() == ".fr3") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// The first line where "a" and "b" differ, for messages.
+std::string FirstDifference(const std::string& a, const std::string& b) {
+  const auto la = Lines(a), lb = Lines(b);
+  for (size_t i = 0; i < std::max(la.size(), lb.size()); ++i) {
+    const std::string x = i < la.size() ? la[i] : "<none>", y = i < lb.size() ? lb[i] : "<none>";
+    if (x != y) return "line " + std::to_string(i + 1) + ":\n  was: " + x + "\n  now: " + y;
+  }
+  return "the same lines";
+}
+
+TEST(TemplateWriter, ShippedTemplatesSaveByteForByte) {
+  size_t checked = 0;
+  for (const char* folder : {"templates", "bench/templates", "fuzz/corpus/template"}) {
+    for (const auto& path : FilesIn(folder)) {
+      const std::string xml = ReadFile(path);
+      std::vector<Problem> problems;
+      const Template design = ParseTemplate(xml, path.string(), problems);
+      // The fuzzing corpus holds broken templates on purpose; the shipped ones must all read.
+      if (std::string_view(folder) != "fuzz/corpus/template") {
+        EXPECT_TRUE(problems.empty()) << FormatProblems(problems);
+      }
+      if (!problems.empty()) continue;
+      const std::string saved = WriteTemplate(design);
+      EXPECT_EQ(saved, xml) << path << " " << FirstDifference(xml, saved);
+      ++checked;
+    }
+  }
+  EXPECT_GE(checked, 42u + 2u);
+}
+
+// The lines of "after" that differ from "before", which must have as many lines.
+std::vector<std::pair<std::string, std::string>> ChangedLines(const std::string& before,
+                                                              const std::string& after) {
+  const auto a = Lines(before), b = Lines(after);
+  EXPECT_EQ(a.size(), b.size());
+  std::vector<std::pair<std::string, std::string>> changed;
+  for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+    if (a[i] != b[i]) changed.emplace_back(a[i], b[i]);
+  }
+  return changed;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const size_t at = text.find(from);
+  if (at != std::string::npos) text.replace(at, from.size(), to);
+  return text;
+}
+
+TEST(TemplateWriter, AnObjectMadeWiderSavesAsThatWidthOnly) {
+  const std::string path = std::string(VANTOREL_SOURCE_DIR) + "/templates/bulkreceipt.fr3";
+  const std::string xml = ReadFile(path);
+  Template design = ParseTemplate(xml, path);
+  TextObject* caption = nullptr;
+  for (DesignObject& object : design.title->objects) {
+    auto* text = std::get_if<TextObject>(&object);
+    if (text != nullptr && text->text == "Received from") caption = text;
+  }
+  ASSERT_NE(caption, nullptr);
+  ASSERT_EQ(caption->box.width, static_cast<float>(Mm(32)));
+  caption->box.width = static_cast<float>(Mm(35.5));
+  const auto changed = ChangedLines(xml, WriteTemplate(design));
+  ASSERT_EQ(changed.size(), 1u);
+  EXPECT_EQ(changed[0].second, Replaced(changed[0].first, "width=\"32mm\"", "width=\"35.5mm\""));
+  EXPECT_NE(changed[0].first, changed[0].second);
+}
+
+TEST(TemplateWriter, AStyleRecolouredSavesAsThatColourOnly) {
+  const std::string path = std::string(VANTOREL_SOURCE_DIR) + "/templates/bulkreceipt.fr3";
+  const std::string xml = ReadFile(path);
+  Template design = ParseTemplate(xml, path);
+  Style& key = design.styles.at(1);
+  ASSERT_EQ(key.name, "key");
+  key.spec.color = Color{0x12, 0x34, 0x56, 255};
+  const auto changed = ChangedLines(xml, WriteTemplate(design));
+  ASSERT_EQ(changed.size(), 1u);
+  EXPECT_EQ(changed[0].second,
+            Replaced(changed[0].first, "color=\"#555555\"", "color=\"#123456\""));
+}
+
 TEST(TemplateWriter, ALengthChangedKeepsItsUnit) {
   Template design = ParseTemplate(R"(<?xml version="1.0" encoding="UTF-8"?>
 <report format="vantorel-template" version="1">
