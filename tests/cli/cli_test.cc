@@ -10,6 +10,8 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <thread>
@@ -349,6 +351,32 @@ TEST_F(CliCall, CheckReportsProblemsAndContracts) {
   EXPECT_NE(missing.out.find("Challan_Customer needs a text named \"WORDS\""), std::string::npos)
       << missing.out;
   EXPECT_NE(missing.out.find("query named \"Q_CHL\""), std::string::npos) << missing.out;
+}
+
+// Templates written by hand are rewritten in the writer's layout; one with problems is left alone.
+TEST_F(CliCall, FormatRewritesTemplatesInTheWritersLayout) {
+  const std::string loose = dir_.Write("t/loose.fr3", R"(<report format="vantorel-template"
+    version="1"><title   height="5mm"><text width="10mm"
+    height="5mm">A</text></title></report>)");
+  const std::string broken = dir_.Write("t/broken.fr3", "<report format=\"vantorel-template\"/>");
+  const Result result = Vantorel("format " + loose + " " + broken);
+  EXPECT_EQ(result.status, 1) << result.out;
+  EXPECT_NE(result.out.find(loose + ": rewritten"), std::string::npos) << result.out;
+  std::ifstream in(loose);
+  const std::string formatted((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_EQ(formatted, R"(<?xml version="1.0" encoding="UTF-8"?>
+<report format="vantorel-template" version="1">
+  <title height="5mm">
+    <text width="10mm" height="5mm">A</text>
+  </title>
+</report>
+)");
+  std::ifstream broken_in(broken);
+  EXPECT_EQ(std::string((std::istreambuf_iterator<char>(broken_in)), {}),
+            "<report format=\"vantorel-template\"/>");
+  const Result again = Vantorel("format " + loose);
+  EXPECT_EQ(again.status, 0);
+  EXPECT_NE(again.out.find(loose + ": unchanged"), std::string::npos) << again.out;
 }
 
 }  // namespace

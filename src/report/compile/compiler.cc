@@ -159,7 +159,8 @@ class Compiler {
                  "drop \"per-sheet\" or print on cut sheets");
     }
 
-    for (const std::string& database : design_.databases) {
+    for (const Database& declared : design_.databases) {
+      const std::string& database = declared.name;
       if (r.FindDatabase(database) >= 0)
         AddProblem(0, "database \"" + database + "\" is declared twice");
       r.databases.push_back(database);
@@ -251,7 +252,12 @@ class Compiler {
   }
 
   void ResolveStyles() {
-    for (const auto& [name, spec] : design_.styles) {
+    // By name, as problems without a line are listed.
+    std::vector<std::string> names;
+    for (const Style& style : design_.styles) names.push_back(style.name);
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    for (const std::string& name : names) {
       std::vector<std::string> chain;
       std::string current = name;
       while (!current.empty()) {
@@ -260,13 +266,13 @@ class Compiler {
           break;
         }
         chain.push_back(current);
-        const auto it = design_.styles.find(current);
-        if (it == design_.styles.end()) {
+        const Style* style = design_.FindStyle(current);
+        if (style == nullptr) {
           AddProblem(0, "style \"" + chain[chain.size() - 2] + "\" is based on \"" + current +
                             "\", which does not exist");
           break;
         }
-        current = it->second.based_on;
+        current = style->spec.based_on;
       }
     }
   }
@@ -296,16 +302,16 @@ class Compiler {
   }
 
   void ApplyNamed(const std::string& name, TextStyle& style, int depth = 0) {
-    const auto it = design_.styles.find(name);
-    if (it == design_.styles.end() || depth > 16) return;
-    if (!it->second.based_on.empty()) ApplyNamed(it->second.based_on, style, depth + 1);
-    Apply(it->second, style);
+    const Style* named = design_.FindStyle(name);
+    if (named == nullptr || depth > 16) return;
+    if (!named->spec.based_on.empty()) ApplyNamed(named->spec.based_on, style, depth + 1);
+    Apply(named->spec, style);
   }
 
   uint32_t StyleOf(const TextObject& text) {
     TextStyle style;
     if (!text.style_name.empty()) {
-      if (!design_.styles.count(text.style_name)) {
+      if (design_.FindStyle(text.style_name) == nullptr) {
         AddProblem(text.line, "style \"" + text.style_name + "\" does not exist",
                    "define it with <style name=\"" + text.style_name + "\" …/>");
       }

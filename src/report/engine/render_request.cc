@@ -60,16 +60,16 @@ Rendered RenderTemplate(const RenderRequest& request) {
       throw Error(errnum::kItemNotFound, kSource,
                   "query \"" + setting.owner + "\" has no parameter \"" + setting.name + "\"");
     }
-    settings.parameters[query][expr::AsciiUpper(setting.name)] =
+    settings.parameters[expr::AsciiUpper(setting.owner)][expr::AsciiUpper(setting.name)] =
         Typed(*found, setting.value, setting.owner);
   }
   for (const RenderRequest::Setting& setting : request.variables) {
-    const int variable = report->FindVariable(setting.owner, setting.name);
-    if (variable < 0) {
+    if (report->FindVariable(setting.owner, setting.name) < 0) {
       throw Error(errnum::kItemNotFound, kSource,
                   "the template has no variable \"" + setting.owner + "." + setting.name + "\"");
     }
-    settings.variables[variable] = setting.value;
+    settings.variables[{expr::AsciiUpper(setting.owner), expr::AsciiUpper(setting.name)}] =
+        setting.value;
   }
   std::vector<std::unique_ptr<data::Connection>> connections(report->databases.size());
   std::vector<std::string> strings(report->databases.size());

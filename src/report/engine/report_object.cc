@@ -52,24 +52,23 @@ struct RunState {
 
 class Memo final : public engine::MemoObject {
  public:
-  Memo(std::shared_ptr<RunState> run, std::string name, int memo)
-      : run_(std::move(run)), name_(std::move(name)), memo_(memo) {}
+  Memo(std::shared_ptr<RunState> run, std::string name)
+      : run_(std::move(run)), name_(std::move(name)) {}
   const std::string& Name() const override { return name_; }
   void SetMemoText(const std::string& text) override {
-    run_->settings.memo_texts[memo_] = text;
+    run_->settings.memo_texts[expr::AsciiUpper(name_)] = text;
     run_->Changed();
   }
 
  private:
   std::shared_ptr<RunState> run_;
   std::string name_;
-  int memo_;
 };
 
 class Parameter final : public engine::QueryParameter {
  public:
-  Parameter(std::shared_ptr<RunState> run, int query, std::string key)
-      : run_(std::move(run)), query_(query), key_(std::move(key)) {}
+  Parameter(std::shared_ptr<RunState> run, std::string query, std::string key)
+      : run_(std::move(run)), query_(std::move(query)), key_(std::move(key)) {}
   void SetParameterValue(const engine::ParameterValue& value) override {
     data::ParamValue converted = std::visit(
         [](const auto& v) -> data::ParamValue {
@@ -88,23 +87,26 @@ class Parameter final : public engine::QueryParameter {
 
  private:
   std::shared_ptr<RunState> run_;
-  int query_;
+  std::string query_;  // upper case
   std::string key_;
 };
 
 class Query final : public engine::QueryObject {
  public:
-  Query(std::shared_ptr<RunState> run, std::string name, int query)
-      : run_(std::move(run)), name_(std::move(name)), query_(query) {}
+  Query(std::shared_ptr<RunState> run, std::string name)
+      : run_(std::move(run)), name_(std::move(name)), key_(expr::AsciiUpper(name_)) {}
   const std::string& Name() const override { return name_; }
   void SetQueryText(const std::string& sql) override {
-    run_->settings.query_sql[query_] = sql;
+    run_->settings.query_sql[key_] = sql;
     run_->Changed();
   }
   std::shared_ptr<engine::QueryParameter> GetQueryParameter(const std::string& name) override {
-    for (const CompiledParam& param : run_->Report().queries[static_cast<size_t>(query_)].params) {
+    const CompiledReport& report = run_->Report();
+    const int query = report.FindQuery(name_);
+    if (query < 0) return nullptr;
+    for (const CompiledParam& param : report.queries[static_cast<size_t>(query)].params) {
       if (expr::AsciiUpper(param.name) == expr::AsciiUpper(name)) {
-        return std::make_shared<Parameter>(run_, query_, expr::AsciiUpper(name));
+        return std::make_shared<Parameter>(run_, key_, expr::AsciiUpper(name));
       }
     }
     return nullptr;
@@ -113,7 +115,7 @@ class Query final : public engine::QueryObject {
  private:
   std::shared_ptr<RunState> run_;
   std::string name_;
-  int query_;
+  std::string key_;  // the name, upper case
 };
 
 class Database final : public engine::DatabaseObject {
@@ -206,9 +208,9 @@ class ReportImpl final : public engine::ReportObject {
     if (entry == nullptr) return nullptr;
     switch (entry->kind) {
       case ComponentEntry::Kind::kMemo:
-        return std::make_shared<Memo>(run_, name, entry->index);
+        return std::make_shared<Memo>(run_, name);
       case ComponentEntry::Kind::kQuery:
-        return std::make_shared<Query>(run_, name, entry->index);
+        return std::make_shared<Query>(run_, name);
       case ComponentEntry::Kind::kDatabase:
         return std::make_shared<Database>(run_, name, entry->index);
       case ComponentEntry::Kind::kOther:
@@ -219,9 +221,10 @@ class ReportImpl final : public engine::ReportObject {
 
   void SetTemplateVariable(const std::string& category, const std::string& name,
                            const std::string& value) override {
-    const int index = run_->Report().FindVariable(category, name);
     // A variable the template does not declare cannot appear in it: nothing to change.
-    if (index >= 0) run_->settings.variables[index] = value;
+    if (run_->Report().FindVariable(category, name) >= 0) {
+      run_->settings.variables[{expr::AsciiUpper(category), expr::AsciiUpper(name)}] = value;
+    }
     run_->Changed();
   }
 

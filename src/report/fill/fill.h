@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/connection.h"
@@ -17,21 +18,25 @@
 
 namespace vantorel::report {
 
-// What a print run changed in the template before filling.
+// What a print run changed in the template before filling, held by component name (upper case)
+// so that settings made before a template was edited still find their components. Names are
+// resolved to the compiled report's indexes when the fill starts; a name the report does not
+// have is ignored.
 struct RunSettings {
-  std::map<int, std::string> memo_texts;  // memo index → text set at run time
-  std::map<int, std::string> query_sql;   // query index → SQL set at run time
-  // query index → parameter name (upper case) → value set at run time
-  std::map<int, std::map<std::string, data::ParamValue>> parameters;
-  std::map<int, std::string> variables;  // variable index → value expression set at run time
+  std::map<std::string, std::string> memo_texts;  // memo name → text set at run time
+  std::map<std::string, std::string> query_sql;   // query name → SQL set at run time
+  // query name → parameter name → value set at run time
+  std::map<std::string, std::map<std::string, data::ParamValue>> parameters;
+  // (category, name) → value expression set at run time; an empty category matches any
+  std::map<std::pair<std::string, std::string>, std::string> variables;
 };
 
 struct FillServices {
   // The open connection of database "index"; throws vantorel::Error when it has none.
   std::function<data::Connection&(int index)> connection;
-  Date today;             // the value of [Date]
-  Date now;               // the value of [Now]: today with the time of day
-  std::string time = "";  // the value of [Time] ("HH:MM")
+  Date today;              // the value of [Date]
+  Date now;                // the value of [Now]: today with the time of day
+  std::string time = "";   // the value of [Time] ("HH:MM")
   int copy = 1;            // the value of [Copy]; Fill sets it for each copy
   std::string copy_label;  // the value of [CopyLabel]
 };

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <type_traits>
 #include <variant>
 
@@ -19,6 +20,39 @@
 
 namespace vantorel::report {
 namespace {
+
+// The run's settings with component names resolved to the report's indexes.
+struct BoundSettings {
+  std::map<int, std::string> memo_texts;
+  std::map<int, std::string> query_sql;
+  std::map<int, std::map<std::string, data::ParamValue>> parameters;  // parameter names upper case
+  std::map<int, std::string> variables;
+};
+
+BoundSettings Bind(const CompiledReport& report, const RunSettings& settings) {
+  BoundSettings bound;
+  for (const auto& [name, text] : settings.memo_texts) {
+    const ComponentEntry* entry = report.Find(name);
+    if (entry != nullptr && entry->kind == ComponentEntry::Kind::kMemo && entry->index >= 0) {
+      bound.memo_texts[entry->index] = text;
+    }
+  }
+  for (const auto& [name, sql] : settings.query_sql) {
+    if (const int query = report.FindQuery(name); query >= 0) bound.query_sql[query] = sql;
+  }
+  for (const auto& [name, values] : settings.parameters) {
+    const int query = report.FindQuery(name);
+    if (query < 0) continue;
+    for (const auto& [parameter, value] : values) {
+      bound.parameters[query][expr::AsciiUpper(parameter)] = value;
+    }
+  }
+  for (const auto& [key, value] : settings.variables) {
+    const int variable = report.FindVariable(key.first, key.second);
+    if (variable >= 0) bound.variables[variable] = value;
+  }
+  return bound;
+}
 
 data::ParamValue ToParam(const expr::Value& value) {
   switch (value.kind()) {
@@ -125,7 +159,7 @@ struct PlacedDeferred {
 class Filler {
  public:
   // Lays "report" out on pages of "page" (the report's own, or one copy's slot of a sheet).
-  Filler(const CompiledReport& report, const RunSettings& settings, const FillServices& services,
+  Filler(const CompiledReport& report, const BoundSettings& settings, const FillServices& services,
          const PageSetup& page)
       : report_(report),
         page_(page),
@@ -624,7 +658,7 @@ class Filler {
 
   const CompiledReport& report_;
   const PageSetup page_;
-  const RunSettings& settings_;
+  const BoundSettings& settings_;
   const FillServices& services_;
   RunTables tables_;
   std::vector<QueryCursor> cursors_;
@@ -671,7 +705,7 @@ namespace {
 
 // One copy of the report on pages of "page"; laid out again knowing the page count when a
 // condition reads it (a condition may change the count, so until it holds).
-FillResult FillCopy(const CompiledReport& report, const RunSettings& settings,
+FillResult FillCopy(const CompiledReport& report, const BoundSettings& settings,
                     const FillServices& services, const PageSetup& page) {
   FillResult result = Filler(report, settings, services, page).Run();
   if (!ConditionsReadTotalPages(report)) return result;
@@ -733,8 +767,9 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
 
 }  // namespace
 
-FillResult Fill(const CompiledReport& report, const RunSettings& settings,
+FillResult Fill(const CompiledReport& report, const RunSettings& run_settings,
                 const FillServices& services) {
+  const BoundSettings settings = Bind(report, run_settings);
   const CopySetup& copies = report.copies;
   if (copies.count <= 1 && copies.per_sheet <= 1) {
     return FillCopy(report, settings, services, report.page);

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -19,6 +20,37 @@
 namespace vantorel::report {
 
 constexpr int kTemplateFormatVersion = 1;
+
+// A comment of the template file, kept with the element it precedes.
+struct Note {
+  std::string text;                // between "<!--" and "-->"
+  bool blank_line_before = false;  // an empty line separates it from what precedes it
+};
+
+// An attribute as the template file wrote it.
+struct WrittenAttribute {
+  std::string name;
+  std::string text;  // the value as written ("12mm", "A4", "True", "gray")
+  std::string key;   // the value it stood for, formatted in points; while the model still holds
+                     // that value the writer writes "text" back unchanged
+};
+
+// What the template file wrote about an element beyond its meaning: the attributes it gave, in
+// their order and spelling, its comments and spacing. Saving an edited design keeps all of it,
+// so the file changes only where the design did. A design made in code leaves it empty and gets
+// the writer's own layout (docs/template-format.md).
+struct Written {
+  std::vector<WrittenAttribute> attributes;  // in the order written
+  std::vector<Note> notes;                   // comments just before the element
+  bool blank_line_before = false;
+  std::vector<std::string> order;   // the names of its child elements, in the order written
+  std::vector<Note> closing_notes;  // comments before its end tag
+  bool cdata = false;               // its text (a <text>, an <sql>) is one CDATA section
+
+  // Forgets that the file gave attribute "name", so the writer leaves it out when the design
+  // holds its default.
+  void Forget(std::string_view name);
+};
 
 // A text style as a template writes it: every field optional, so a named style, the object's
 // own attributes and the defaults combine.
@@ -50,6 +82,7 @@ struct ObjectCommon {
   RectF box;               // points, relative to the band's top left
   std::string print_when;  // expression; empty: always
   int line = 0;            // in the template file
+  Written written;
 };
 
 struct TextObject : ObjectCommon {
@@ -126,6 +159,7 @@ struct Band {
   std::vector<DesignObject> objects;
   std::vector<Band> children;  // child bands, printed right after this one
   int line = 0;
+  Written written;
 };
 
 struct Group {
@@ -137,6 +171,7 @@ struct Group {
   std::optional<Band> header;
   std::optional<Band> footer;
   int line = 0;
+  Written written;
 };
 
 struct DataBand {
@@ -157,6 +192,7 @@ struct QueryParam {
   std::string default_value;  // as text in the type's form ("12", "2024-03-31"); empty: NULL
   std::string value;          // expression evaluated when the query runs, e.g. "[Q_INV.id]"
   int line = 0;
+  Written written;
 };
 
 struct Query {
@@ -165,6 +201,8 @@ struct Query {
   std::string sql;
   std::vector<QueryParam> params;
   int line = 0;
+  Written written;
+  Written sql_written;
 };
 
 struct Variable {
@@ -172,6 +210,20 @@ struct Variable {
   std::string name;
   std::string value;  // an expression ("\"C:\\Logos\\firm.png\"")
   int line = 0;
+  Written written;
+};
+
+struct Database {
+  std::string name;
+  int line = 0;
+  Written written;
+};
+
+struct Style {
+  std::string name;
+  StyleSpec spec;
+  int line = 0;
+  Written written;
 };
 
 struct PageSetup {
@@ -192,7 +244,9 @@ struct CopySetup {
   int count = 1;
   int per_sheet = 1;
   std::vector<std::string> labels;  // [CopyLabel] of copy 1, 2…; a copy without one has ""
-  int line = 0;                     // in the template file
+  int line = 0;                     // in the template file; 0: the template has no <copies>
+  Written written;
+  std::vector<Written> labels_written;  // of each <copy>
 };
 
 inline constexpr int kMaxCopies = 10;
@@ -204,12 +258,18 @@ struct Template {
   Metadata info;
   PageSetup page;
   CopySetup copies;
-  std::vector<std::string> databases;
+  std::vector<Database> databases;
   std::vector<Query> queries;
   std::vector<Variable> variables;
-  std::map<std::string, StyleSpec> styles;
+  std::vector<Style> styles;  // in the order written
   std::optional<Band> page_header, page_footer, title, summary, column_header, column_footer;
   std::vector<DataBand> data;
+  bool has_page = false;  // the template has a <page> (else A4 portrait, 10 mm margins)
+  Written written;        // of <report>; its notes are the comments before it
+  Written info_written, page_written;
+
+  // The style named "wanted" (exact case, as styles are referred to), or nullptr.
+  const Style* FindStyle(std::string_view wanted) const;
 };
 
 }  // namespace vantorel::report

@@ -1,5 +1,5 @@
-// Reading templates: the ".fr3" XML into the design model, reporting every problem at once with
-// its line and a hint.
+// Reading and writing templates: the ".fr3" XML into the design model, reporting every problem at
+// once with its line and a hint, and the design model back into XML.
 //
 // Thread-safety: pure functions.
 #ifndef VANTOREL_REPORT_TEMPLATE_TEMPLATE_IO_H_
@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "report/template/design.h"
@@ -49,6 +50,15 @@ class TemplateError : public std::runtime_error {
  private:
   std::vector<Problem> problems_;
 };
+
+// Writes "design" as template XML in the layout docs/template-format.md describes, keeping what
+// the file it was read from wrote (Written): a template read and written unchanged gives the
+// same bytes when its file is in that layout, and an edit changes the file only where it was made.
+std::string WriteTemplate(const Template& design);
+
+// The [expressions] of a text: their byte ranges, brackets included. Brackets nest, quotes hide
+// them, and "[[" is a literal "[".
+std::vector<std::pair<size_t, size_t>> ExpressionSpans(std::string_view text);
 
 // Parses template XML; "file" names it in problems. Throws TemplateError with all problems.
 Template ParseTemplate(std::string_view xml, const std::string& file);

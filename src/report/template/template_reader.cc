@@ -15,13 +15,14 @@
 
 #include "host/native_path.h"
 #include "report/expr/text_util.h"
+#include "report/template/attributes.h"
 #include "report/template/template_io.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
 namespace {
 
-std::string Suggest(std::string_view word, std::initializer_list<const char*> known) {
+std::string Suggest(std::string_view word, const std::vector<const char*>& known) {
   const char* best = nullptr;
   size_t best_distance = 3;
   for (const char* candidate : known) {
@@ -156,7 +157,8 @@ std::optional<size_t> ClosingBracket(std::string_view text, size_t open) {
   return expr::ClosingBracket(text, open, false);
 }
 
-// The [expressions] of a text: their byte ranges, brackets included.
+}  // namespace
+
 std::vector<std::pair<size_t, size_t>> ExpressionSpans(std::string_view text) {
   std::vector<std::pair<size_t, size_t>> spans;
   size_t i = 0;
@@ -175,6 +177,8 @@ std::vector<std::pair<size_t, size_t>> ExpressionSpans(std::string_view text) {
   return spans;
 }
 
+namespace {
+
 class Reader {
  public:
   Reader(std::string_view xml, std::string file) : xml_(xml), file_(std::move(file)) {
@@ -189,7 +193,8 @@ class Reader {
     pugi::xml_document doc;
     const pugi::xml_parse_result parsed =
         doc.load_buffer(xml_.data(), xml_.size(),
-                        pugi::parse_default | pugi::parse_ws_pcdata_single, pugi::encoding_utf8);
+                        pugi::parse_default | pugi::parse_ws_pcdata_single | pugi::parse_comments,
+                        pugi::encoding_utf8);
     if (!parsed) {
       Add(LineOfOffset(static_cast<size_t>(std::max<ptrdiff_t>(parsed.offset, 0))),
           std::string("not well-formed XML: ") + parsed.description(),
@@ -391,7 +396,7 @@ class Reader {
     problems_.push_back({file_, line, std::move(message), std::move(hint)});
   }
 
-  void CheckAttributes(const pugi::xml_node& node, std::initializer_list<const char*> allowed) {
+  void CheckAttributes(const pugi::xml_node& node, const std::vector<const char*>& allowed) {
     for (const pugi::xml_attribute& attribute : node.attributes()) {
       const std::string_view name = attribute.name();
       if (std::none_of(allowed.begin(), allowed.end(), [&](const char* a) { return name == a; })) {
@@ -403,9 +408,73 @@ class Reader {
   }
 
   void Unknown(const pugi::xml_node& node, const char* where,
-               std::initializer_list<const char*> allowed) {
+               const std::vector<const char*>& allowed) {
     Add(Line(node), std::string("<") + node.name() + "> is not allowed in " + where,
         Suggest(node.name(), allowed));
+  }
+
+  // Whether an empty line separates "node" from what precedes it.
+  bool BlankLineBefore(const pugi::xml_node& node) const {
+    size_t at = static_cast<size_t>(std::max<ptrdiff_t>(node.offset_debug(), 0));
+    at = std::min(at, xml_.size());
+    if (node.type() == pugi::node_comment) {
+      at = xml_.rfind("<!--", at);
+    } else {
+      at = xml_.rfind('<', at);
+    }
+    if (at == std::string_view::npos) return false;
+    int lines = 0;
+    while (at > 0 && std::string_view(" \t\r\n").find(xml_[at - 1]) != std::string_view::npos) {
+      if (xml_[--at] == '\n') ++lines;
+    }
+    return at > 0 && lines >= 2;
+  }
+
+  std::vector<Note> NotesBefore(pugi::xml_node node) const {
+    std::vector<Note> notes;
+    for (node = node.previous_sibling(); node && node.type() != pugi::node_element;
+         node = node.previous_sibling()) {
+      if (node.type() == pugi::node_comment) {
+        notes.insert(notes.begin(), Note{node.value(), BlankLineBefore(node)});
+      }
+    }
+    return notes;
+  }
+
+  // What the file wrote of "node" beyond its meaning; "element" has been read from it, so each
+  // attribute's key is the value the design now holds.
+  template <typename E>
+  Written Record(const pugi::xml_node& node, const AttributeTable<E>& table, const E& element) {
+    Written written;
+    for (const pugi::xml_attribute& attribute : node.attributes()) {
+      const std::string_view name = attribute.name();
+      for (const AttributeSpec<E>& spec : table) {
+        if (name == spec.name) {
+          written.attributes.push_back({spec.name, attribute.value(), AttributeKey(spec, element)});
+        }
+      }
+    }
+    written.notes = NotesBefore(node);
+    written.blank_line_before = BlankLineBefore(node);
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() == pugi::node_element) written.order.push_back(child.name());
+    }
+    for (pugi::xml_node last = node.last_child(); last && last.type() != pugi::node_element;
+         last = last.previous_sibling()) {
+      if (last.type() == pugi::node_comment) {
+        written.closing_notes.insert(written.closing_notes.begin(),
+                                     Note{last.value(), BlankLineBefore(last)});
+      }
+    }
+    // A content that is one CDATA section, white space around it aside.
+    int cdata = 0, text = 0;
+    for (const pugi::xml_node& child : node.children()) {
+      if (child.type() == pugi::node_cdata) ++cdata;
+      if (child.type() == pugi::node_pcdata && !Trimmed(child.value()).empty()) ++text;
+      if (child.type() == pugi::node_element) ++text;
+    }
+    written.cdata = cdata == 1 && text == 0;
+    return written;
   }
 
   std::string Text(const pugi::xml_node& node, const char* name, bool required = false) {
@@ -616,15 +685,7 @@ class Reader {
   std::optional<DesignObject> ReadObject(const pugi::xml_node& node) {
     const std::string_view kind = node.name();
     if (kind == "text") {
-      std::initializer_list<const char*> allowed = {
-          "name",         "left",         "top",    "width",        "height",
-          "print-when",   "style",        "format", "stretch",      "shrink",
-          "hide-zero",    "font",         "size",   "bold",         "italic",
-          "underline",    "strikeout",    "color",  "fill",         "align",
-          "valign",       "wrap",         "clip",   "rich",         "rotate",
-          "line-spacing", "char-spacing", "border", "border-width", "border-color",
-          "border-style", "padding"};
-      CheckAttributes(node, allowed);
+      CheckAttributes(node, AttributeNames(TextAttributes()));
       TextObject text;
       ReadCommon(node, text);
       text.style_name = Text(node, "style");
@@ -634,11 +695,11 @@ class Reader {
       text.hide_zero = Flag(node, "hide-zero", false);
       ReadStyle(node, text.style);
       text.text = Trimmed(TextContent(node, IsRich(node)));
+      text.written = Record(node, TextAttributes(), text);
       return text;
     }
     if (kind == "picture") {
-      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "source",
-                             "fit", "border", "border-width", "border-color", "border-style"});
+      CheckAttributes(node, AttributeNames(PictureAttributes()));
       PictureObject picture;
       ReadCommon(node, picture);
       picture.source = Text(node, "source");
@@ -651,11 +712,11 @@ class Reader {
       if (node.attribute("border"))
         picture.borders = Borders(node, node.attribute("border").value());
       picture.border = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
+      picture.written = Record(node, PictureAttributes(), picture);
       return picture;
     }
     if (kind == "barcode") {
-      CheckAttributes(node, {"name", "left", "top", "width", "height", "print-when", "type", "data",
-                             "level", "show-text", "color", "background"});
+      CheckAttributes(node, AttributeNames(BarcodeAttributes()));
       BarcodeObject barcode;
       ReadCommon(node, barcode);
       barcode.type = node.attribute("type") ? node.attribute("type").value() : "qr";
@@ -672,11 +733,11 @@ class Reader {
       barcode.show_text = Flag(node, "show-text", true);
       barcode.color = ColorAttribute(node, "color").value_or(Color::Black());
       barcode.background = ColorAttribute(node, "background").value_or(Color::None());
+      barcode.written = Record(node, BarcodeAttributes(), barcode);
       return barcode;
     }
     if (kind == "line") {
-      CheckAttributes(node, {"name", "x1", "y1", "x2", "y2", "print-when", "width", "color",
-                             "style", "grow-with-band"});
+      CheckAttributes(node, AttributeNames(LineAttributes()));
       LineObject line;
       line.name = Text(node, "name");
       line.print_when = Text(node, "print-when");
@@ -687,18 +748,18 @@ class Reader {
       line.grow_with_band = Flag(node, "grow-with-band", false);
       line.box = {std::min(line.from.x, line.to.x), std::min(line.from.y, line.to.y),
                   std::abs(line.to.x - line.from.x), std::abs(line.to.y - line.from.y)};
+      line.written = Record(node, LineAttributes(), line);
       return line;
     }
     if (kind == "rect") {
-      CheckAttributes(
-          node, {"name", "left", "top", "width", "height", "print-when", "fill", "border-width",
-                 "border-color", "border-style", "radius", "grow-with-band"});
+      CheckAttributes(node, AttributeNames(RectAttributes()));
       RectObject rect;
       ReadCommon(node, rect);
       rect.fill = ColorAttribute(node, "fill").value_or(Color::None());
       rect.stroke = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
       rect.corner_radius = Length(node, "radius").value_or(0);
       rect.grow_with_band = Flag(node, "grow-with-band", false);
+      rect.written = Record(node, RectAttributes(), rect);
       return rect;
     }
     return std::nullopt;
@@ -726,7 +787,7 @@ class Reader {
       if (auto object = ReadObject(child)) {
         band.objects.push_back(std::move(*object));
       } else if (name == "child") {
-        CheckAttributes(child, kBandAttributes);
+        CheckAttributes(child, AttributeNames(BandAttributes()));
         band.children.push_back(ReadBand(child, BandKind::kChild));
       } else if (std::none_of(extra.begin(), extra.end(),
                               [&](const char* e) { return name == e; })) {
@@ -734,23 +795,12 @@ class Reader {
                 {"text", "picture", "barcode", "line", "rect", "child"});
       }
     }
+    band.written = Record(node, BandAttributes(), band);
     return band;
   }
 
-  static constexpr std::initializer_list<const char*> kBandAttributes = {"name",
-                                                                         "height",
-                                                                         "stretch",
-                                                                         "keep-together",
-                                                                         "start-new-page",
-                                                                         "repeat",
-                                                                         "print-on-first-page",
-                                                                         "print-on-last-page",
-                                                                         "print-if-empty",
-                                                                         "print-when"};
-
   DataBand ReadData(const pugi::xml_node& node) {
-    CheckAttributes(node, {"name", "height", "stretch", "keep-together", "start-new-page",
-                           "print-when", "query", "rows"});
+    CheckAttributes(node, AttributeNames(DataAttributes()));
     DataBand data;
     data.band = ReadBand(node, BandKind::kData, {"header", "footer", "group", "data"});
     data.query = Text(node, "query");
@@ -765,11 +815,11 @@ class Reader {
       if (child.type() != pugi::node_element) continue;
       const std::string_view name = child.name();
       if (name == "header") {
-        CheckAttributes(child, kBandAttributes);
+        CheckAttributes(child, AttributeNames(BandAttributes()));
         if (data.header) Add(Line(child), "a data band has one <header>");
         data.header = ReadBand(child, BandKind::kDataHeader);
       } else if (name == "footer") {
-        CheckAttributes(child, kBandAttributes);
+        CheckAttributes(child, AttributeNames(BandAttributes()));
         if (data.footer) Add(Line(child), "a data band has one <footer>");
         data.footer = ReadBand(child, BandKind::kDataFooter);
       } else if (name == "group") {
@@ -778,12 +828,12 @@ class Reader {
         data.details.push_back(ReadData(child));
       }
     }
+    data.band.written = Record(node, DataAttributes(), data);
     return data;
   }
 
   Group ReadGroup(const pugi::xml_node& node) {
-    CheckAttributes(node,
-                    {"name", "condition", "keep-together", "start-new-page", "repeat-header"});
+    CheckAttributes(node, AttributeNames(GroupAttributes()));
     Group group;
     group.line = Line(node);
     group.name = Text(node, "name");
@@ -795,22 +845,21 @@ class Reader {
       if (child.type() != pugi::node_element) continue;
       const std::string_view name = child.name();
       if (name == "header") {
-        CheckAttributes(child, kBandAttributes);
+        CheckAttributes(child, AttributeNames(BandAttributes()));
         group.header = ReadBand(child, BandKind::kGroupHeader);
       } else if (name == "footer") {
-        CheckAttributes(child, kBandAttributes);
+        CheckAttributes(child, AttributeNames(BandAttributes()));
         group.footer = ReadBand(child, BandKind::kGroupFooter);
       } else {
         Unknown(child, "<group>", {"header", "footer"});
       }
     }
+    group.written = Record(node, GroupAttributes(), group);
     return group;
   }
 
   void ReadPage(const pugi::xml_node& node, PageSetup& page) {
-    CheckAttributes(node,
-                    {"size", "orientation", "margin", "margin-left", "margin-top", "margin-right",
-                     "margin-bottom", "columns", "column-gap", "column-order", "printer"});
+    CheckAttributes(node, AttributeNames(PageAttributes()));
     if (node.attribute("size")) {
       const std::string size = node.attribute("size").value();
       struct Named {
@@ -888,7 +937,7 @@ class Reader {
   }
 
   void ReadQuery(const pugi::xml_node& node, Template& design) {
-    CheckAttributes(node, {"name", "database"});
+    CheckAttributes(node, AttributeNames(QueryAttributes()));
     Query query;
     query.line = Line(node);
     query.name = Text(node, "name", true);
@@ -899,8 +948,9 @@ class Reader {
       if (name == "sql") {
         CheckAttributes(child, {});
         query.sql = Trimmed(child.text().get());
+        query.sql_written = Record(child, AttributeTable<Query>(), query);
       } else if (name == "param") {
-        CheckAttributes(child, {"name", "type", "default", "value"});
+        CheckAttributes(child, AttributeNames(ParamAttributes()));
         QueryParam param;
         param.line = Line(child);
         param.name = Text(child, "name", true);
@@ -912,6 +962,7 @@ class Reader {
                          .value_or(ParamType::kText);
         param.default_value = Text(child, "default");
         param.value = Text(child, "value");
+        param.written = Record(child, ParamAttributes(), param);
         query.params.push_back(std::move(param));
       } else {
         Unknown(child, "<query>", {"sql", "param"});
@@ -921,11 +972,12 @@ class Reader {
       Add(query.line, "query \"" + query.name + "\" has no <sql>",
           "the print method may set it, but the template should hold a working default");
     }
+    query.written = Record(node, QueryAttributes(), query);
     design.queries.push_back(std::move(query));
   }
 
   void ReadReport(const pugi::xml_node& root, Template& design) {
-    CheckAttributes(root, {"format", "version", "name"});
+    CheckAttributes(root, AttributeNames(ReportAttributes()));
     const std::string format = Text(root, "format");
     if (format != "vantorel-template") {
       Add(Line(root), "this is not a Vantorel template (format=\"" + format + "\")",
@@ -940,6 +992,7 @@ class Reader {
       return;
     }
     design.name = Text(root, "name");
+    design.written = Record(root, ReportAttributes(), design);
     // Whether a text is rich decides how its content is read, and its style may say so.
     for (const pugi::xml_node& node : root.children("style")) {
       style_rich_[node.attribute("name").value()] = {
@@ -950,38 +1003,41 @@ class Reader {
       if (node.type() != pugi::node_element) continue;
       const std::string_view name = node.name();
       if (name == "info") {
-        CheckAttributes(node, {"title", "author", "subject"});
+        CheckAttributes(node, AttributeNames(InfoAttributes()));
         design.info.title = Text(node, "title");
         design.info.author = Text(node, "author");
         design.info.subject = Text(node, "subject");
+        design.info_written = Record(node, InfoAttributes(), design.info);
       } else if (name == "page") {
         ReadPage(node, design.page);
+        design.has_page = true;
+        design.page_written = Record(node, PageAttributes(), design.page);
       } else if (name == "copies") {
         ReadCopies(node, design.copies);
       } else if (name == "database") {
-        CheckAttributes(node, {"name"});
-        design.databases.push_back(Text(node, "name", true));
+        CheckAttributes(node, AttributeNames(DatabaseAttributes()));
+        Database database{Text(node, "name", true), Line(node), {}};
+        database.written = Record(node, DatabaseAttributes(), database);
+        design.databases.push_back(std::move(database));
       } else if (name == "query") {
         ReadQuery(node, design);
       } else if (name == "variable") {
-        CheckAttributes(node, {"category", "name", "value"});
-        design.variables.push_back(
-            {Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node)});
+        CheckAttributes(node, AttributeNames(VariableAttributes()));
+        Variable variable{
+            Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node), {}};
+        variable.written = Record(node, VariableAttributes(), variable);
+        design.variables.push_back(std::move(variable));
       } else if (name == "style") {
-        std::initializer_list<const char*> allowed = {
-            "name",         "based-on",     "font",         "size",   "bold",
-            "italic",       "underline",    "strikeout",    "color",  "fill",
-            "align",        "valign",       "wrap",         "clip",   "rich",
-            "rotate",       "line-spacing", "char-spacing", "border", "border-width",
-            "border-color", "border-style", "padding"};
-        CheckAttributes(node, allowed);
-        StyleSpec style;
-        style.based_on = Text(node, "based-on");
-        ReadStyle(node, style);
-        const std::string style_name = Text(node, "name", true);
-        if (design.styles.count(style_name))
-          Add(Line(node), "style \"" + style_name + "\" is defined twice");
-        design.styles[style_name] = std::move(style);
+        CheckAttributes(node, AttributeNames(StyleAttributes()));
+        Style style;
+        style.line = Line(node);
+        style.spec.based_on = Text(node, "based-on");
+        ReadStyle(node, style.spec);
+        style.name = Text(node, "name", true);
+        if (design.FindStyle(style.name) != nullptr)
+          Add(Line(node), "style \"" + style.name + "\" is defined twice");
+        style.written = Record(node, StyleAttributes(), style);
+        design.styles.push_back(std::move(style));
       } else if (name == "page-header") {
         ReadSingleBand(node, BandKind::kPageHeader, design.page_header);
       } else if (name == "page-footer") {
@@ -1005,14 +1061,16 @@ class Reader {
   }
 
   void ReadCopies(const pugi::xml_node& node, CopySetup& copies) {
-    CheckAttributes(node, {"count", "per-sheet"});
+    CheckAttributes(node, AttributeNames(CopiesAttributes()));
     if (copies.line != 0) Add(Line(node), "a template has one <copies>");
     copies.line = Line(node);
     for (const pugi::xml_node& child : node.children()) {
       if (child.type() != pugi::node_element) continue;
       if (std::string_view(child.name()) == "copy") {
-        CheckAttributes(child, {"label"});
-        copies.labels.push_back(Text(child, "label"));
+        CheckAttributes(child, AttributeNames(CopyAttributes()));
+        const CopyLabel label{Text(child, "label")};
+        copies.labels.push_back(label.label);
+        copies.labels_written.push_back(Record(child, CopyAttributes(), label));
       } else {
         Unknown(child, "<copies>", {"copy"});
       }
@@ -1036,10 +1094,11 @@ class Reader {
     if (copies.labels.empty() && !node.attribute("count")) {
       Add(Line(node), "<copies> needs a \"count\" or <copy> labels");
     }
+    copies.written = Record(node, CopiesAttributes(), copies);
   }
 
   void ReadSingleBand(const pugi::xml_node& node, BandKind kind, std::optional<Band>& slot) {
-    CheckAttributes(node, kBandAttributes);
+    CheckAttributes(node, AttributeNames(BandAttributes()));
     if (slot) Add(Line(node), std::string("a template has one <") + node.name() + ">");
     slot = ReadBand(node, kind);
   }

@@ -640,6 +640,44 @@ TEST_F(FillTest, ParametersKeepTheirTypes) {
   EXPECT_EQ(Texts(rendered.document, 0), (std::vector<std::string>{"Mirror", "Horn"}));
 }
 
+// A print method sets components by name; the same settings serve a template edited since, where
+// the memo, the query and the variable sit at other places.
+TEST_F(FillTest, RunSettingsFindComponentsByName) {
+  RunSettings settings;
+  settings.memo_texts["WORDS"] = "[Q.name] set";
+  settings.query_sql["Q"] = "select name from item where id = :id";
+  settings.parameters["Q"]["ID"] = int64_t{3};
+  settings.variables[{"COMPANY", "CITY"}] = "\"Pune\"";
+  settings.memo_texts["GONE"] = "a memo the template no longer has";
+  const std::string body = R"t(
+    <query name="q"><sql>select name from item</sql><param name="id" type="integer"/></query>
+    <variable category="Company" name="city" value='""'/>
+    <title height="10mm">
+      <text width="40mm" height="5mm">[Company.city]</text>
+      <text name="Words" top="5mm" width="40mm" height="5mm">as designed</text>
+    </title>)t";
+  const std::string edited = R"t(
+    <variable category="Company" name="logo" value='""'/>
+    <variable category="Company" name="city" value='""'/>
+    <query name="other"><sql>select 1</sql></query>
+    <query name="Q"><sql>select name from item</sql><param name="ID" type="integer"/></query>
+    <title height="15mm">
+      <text width="40mm" height="5mm">first</text>
+      <text name="words" top="5mm" width="40mm" height="5mm">as designed</text>
+      <text top="10mm" width="40mm" height="5mm">[company.city]</text>
+    </title>)t";
+  for (const std::string& xml : {Template(body), Template(edited)}) {
+    const auto report = CompileTemplate(xml, "t.fr3");
+    auto connection = data::Connection::Open(db_);
+    FillServices services;
+    services.connection = [&](int) -> data::Connection& { return *connection; };
+    const Document document = Fill(*report, settings, services).document;
+    const std::vector<std::string> texts = Texts(document, 0);
+    EXPECT_NE(std::find(texts.begin(), texts.end(), "Mirror set"), texts.end()) << xml;
+    EXPECT_NE(std::find(texts.begin(), texts.end(), "Pune"), texts.end()) << xml;
+  }
+}
+
 // Tax invoices go out in copies that differ only in their label; each copy is a whole document.
 TEST_F(FillTest, CopiesRepeatEveryPageWithTheirNumberAndLabel) {
   const Rendered rendered = Render(R"t(

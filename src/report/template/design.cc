@@ -1,0 +1,18 @@
+#include "report/template/design.h"
+
+#include <algorithm>
+
+namespace vantorel::report {
+
+void Written::Forget(std::string_view name) {
+  std::erase_if(attributes, [name](const WrittenAttribute& a) { return a.name == name; });
+}
+
+const Style* Template::FindStyle(std::string_view wanted) const {
+  // A style defined twice is a problem of its own; until it is fixed the last one counts.
+  const auto found = std::find_if(styles.rbegin(), styles.rend(),
+                                  [wanted](const Style& style) { return style.name == wanted; });
+  return found == styles.rend() ? nullptr : &*found;
+}
+
+}  // namespace vantorel::report
