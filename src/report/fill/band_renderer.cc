@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "report/barcode/barcode.h"
+#include "report/fill/push_down.h"
 #include "report/image/image_loader.h"
 #include "report/text/text_layout.h"
 #include "vantorel/error.h"
@@ -71,8 +72,20 @@ BandRenderer::BandRenderer(const CompiledReport& report,
 
 uint32_t BandRenderer::DocumentStyle(uint32_t report_style) {
   int64_t& slot = styles_[report_style];
-  if (slot < 0) slot = document_.InternStyle(report_.styles[report_style]);
+  if (slot < 0) {
+    // The compiler merged equal styles and only this renderer adds styles to the fill's document,
+    // so a style used for the first time is new there: appended without searching.
+    slot = static_cast<int64_t>(document_.styles.size());
+    document_.styles.push_back(report_.styles[report_style]);
+  }
   return static_cast<uint32_t>(slot);
+}
+
+uint32_t BandRenderer::DocumentImage(const std::shared_ptr<const ImageData>& image) {
+  const auto [it, added] =
+      images_.emplace(image.get(), static_cast<uint32_t>(document_.images.size()));
+  if (added) document_.images.push_back(image);
+  return it->second;
 }
 
 bool BandRenderer::Visible(const ExpressionPtr& print_when) {
@@ -177,7 +190,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       }
       placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
                         picture->box.x, picture->box.right()});
-      block.items.emplace_back(ImageItem{picture->box, document_.AddImage(image), picture->fit});
+      block.items.emplace_back(ImageItem{picture->box, DocumentImage(image), picture->fit});
       if (picture->borders != 0 && picture->border.width > 0) {
         // A picture's frame is a rectangle drawn over it.
         placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
@@ -224,17 +237,16 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
   for (size_t i = 0; i < order.size(); ++i) order[i] = i;
   std::stable_sort(order.begin(), order.end(),
                    [&](size_t a, size_t b) { return placed[a].top < placed[b].top; });
+  std::vector<PushBox> boxes(order.size());
+  for (size_t i = 0; i < order.size(); ++i) {
+    const Placed& p = placed[order[i]];
+    boxes[i] = {p.top, p.height, p.left, p.right, p.delta};
+  }
+  const std::vector<float> shifts = PushDown(boxes);
   float height = band.height;
   for (size_t i = 0; i < order.size(); ++i) {
     Placed& p = placed[order[i]];
-    for (size_t j = 0; j < i; ++j) {
-      const Placed& above = placed[order[j]];
-      const float push = above.shift + above.delta;
-      if (push <= 0) continue;
-      const bool below = above.top + above.height <= p.top + kEpsilon;
-      const bool overlaps = above.left < p.right - kEpsilon && p.left < above.right - kEpsilon;
-      if (below && overlaps) p.shift = std::max(p.shift, push);
-    }
+    p.shift = shifts[i];
     if (p.shift > 0) MoveY(block.items[p.item], p.shift);
     const float gap = std::max(0.0f, band.height - (p.top + p.height));
     height = std::max(height, p.top + p.shift + p.height + p.delta + gap);

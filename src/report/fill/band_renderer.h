@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "report/compile/compiled_report.h"
@@ -56,6 +57,8 @@ class BandRenderer {
 
  private:
   uint32_t DocumentStyle(uint32_t report_style);
+  // The document's index of "image", added on first use.
+  uint32_t DocumentImage(const std::shared_ptr<const ImageData>& image);
   bool Visible(const ExpressionPtr& print_when);
   bool UsesPage(const CompiledBand& band);
 
@@ -66,6 +69,7 @@ class BandRenderer {
   std::vector<std::string>& warnings_;
   std::vector<int64_t> styles_;  // report style → document style, -1 until used
   std::map<const CompiledBand*, bool> uses_page_;
+  std::unordered_map<const ImageData*, uint32_t> images_;  // into document_.images
 };
 
 }  // namespace vantorel::report
