@@ -155,7 +155,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       if (deferred) {
         item.text.clear();
         block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
-                                  style.rich, context_.Take()});
+                                  style.rich, context_.Take(source->fields())});
       }
       Placed p{block.items.size(), text->box.y, text->box.height};
       p.left = text->box.x;
