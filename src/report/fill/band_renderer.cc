@@ -300,11 +300,10 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
           std::max(1.0f, text->box.width - style.padding.left - style.padding.right);
       const float room = height - text->box.y - style.padding.top - style.padding.bottom;
       const size_t cut = room > 0 ? text::FitText(text->text, style, width, room) : 0;
-      TextItem tail = *text;
-      tail.text = text->text.substr(cut);
-      while (!tail.text.empty() && (tail.text.front() == '\n' || tail.text.front() == ' ')) {
-        tail.text.erase(0, 1);
-      }
+      // The line breaks and spaces at the cut go with the page break.
+      const size_t tail_begin =
+          std::min(text->text.find_first_not_of("\n ", cut), text->text.size());
+      TextItem tail{text->box, text->style, text->text.substr(tail_begin)};
       tail.box.y = 0;
       tail.box.height = text->box.bottom() - height;
       text->text.resize(cut);
