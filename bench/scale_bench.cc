@@ -15,6 +15,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "report/engine/report_engine.h"
 #include "report/pdf/pdf_writer.h"
@@ -26,13 +27,28 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The benchmark's own temporary folder, removed with everything in it at exit.
+class ScratchFolder {
+ public:
+  ScratchFolder()
+      : path_(fs::temp_directory_path() / ("vantorel-scale-" + std::to_string(getpid()))) {
+    fs::create_directories(path_);
+  }
+  ~ScratchFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
 const fs::path& Folder() {
-  static const fs::path folder = [] {
-    fs::path path = fs::temp_directory_path() / ("vantorel-scale-" + std::to_string(getpid()));
-    fs::create_directories(path);
-    return path;
-  }();
-  return folder;
+  static const ScratchFolder folder;
+  return folder.path();
 }
 
 // A database "name" in the folder, made by "sql"; "text" is bound to every "?1".
@@ -51,8 +67,11 @@ std::string Database(const std::string& name, const std::string& sql, const std:
     if (sqlite3_bind_parameter_count(statement) > 0) {
       sqlite3_bind_text(statement, 1, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
     }
-    sqlite3_step(statement);
+    const int stepped = sqlite3_step(statement);
     sqlite3_finalize(statement);
+    if (stepped != SQLITE_DONE && stepped != SQLITE_ROW) {
+      throw std::runtime_error(sqlite3_errmsg(db));
+    }
   }
   sqlite3_close(db);
   return path;
