@@ -294,7 +294,7 @@ void BM_TemplateSize(benchmark::State& state) {
 }
 BENCHMARK(BM_TemplateSize)
     ->ArgNames({"texts", "per_band"})
-    ->ArgsProduct({{40000, 80000, 160000}, {20, 2000}})
+    ->ArgsProduct({{40000, 80000, 160000}, {20, 2000, 160000}})
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime()
     ->Iterations(1);

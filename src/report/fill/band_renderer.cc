@@ -360,4 +360,94 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
   return rest;
 }
 
+BlockCutter::BlockCutter(BandBlock block)
+    : deferred_(block.items.size()), height_(block.height), uses_page_(block.uses_page) {
+  waiting_.reserve(block.items.size());
+  for (size_t i = 0; i < block.items.size(); ++i) {
+    waiting_.push_back({i, std::move(block.items[i])});
+  }
+  std::stable_sort(waiting_.begin(), waiting_.end(), [](const Entry& a, const Entry& b) {
+    return Span(a.item).first < Span(b.item).first;
+  });
+  for (DeferredText& deferred : block.deferred) {
+    const size_t index = deferred.item;
+    deferred_[index] = std::move(deferred);
+  }
+}
+
+bool BlockCutter::empty() const {
+  return near_.empty() && waiting_front_ == waiting_.size() && height_ <= 0;
+}
+
+void BlockCutter::CatchUp(Entry& entry) const {
+  // One cut at a time, as Split would have moved it, so the position comes out the same.
+  for (; entry.cuts_made < cuts_.size(); ++entry.cuts_made) {
+    MoveY(entry.item, -cuts_[entry.cuts_made]);
+  }
+}
+
+BandBlock BlockCutter::Cut(float height, const Document& document) {
+  // Objects whose top reaches the cut take part in it; those below would only move up.
+  const size_t first_new = near_.size();
+  while (waiting_front_ < waiting_.size()) {
+    Entry& entry = waiting_[waiting_front_];
+    CatchUp(entry);
+    if (Span(entry.item).first > height + kEpsilon) break;
+    near_.push_back(std::move(entry));
+    ++waiting_front_;
+  }
+  const auto by_index = [](const Entry& a, const Entry& b) { return a.index < b.index; };
+  std::sort(near_.begin() + static_cast<ptrdiff_t>(first_new), near_.end(), by_index);
+  std::inplace_merge(near_.begin(), near_.begin() + static_cast<ptrdiff_t>(first_new), near_.end(),
+                     by_index);
+
+  BandBlock part;
+  part.height = height_;
+  part.uses_page = uses_page_;
+  // Which objects leave something for the rest: all but those that fit whole.
+  std::vector<size_t> continuing;
+  for (Entry& entry : near_) {
+    if (Span(entry.item).second > height + kEpsilon) continuing.push_back(entry.index);
+    if (deferred_[entry.index]) {
+      part.deferred.push_back(*deferred_[entry.index]);
+      part.deferred.back().item = part.items.size();
+      deferred_[entry.index].reset();
+    }
+    part.items.push_back(std::move(entry.item));
+  }
+  BandBlock rest = BandRenderer::Split(part, height, document);
+  near_.clear();
+  for (size_t k = 0; k < rest.items.size(); ++k) {
+    near_.push_back({continuing[k], std::move(rest.items[k]), cuts_.size() + 1});
+  }
+  for (DeferredText& deferred : rest.deferred) {
+    const size_t index = continuing[deferred.item];
+    deferred_[index] = std::move(deferred);
+  }
+  cuts_.push_back(height);
+  height_ = rest.height;
+  return part;
+}
+
+BandBlock BlockCutter::Rest() {
+  for (; waiting_front_ < waiting_.size(); ++waiting_front_) {
+    CatchUp(waiting_[waiting_front_]);
+    near_.push_back(std::move(waiting_[waiting_front_]));
+  }
+  std::sort(near_.begin(), near_.end(),
+            [](const Entry& a, const Entry& b) { return a.index < b.index; });
+  BandBlock block;
+  block.height = height_;
+  block.uses_page = uses_page_;
+  for (Entry& entry : near_) {
+    if (deferred_[entry.index]) {
+      block.deferred.push_back(std::move(*deferred_[entry.index]));
+      block.deferred.back().item = block.items.size();
+    }
+    block.items.push_back(std::move(entry.item));
+  }
+  near_.clear();
+  return block;
+}
+
 }  // namespace vantorel::report
