@@ -3,7 +3,6 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -348,13 +347,18 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
     // away gives the same lines without first looking for a space to the window's end.
     const bool one_word = std::all_of(plain.text.begin() + static_cast<ptrdiff_t>(begin),
                                       plain.text.begin() + static_cast<ptrdiff_t>(end), [](char c) {
-                                        return std::isalnum(static_cast<unsigned char>(c)) != 0;
+                                        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
+                                               (c >= 'a' && c <= 'z');
                                       });
     pango_layout_set_wrap(layout, one_word ? PANGO_WRAP_CHAR : PANGO_WRAP_WORD_CHAR);
     const size_t lines = static_cast<size_t>(pango_layout_get_line_count(layout));
     if (end == size) {
       AddLines(layout, plain, begin, lines, geometry, out);
       break;
+    }
+    if (lines <= kSettledLines) {
+      length *= 2;
+      continue;
     }
     // The line the next window starts with.
     std::vector<size_t> line_begins;
@@ -363,10 +367,6 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
       line_begins.push_back(
           begin +
           static_cast<size_t>(static_cast<const PangoLayoutLine*>(node->data)->start_index));
-    }
-    if (lines <= kSettledLines) {
-      length *= 2;
-      continue;
     }
     size_t next = lines - kSettledLines;
     while (next > 1 && !WindowMayStartAt(plain.text, line_begins[next], starts)) --next;
