@@ -409,7 +409,7 @@ BandBlock BlockCutter::Cut(float height, const Document& document) {
   for (Entry& entry : near_) {
     if (Span(entry.item).second > height + kEpsilon) continuing.push_back(entry.index);
     if (deferred_[entry.index]) {
-      part.deferred.push_back(*deferred_[entry.index]);
+      part.deferred.push_back(std::move(*deferred_[entry.index]));
       part.deferred.back().item = part.items.size();
       deferred_[entry.index].reset();
     }
