@@ -36,7 +36,7 @@ struct BandBlock {
   bool uses_page = false;  // reads the page number: render again if it moves to another page
 };
 
-// A block taller than a page, cut into page-sized parts one page at a time: the parts repeated
+// A block taller than a page, cut into page-sized pieces one page at a time: the pieces repeated
 // BandRenderer::Split calls give. Objects below a cut wait untouched — owing the cuts made
 // meanwhile, which they make up in the same order when a cut comes near them — so a band of
 // thousands of objects over hundreds of pages costs what its objects cost, not objects × pages.
@@ -51,7 +51,7 @@ class BlockCutter {
   // True when nothing is left: no objects and no height.
   bool empty() const;
 
-  // The part of what is left that fits "height"; what is left then starts below it.
+  // The piece of what is left that fits "height"; what is left then starts below it.
   BandBlock Cut(float height, const Document& document);
 
   // What is left, as one block.

@@ -1,5 +1,5 @@
-// A band taller than a page, cut page by page: the same parts as cutting it again and again with
-// Split, on blocks of every shape.
+// A band taller than a page, cut page by page: the same pieces as cutting it again and again
+// with Split, on blocks of every shape.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -10,10 +10,6 @@
 
 namespace vantorel::report {
 namespace {
-
-struct Parts {
-  std::vector<BandBlock> parts;  // every page's part, then what is left
-};
 
 std::vector<size_t> DeferredItems(const BandBlock& block) {
   std::vector<size_t> items;
@@ -59,7 +55,7 @@ BandBlock RandomBlock(uint32_t& seed) {
   return block;
 }
 
-TEST(BlockCutterTest, GivesTheSplitsParts) {
+TEST(BlockCutterTest, CutsAsRepeatedSplitsDo) {
   Document document;
   TextStyle style;
   style.size = 8;
@@ -74,30 +70,30 @@ TEST(BlockCutterTest, GivesTheSplitsParts) {
       return page == 0 ? 300.5f : page % 7 == 3 ? 37.25f : 555.59f;
     };
 
-    Parts split;
+    std::vector<BandBlock> split;  // every page's piece, then what is left
     BandBlock rest = block;
     for (size_t page = 0; rest.height > room(page); ++page) {
       BandBlock next = BandRenderer::Split(rest, room(page), document);
-      split.parts.push_back(std::move(rest));
+      split.push_back(std::move(rest));
       rest = std::move(next);
       if (rest.items.empty() && rest.height <= 0) break;
     }
-    split.parts.push_back(std::move(rest));
+    split.push_back(std::move(rest));
 
-    Parts cut;
+    std::vector<BandBlock> cut;
     BlockCutter cutter(block);
     for (size_t page = 0; cutter.height() > room(page); ++page) {
-      cut.parts.push_back(cutter.Cut(room(page), document));
+      cut.push_back(cutter.Cut(room(page), document));
       if (cutter.empty()) break;
     }
-    cut.parts.push_back(cutter.Rest());
+    cut.push_back(cutter.Rest());
 
-    ASSERT_EQ(cut.parts.size(), split.parts.size()) << "round " << round;
-    for (size_t p = 0; p < split.parts.size(); ++p) {
-      EXPECT_EQ(cut.parts[p].items, split.parts[p].items) << "round " << round << " part " << p;
-      EXPECT_EQ(DeferredItems(cut.parts[p]), DeferredItems(split.parts[p]))
-          << "round " << round << " part " << p;
-      EXPECT_EQ(cut.parts[p].height, split.parts[p].height) << "round " << round << " part " << p;
+    ASSERT_EQ(cut.size(), split.size()) << "round " << round;
+    for (size_t p = 0; p < split.size(); ++p) {
+      EXPECT_EQ(cut[p].items, split[p].items) << "round " << round << " piece " << p;
+      EXPECT_EQ(DeferredItems(cut[p]), DeferredItems(split[p]))
+          << "round " << round << " piece " << p;
+      EXPECT_EQ(cut[p].height, split[p].height) << "round " << round << " piece " << p;
       ++compared;
     }
   }
