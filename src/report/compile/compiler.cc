@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <functional>
+#include <unordered_map>
 
 #include "report/compile/compiled_report.h"
 #include "report/expr/text_util.h"
@@ -10,8 +11,14 @@
 namespace vantorel::report {
 namespace {
 
-bool SameName(std::string_view a, std::string_view b) {
-  return expr::AsciiUpper(a) == expr::AsciiUpper(b);
+bool SameName(std::string_view a, std::string_view b) { return expr::EqualsIgnoreCase(a, b); }
+
+// A field's key in the binder's index: its query and its name in upper case.
+std::string FieldKey(int query, std::string_view name) {
+  std::string key = std::to_string(query);
+  key += ':';
+  key += expr::AsciiUpper(name);
+  return key;
 }
 
 // Binds names for one object at a time: "place" says where the object sits.
@@ -31,11 +38,18 @@ class ReportBinder final : public expr::Binder {
       throw expr::ExprError(0, "the template has no query \"" + std::string(query) + "\"",
                             known.empty() ? "declare it with <query>" : "its queries: " + known);
     }
-    for (size_t i = 0; i < fields_.size(); ++i) {
-      if (fields_[i].query == index && SameName(fields_[i].name, field)) return static_cast<int>(i);
+    // Indexed, since a large template reads hundreds of fields from thousands of texts.
+    for (; indexed_ < fields_.size(); ++indexed_) {
+      field_index_.emplace(FieldKey(fields_[indexed_].query, fields_[indexed_].name),
+                           static_cast<int>(indexed_));
     }
-    fields_.push_back({index, std::string(field)});
-    return static_cast<int>(fields_.size() - 1);
+    const auto [it, added] =
+        field_index_.emplace(FieldKey(index, field), static_cast<int>(fields_.size()));
+    if (added) {
+      fields_.push_back({index, std::string(field)});
+      ++indexed_;
+    }
+    return it->second;
   }
 
   int Variable(std::string_view category, std::string_view name) override {
@@ -140,6 +154,8 @@ class ReportBinder final : public expr::Binder {
   std::vector<FieldSpec>& fields_;
   std::vector<AggregateSpec>& aggregates_;
   const std::vector<std::string>& data_names_;
+  std::unordered_map<std::string, int> field_index_;  // FieldKey → first field of that key
+  size_t indexed_ = 0;                                // fields_ entries in field_index_
 };
 
 class Compiler {
@@ -318,11 +334,10 @@ class Compiler {
       ApplyNamed(text.style_name, style);
     }
     Apply(text.style, style);
-    for (size_t i = 0; i < report_->styles.size(); ++i) {
-      if (report_->styles[i] == style) return static_cast<uint32_t>(i);
-    }
-    report_->styles.push_back(style);
-    return static_cast<uint32_t>(report_->styles.size() - 1);
+    const auto [it, added] =
+        style_index_.emplace(style, static_cast<uint32_t>(report_->styles.size()));
+    if (added) report_->styles.push_back(style);
+    return it->second;
   }
 
   void NumberData(const DataBand& data) {
@@ -551,6 +566,7 @@ class Compiler {
   std::unique_ptr<ReportBinder> binder_;
   std::vector<std::string> data_names_;
   std::vector<Problem> problems_;
+  std::unordered_map<TextStyle, uint32_t, TextStyleHash> style_index_;  // into report_->styles
 };
 
 // Run-time texts bind against the compiled report's place for their memo.

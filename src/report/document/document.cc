@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 
 namespace vantorel::report {
 namespace {
@@ -172,6 +173,31 @@ void Items(std::string& out, const Document& document, const std::vector<Item>& 
 }
 
 }  // namespace
+
+size_t TextStyleHash::operator()(const TextStyle& style) const {
+  size_t hash = std::hash<std::string>()(style.font_family);
+  const auto mix = [&hash](size_t value) { hash ^= value + 0x9e3779b97f4a7c15 + (hash << 6); };
+  const auto color = [](const Color& c) {
+    return static_cast<size_t>(c.r) << 24 | static_cast<size_t>(c.g) << 16 |
+           static_cast<size_t>(c.b) << 8 | c.a;
+  };
+  for (const float number :
+       {style.size, style.line_spacing, style.char_spacing, style.border.width, style.padding.left,
+        style.padding.top, style.padding.right, style.padding.bottom}) {
+    mix(std::hash<float>()(number));
+  }
+  mix(color(style.color));
+  mix(color(style.fill));
+  mix(color(style.border.color));
+  mix(static_cast<size_t>(style.bold) | static_cast<size_t>(style.italic) << 1 |
+      static_cast<size_t>(style.underline) << 2 | static_cast<size_t>(style.strikeout) << 3 |
+      static_cast<size_t>(style.wrap) << 4 | static_cast<size_t>(style.clip) << 5 |
+      static_cast<size_t>(style.rich) << 6 | static_cast<size_t>(style.halign) << 8 |
+      static_cast<size_t>(style.valign) << 12 | static_cast<size_t>(style.border.style) << 16 |
+      static_cast<size_t>(style.borders) << 20 |
+      static_cast<size_t>(static_cast<uint16_t>(style.rotation)) << 28);
+  return hash;
+}
 
 uint32_t Document::InternStyle(const TextStyle& style) {
   for (size_t i = 0; i < styles.size(); ++i) {

@@ -8,6 +8,7 @@
 #ifndef VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_
 #define VANTOREL_REPORT_DOCUMENT_DOCUMENT_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -60,6 +61,11 @@ struct TextStyle {
   Stroke border;
   Padding padding;
   friend bool operator==(const TextStyle&, const TextStyle&) = default;
+};
+
+// Hashes what operator== compares, for tables that find a style among many.
+struct TextStyleHash {
+  size_t operator()(const TextStyle& style) const;
 };
 
 // A decoded picture, shared by every item that shows it. JPEG files keep their bytes so a PDF can

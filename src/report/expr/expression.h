@@ -99,6 +99,8 @@ class TextTemplate {
   // The value of a text that is exactly one expression (e.g. "[Q_INV.amt]"); null otherwise.
   virtual std::shared_ptr<const Expression> single() const = 0;
   virtual bool IsConstant() const = 0;
+  // The field ids its expressions read (outside aggregates), each once.
+  virtual const std::vector<int>& fields() const = 0;
   virtual bool Uses(SystemValue which) const = 0;
 };
 

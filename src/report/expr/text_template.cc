@@ -1,4 +1,5 @@
 // Texts with embedded expressions: "Invoice [Q_INV.invno] dated [Q_INV.invdt]".
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,6 +26,14 @@ class CompiledTemplate final : public TextTemplate {
   };
 
   explicit CompiledTemplate(std::vector<Part> parts) : parts_(std::move(parts)) {
+    for (const Part& part : parts_) {
+      if (!part.expression) continue;
+      for (const int field : part.expression->fields()) {
+        if (std::find(fields_.begin(), fields_.end(), field) == fields_.end()) {
+          fields_.push_back(field);
+        }
+      }
+    }
     if (parts_.size() == 1 && parts_[0].expression) {
       single_ = parts_[0].expression;
       return;
@@ -70,6 +79,8 @@ class CompiledTemplate final : public TextTemplate {
     return true;
   }
 
+  const std::vector<int>& fields() const override { return fields_; }
+
   bool Uses(SystemValue which) const override {
     for (const Part& part : parts_) {
       if (part.expression && part.expression->Uses(which)) return true;
@@ -80,6 +91,7 @@ class CompiledTemplate final : public TextTemplate {
  private:
   std::vector<Part> parts_;
   std::shared_ptr<const Expression> single_;
+  std::vector<int> fields_;
 };
 
 }  // namespace

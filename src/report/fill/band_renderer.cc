@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "report/barcode/barcode.h"
+#include "report/fill/push_down.h"
 #include "report/image/image_loader.h"
 #include "report/text/text_layout.h"
 #include "vantorel/error.h"
@@ -71,8 +72,20 @@ BandRenderer::BandRenderer(const CompiledReport& report,
 
 uint32_t BandRenderer::DocumentStyle(uint32_t report_style) {
   int64_t& slot = styles_[report_style];
-  if (slot < 0) slot = document_.InternStyle(report_.styles[report_style]);
+  if (slot < 0) {
+    // The compiler merged equal styles and only this renderer adds styles to the fill's document,
+    // so a style used for the first time is new there: appended without searching.
+    slot = static_cast<int64_t>(document_.styles.size());
+    document_.styles.push_back(report_.styles[report_style]);
+  }
   return static_cast<uint32_t>(slot);
+}
+
+uint32_t BandRenderer::DocumentImage(const std::shared_ptr<const ImageData>& image) {
+  const auto [it, added] =
+      images_.emplace(image.get(), static_cast<uint32_t>(document_.images.size()));
+  if (added) document_.images.push_back(image);
+  return it->second;
 }
 
 bool BandRenderer::Visible(const ExpressionPtr& print_when) {
@@ -142,7 +155,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       if (deferred) {
         item.text.clear();
         block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
-                                  style.rich, context_.Take()});
+                                  style.rich, context_.Take(source->fields())});
       }
       Placed p{block.items.size(), text->box.y, text->box.height};
       p.left = text->box.x;
@@ -177,7 +190,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       }
       placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
                         picture->box.x, picture->box.right()});
-      block.items.emplace_back(ImageItem{picture->box, document_.AddImage(image), picture->fit});
+      block.items.emplace_back(ImageItem{picture->box, DocumentImage(image), picture->fit});
       if (picture->borders != 0 && picture->border.width > 0) {
         // A picture's frame is a rectangle drawn over it.
         placed.push_back({block.items.size(), picture->box.y, picture->box.height, 0, 0,
@@ -224,17 +237,16 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
   for (size_t i = 0; i < order.size(); ++i) order[i] = i;
   std::stable_sort(order.begin(), order.end(),
                    [&](size_t a, size_t b) { return placed[a].top < placed[b].top; });
+  std::vector<PushBox> boxes(order.size());
+  for (size_t i = 0; i < order.size(); ++i) {
+    const Placed& p = placed[order[i]];
+    boxes[i] = {p.top, p.height, p.left, p.right, p.delta};
+  }
+  const std::vector<float> shifts = PushDown(boxes);
   float height = band.height;
   for (size_t i = 0; i < order.size(); ++i) {
     Placed& p = placed[order[i]];
-    for (size_t j = 0; j < i; ++j) {
-      const Placed& above = placed[order[j]];
-      const float push = above.shift + above.delta;
-      if (push <= 0) continue;
-      const bool below = above.top + above.height <= p.top + kEpsilon;
-      const bool overlaps = above.left < p.right - kEpsilon && p.left < above.right - kEpsilon;
-      if (below && overlaps) p.shift = std::max(p.shift, push);
-    }
+    p.shift = shifts[i];
     if (p.shift > 0) MoveY(block.items[p.item], p.shift);
     const float gap = std::max(0.0f, band.height - (p.top + p.height));
     height = std::max(height, p.top + p.shift + p.height + p.delta + gap);
@@ -288,11 +300,10 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
           std::max(1.0f, text->box.width - style.padding.left - style.padding.right);
       const float room = height - text->box.y - style.padding.top - style.padding.bottom;
       const size_t cut = room > 0 ? text::FitText(text->text, style, width, room) : 0;
-      TextItem tail = *text;
-      tail.text = text->text.substr(cut);
-      while (!tail.text.empty() && (tail.text.front() == '\n' || tail.text.front() == ' ')) {
-        tail.text.erase(0, 1);
-      }
+      // The line breaks and spaces at the cut go with the page break.
+      const size_t tail_begin =
+          std::min(text->text.find_first_not_of("\n ", cut), text->text.size());
+      TextItem tail{text->box, text->style, text->text.substr(tail_begin)};
       tail.box.y = 0;
       tail.box.height = text->box.bottom() - height;
       text->text.resize(cut);
@@ -347,6 +358,96 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
   block.deferred = std::move(first_deferred);
   block.height = height;
   return rest;
+}
+
+BlockCutter::BlockCutter(BandBlock block)
+    : deferred_(block.items.size()), height_(block.height), uses_page_(block.uses_page) {
+  waiting_.reserve(block.items.size());
+  for (size_t i = 0; i < block.items.size(); ++i) {
+    waiting_.push_back({i, std::move(block.items[i])});
+  }
+  std::stable_sort(waiting_.begin(), waiting_.end(), [](const Entry& a, const Entry& b) {
+    return Span(a.item).first < Span(b.item).first;
+  });
+  for (DeferredText& deferred : block.deferred) {
+    const size_t index = deferred.item;
+    deferred_[index] = std::move(deferred);
+  }
+}
+
+bool BlockCutter::empty() const {
+  return near_.empty() && waiting_front_ == waiting_.size() && height_ <= 0;
+}
+
+void BlockCutter::CatchUp(Entry& entry) const {
+  // One cut at a time, as Split would have moved it, so the position comes out the same.
+  for (; entry.cuts_made < cuts_.size(); ++entry.cuts_made) {
+    MoveY(entry.item, -cuts_[entry.cuts_made]);
+  }
+}
+
+BandBlock BlockCutter::Cut(float height, const Document& document) {
+  // Objects whose top reaches the cut take part in it; those below would only move up.
+  const size_t first_new = near_.size();
+  while (waiting_front_ < waiting_.size()) {
+    Entry& entry = waiting_[waiting_front_];
+    CatchUp(entry);
+    if (Span(entry.item).first > height + kEpsilon) break;
+    near_.push_back(std::move(entry));
+    ++waiting_front_;
+  }
+  const auto by_index = [](const Entry& a, const Entry& b) { return a.index < b.index; };
+  std::sort(near_.begin() + static_cast<ptrdiff_t>(first_new), near_.end(), by_index);
+  std::inplace_merge(near_.begin(), near_.begin() + static_cast<ptrdiff_t>(first_new), near_.end(),
+                     by_index);
+
+  BandBlock part;
+  part.height = height_;
+  part.uses_page = uses_page_;
+  // Which objects leave something for the rest: all but those that fit whole.
+  std::vector<size_t> continuing;
+  for (Entry& entry : near_) {
+    if (Span(entry.item).second > height + kEpsilon) continuing.push_back(entry.index);
+    if (deferred_[entry.index]) {
+      part.deferred.push_back(std::move(*deferred_[entry.index]));
+      part.deferred.back().item = part.items.size();
+      deferred_[entry.index].reset();
+    }
+    part.items.push_back(std::move(entry.item));
+  }
+  BandBlock rest = BandRenderer::Split(part, height, document);
+  near_.clear();
+  for (size_t k = 0; k < rest.items.size(); ++k) {
+    near_.push_back({continuing[k], std::move(rest.items[k]), cuts_.size() + 1});
+  }
+  for (DeferredText& deferred : rest.deferred) {
+    const size_t index = continuing[deferred.item];
+    deferred_[index] = std::move(deferred);
+  }
+  cuts_.push_back(height);
+  height_ = rest.height;
+  return part;
+}
+
+BandBlock BlockCutter::Rest() {
+  for (; waiting_front_ < waiting_.size(); ++waiting_front_) {
+    CatchUp(waiting_[waiting_front_]);
+    near_.push_back(std::move(waiting_[waiting_front_]));
+  }
+  std::sort(near_.begin(), near_.end(),
+            [](const Entry& a, const Entry& b) { return a.index < b.index; });
+  BandBlock block;
+  block.height = height_;
+  block.uses_page = uses_page_;
+  for (Entry& entry : near_) {
+    if (deferred_[entry.index]) {
+      block.deferred.push_back(std::move(*deferred_[entry.index]));
+      block.deferred.back().item = block.items.size();
+    }
+    block.items.push_back(std::move(entry.item));
+  }
+  near_.clear();
+  return block;
 }
 
 }  // namespace vantorel::report

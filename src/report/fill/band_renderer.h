@@ -8,7 +8,9 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "report/compile/compiled_report.h"
@@ -34,6 +36,45 @@ struct BandBlock {
   bool uses_page = false;  // reads the page number: render again if it moves to another page
 };
 
+// A block taller than a page, cut into page-sized pieces one page at a time: the pieces repeated
+// BandRenderer::Split calls give. Objects below a cut wait untouched — owing the cuts made
+// meanwhile, which they make up in the same order when a cut comes near them — so a band of
+// thousands of objects over hundreds of pages costs what its objects cost, not objects × pages.
+//
+// Thread-safety: belongs to one fill.
+class BlockCutter {
+ public:
+  explicit BlockCutter(BandBlock block);
+
+  // The height of what is left.
+  float height() const { return height_; }
+  // True when nothing is left: no objects and no height.
+  bool empty() const;
+
+  // The piece of what is left that fits "height"; what is left then starts below it.
+  BandBlock Cut(float height, const Document& document);
+
+  // What is left, as one block.
+  BandBlock Rest();
+
+ private:
+  struct Entry {
+    size_t index;  // in the block as rendered
+    Item item;
+    size_t cuts_made = 0;  // of cuts_, applied to it
+  };
+
+  void CatchUp(Entry& entry) const;
+
+  std::vector<Entry> near_;     // at or above the next cut, by index
+  std::vector<Entry> waiting_;  // below, by top: the first waiting_front_ have come near
+  size_t waiting_front_ = 0;
+  std::vector<float> cuts_;                            // the heights cut off so far
+  std::vector<std::optional<DeferredText>> deferred_;  // by index
+  float height_;
+  bool uses_page_;
+};
+
 class BandRenderer {
  public:
   BandRenderer(const CompiledReport& report, const std::vector<TextTemplatePtr>& memo_texts,
@@ -56,6 +97,8 @@ class BandRenderer {
 
  private:
   uint32_t DocumentStyle(uint32_t report_style);
+  // The document's index of "image", added on first use.
+  uint32_t DocumentImage(const std::shared_ptr<const ImageData>& image);
   bool Visible(const ExpressionPtr& print_when);
   bool UsesPage(const CompiledBand& band);
 
@@ -66,6 +109,7 @@ class BandRenderer {
   std::vector<std::string>& warnings_;
   std::vector<int64_t> styles_;  // report style → document style, -1 until used
   std::map<const CompiledBand*, bool> uses_page_;
+  std::unordered_map<const ImageData*, uint32_t> images_;  // into document_.images
 };
 
 }  // namespace vantorel::report

@@ -111,20 +111,20 @@ Value FillContext::Aggregate(int id) const {
   return aggregates_.Current(id);
 }
 
-std::shared_ptr<Snapshot> FillContext::Take() const {
+std::shared_ptr<Snapshot> FillContext::Take(const std::vector<int>& fields) const {
   auto snapshot = std::make_shared<Snapshot>();
   snapshot->rows.resize(cursors_.size());
-  for (size_t q = 0; q < cursors_.size(); ++q) {
-    if (!cursors_[q].has_current()) continue;
-    // Only the columns fields read are copied, at their positions.
-    for (size_t f = 0; f < tables_.fields.size(); ++f) {
-      if (tables_.fields[f].query != static_cast<int>(q)) continue;
-      const int column = cursors_[q].Column(tables_.fields[f].name);
-      if (column < 0) continue;
-      auto& row = snapshot->rows[q];
-      if (row.size() <= static_cast<size_t>(column)) row.resize(static_cast<size_t>(column) + 1);
-      row[static_cast<size_t>(column)] = cursors_[q].Get(column);
-    }
+  // Only the columns the text reads are copied, at their positions: a page's "Page N of M"
+  // copies nothing, however many fields the report reads.
+  for (const int id : fields) {
+    const FieldSpec& field = tables_.fields[static_cast<size_t>(id)];
+    const QueryCursor& cursor = cursors_[static_cast<size_t>(field.query)];
+    if (!cursor.has_current()) continue;
+    const int column = cursor.Column(field.name);
+    if (column < 0) continue;
+    auto& row = snapshot->rows[static_cast<size_t>(field.query)];
+    if (row.size() <= static_cast<size_t>(column)) row.resize(static_cast<size_t>(column) + 1);
+    row[static_cast<size_t>(column)] = cursor.Get(column);
   }
   snapshot->aggregates = aggregates_.Take();
   snapshot->page = page;

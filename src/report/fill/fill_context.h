@@ -47,7 +47,9 @@ class FillContext final : public expr::Context {
   // from being read as its markup.
   bool markup = false;
 
-  std::shared_ptr<Snapshot> Take() const;
+  // The state a text reading "fields" (field ids) needs to be evaluated later, at the end of
+  // the fill: those fields' values now, the aggregates' instances, the page and line.
+  std::shared_ptr<Snapshot> Take(const std::vector<int>& fields) const;
   // Evaluates from "snapshot" (rows, aggregates, numbers) instead of the live state.
   void UseSnapshot(const Snapshot* snapshot);
 

@@ -550,19 +550,22 @@ class Filler {
       }
     }
     // Taller than the room left on a fresh page: print what fits and continue overleaf.
-    while (y_ + block.height > BodyLimit() + 0.01f) {
-      const float room = BodyLimit() - y_;
-      if (room < 1) {
+    if (y_ + block.height > BodyLimit() + 0.01f) {
+      BlockCutter cutter(std::move(block));
+      while (y_ + cutter.height() > BodyLimit() + 0.01f) {
+        const float room = BodyLimit() - y_;
+        if (room < 1) {
+          NextColumnOrPage();
+          continue;
+        }
+        BandBlock part = cutter.Cut(room, result_.document);
+        const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
+        Emit(std::move(part), x, y_);
+        y_ = BodyLimit();
         NextColumnOrPage();
-        continue;
+        if (cutter.empty()) return;
       }
-      BandBlock rest = BandRenderer::Split(block, room, result_.document);
-      const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
-      Emit(std::move(block), x, y_);
-      y_ = BodyLimit();
-      NextColumnOrPage();
-      block = std::move(rest);
-      if (block.items.empty() && block.height <= 0) return;
+      block = cutter.Rest();
     }
     const float x = flow == Flow::kFullWidth ? page_.margin_left : ColumnX(column_);
     const float height = block.height;

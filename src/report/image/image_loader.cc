@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <csetjmp>
+#include <cstdint>
 #include <cstdlib>
 #include <optional>
 
@@ -17,6 +18,7 @@
 #include <iterator>
 #include <list>
 #include <mutex>
+#include <string>
 #include <unordered_map>
 
 #include "host/native_path.h"
@@ -38,6 +40,13 @@ constexpr int kLargestSide = 2000;
 constexpr int kTwinQuality = 100;
 // The cache's budget for decoded pixels.
 constexpr size_t kCacheBudget = size_t{256} << 20;
+// The largest picture decoded, checked from the file's header before any pixel is: far above
+// any logo, photo or scan at print resolution (an A4 page scanned at 600 dpi is 35 megapixels),
+// while a small file may claim any size — a 1 MB PNG of 20000 × 20000 pixels would take 1.2 GB.
+// Pixels bound the work of decoding; bytes the memory of a decoded copy (four bytes a pixel) and
+// of the file, which is read whole.
+constexpr int64_t kMaxPixels = 50'000'000;
+constexpr int64_t kMaxBytes = int64_t{200} << 20;
 
 struct PixbufUnref {
   void operator()(void* object) const {
@@ -64,8 +73,32 @@ double Dpi(GdkPixbuf* pixbuf, const char* option) {
   return error == std::errc() && dpi >= 1 && dpi <= 100000 ? dpi : 0;
 }
 
+// Why a picture of "width" × "height" pixels is too large to decode; empty when it is not.
+std::string TooLarge(int64_t width, int64_t height) {
+  const int64_t pixels = width * height;
+  if (pixels > kMaxPixels) {
+    return std::to_string(width) + " x " + std::to_string(height) + " pixels is more than the " +
+           std::to_string(kMaxPixels / 1'000'000) + " megapixels a picture may have";
+  }
+  if (pixels * 4 > kMaxBytes) {
+    return std::to_string(width) + " x " + std::to_string(height) + " pixels take more than the " +
+           std::to_string(kMaxBytes >> 20) + " MB a decoded picture may take";
+  }
+  return {};
+}
+
 PixbufPtr Decode(const std::string& bytes, const std::string& path) {
   LoaderPtr loader(gdk_pixbuf_loader_new());
+  // The loader announces the size once it has read the header; a size of 0 × 0 makes it stop
+  // there with an error instead of allocating the pixels.
+  std::string too_large;
+  g_signal_connect(loader.get(), "size-prepared",
+                   G_CALLBACK(+[](GdkPixbufLoader* self, int width, int height, gpointer data) {
+                     auto* reason = static_cast<std::string*>(data);
+                     *reason = TooLarge(width, height);
+                     if (!reason->empty()) gdk_pixbuf_loader_set_size(self, 0, 0);
+                   }),
+                   &too_large);
   GError* raw_error = nullptr;
   const bool written =
       gdk_pixbuf_loader_write(loader.get(), reinterpret_cast<const guchar*>(bytes.data()),
@@ -74,6 +107,13 @@ PixbufPtr Decode(const std::string& bytes, const std::string& path) {
   const bool closed = gdk_pixbuf_loader_close(loader.get(), written ? &raw_error : nullptr) != 0;
   std::unique_ptr<GError, ErrorFree> error(raw_error);
   GdkPixbuf* pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
+  if (too_large.empty() && pixbuf != nullptr) {
+    // A loader that went on regardless.
+    too_large = TooLarge(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf));
+  }
+  if (!too_large.empty()) {
+    throw Error(kInvalidPicture, kSource, "Invalid picture: " + path + " (" + too_large + ")");
+  }
   if (!written || !closed || pixbuf == nullptr) {
     std::string reason = error ? error->message : "unknown format";
     throw Error(kInvalidPicture, kSource, "Invalid picture: " + path + " (" + reason + ")");
@@ -182,7 +222,13 @@ std::string JpegTwin(const ImageData& image) {
   return bytes;
 }
 
-std::shared_ptr<const ImageData> ReadImage(const std::string& native, const std::string& path) {
+std::shared_ptr<const ImageData> ReadImage(const std::string& native, const std::string& path,
+                                           const struct stat& info) {
+  if (info.st_size > kMaxBytes) {
+    throw Error(kInvalidPicture, kSource,
+                "Invalid picture: " + path + " (the file is larger than the " +
+                    std::to_string(kMaxBytes >> 20) + " MB a picture may take)");
+  }
   std::ifstream file(native, std::ios::binary);
   if (!file) {
     throw Error(errnum::kPathFileAccess, kSource, "Cannot read picture file " + path);
@@ -304,7 +350,7 @@ std::shared_ptr<const ImageData> LoadImage(const std::string& path) {
     throw Error(errnum::kFileNotFound, kSource, "Picture file not found: " + path);
   }
   if (auto cached = Cache().Find(native, info)) return cached;
-  auto image = ReadImage(native, path);
+  auto image = ReadImage(native, path, info);
   Cache().Insert(native, info, image);
   return image;
 }

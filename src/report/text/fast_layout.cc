@@ -71,6 +71,9 @@ void MarkBreaks(std::string_view text, size_t begin, size_t end, std::vector<Clu
 // line may break ("split": a word may be split), the last where the text before it, shaped
 // alone, fits in "available" with one space just before it hanging outside; failing that, the
 // narrowest. "em" bounds what hanging and kerning take back, so the search stops once past it.
+// Without splitting, nothing past that point can fit and the caller splits instead: so the search
+// stops there too, rather than running on through a long word to the paragraph's end for every
+// line of it.
 struct LineEnd {
   size_t end;  // "start" when there is no place at all
   bool fits;
@@ -85,7 +88,7 @@ LineEnd LastFit(const std::vector<Cluster>& clusters, size_t start, int64_t avai
     const Cluster& last = clusters[p - 1];
     width += last.units;
     const int64_t hanging = last.space ? last.units : 0;
-    if (width - hanging > available + em && best.end != start) break;
+    if (width - hanging > available + em && (best.end != start || !split)) break;
     if (p < clusters.size() && !(split ? clusters[p].split_before : clusters[p].break_before)) {
       continue;
     }

@@ -168,17 +168,42 @@ SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
 }
 
 size_t FitText(std::string_view text, const TextStyle& style, float width, float height) {
-  const auto laid_out = LayOut(text, style, width);
-  const std::vector<TextLine>& lines = laid_out->lines;
+  // A text that runs over many pages is fitted once per page: laying all the rest out each time
+  // would cost the square of its length. Only a prefix is laid out — enough for the lines that
+  // fit and a few more, so that the line where it ends is the one the whole text has.
+  constexpr size_t kSettledLines = 4;
+  // A first guess of the prefix, doubled while too short: lines of at least 0.9 em, characters
+  // of 0.4 em (Latin text averages about half an em).
+  const double line_count = std::max(0.0, static_cast<double>(height)) /
+                                std::max(0.1, static_cast<double>(style.size) * 0.9) +
+                            kSettledLines + 1;
+  const double line_bytes = std::max(1.0, static_cast<double>(width)) /
+                            std::max(0.1, static_cast<double>(style.size) * 0.4);
+  size_t prefix = static_cast<size_t>(std::min(line_count * line_bytes, 1e12));
+  prefix = std::max<size_t>(prefix, 4096);
   constexpr float kTolerance = 0.01f;  // float rounding of heights that were summed elsewhere
-  size_t fitting = 0;
-  while (fitting < lines.size() &&
-         lines[fitting].top + lines[fitting].height <= height + kTolerance) {
-    ++fitting;
+  for (;;) {
+    while (prefix < text.size() && (static_cast<uint8_t>(text[prefix]) & 0xC0) == 0x80) ++prefix;
+    const bool whole = prefix >= text.size();
+    const auto laid_out = whole ? LayOut(text, style, width)
+                                : std::make_shared<const LaidOutText>(
+                                      LayOutUncached(text.substr(0, prefix), style, width));
+    const std::vector<TextLine>& lines = laid_out->lines;
+    size_t fitting = 0;
+    while (fitting < lines.size() &&
+           lines[fitting].top + lines[fitting].height <= height + kTolerance) {
+      ++fitting;
+    }
+    if (whole) {
+      if (fitting == lines.size()) return text.size();
+      if (fitting == 0) return 0;
+      return std::min<size_t>(lines[fitting].begin, text.size());
+    }
+    if (fitting + kSettledLines < lines.size()) {
+      return fitting == 0 ? 0 : lines[fitting].begin;
+    }
+    prefix *= 2;
   }
-  if (fitting == lines.size()) return text.size();
-  if (fitting == 0) return 0;
-  return std::min<size_t>(lines[fitting].begin, text.size());
 }
 
 }  // namespace vantorel::report::text

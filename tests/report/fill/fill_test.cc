@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "report/engine/report_engine.h"
 #include "report/fill/fill.h"
@@ -766,6 +769,88 @@ TEST_F(FillTest, CopiesThatCannotPrintAreTemplateProblems) {
   EXPECT_NE(
       problems_of("<copies count=\"2\" per-sheet=\"2\"/>", "size=\"80mm auto\"").find("roll paper"),
       std::string::npos);
+}
+
+// A text longer than many pages runs over them as a stretching text does: every character
+// printed once, in order, each page's share cut at a line's end.
+TEST_F(FillTest, LongTextRunsOverManyPagesWholeAndOnce) {
+  std::string prose, digits;
+  for (int i = 0; prose.size() < 200000; ++i) {
+    prose += i % 13 == 0 ? "received" : i % 5 == 0 ? "towards" : "the balance";
+    prose += ' ';
+  }
+  prose.pop_back();
+  for (int i = 0; digits.size() < 100000; ++i) digits += static_cast<char>('0' + i * 7 % 10);
+  std::string rupees = "₹ " + prose.substr(0, 100000);
+  Sql("create table memo (id integer, body text);");
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(db_.c_str(), &db), SQLITE_OK);
+  int id = 0;
+  for (const std::string* body : {&prose, &digits, &rupees}) {
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_prepare_v2(db, "insert into memo values (?1, ?2)", -1, &insert, nullptr);
+    sqlite3_bind_int(insert, 1, ++id);
+    sqlite3_bind_text(insert, 2, body->data(), static_cast<int>(body->size()), SQLITE_STATIC);
+    ASSERT_EQ(sqlite3_step(insert), SQLITE_DONE);
+    sqlite3_finalize(insert);
+  }
+  sqlite3_close(db);
+  id = 0;
+  for (const std::string* body : {&prose, &digits, &rupees}) {
+    const Rendered rendered =
+        Render(R"t(
+    <query name="M"><sql>select body from memo where id = :id</sql><param name="id" type="integer"/></query>
+    <title height="20mm">
+      <text width="128mm" height="6mm">Narration</text>
+      <text top="8mm" width="128mm" height="6mm" size="9" stretch="grow">[M.body]</text>
+    </title>
+  )t",
+               "size=\"A5\" margin=\"10mm\"", {{"M", "id", std::to_string(++id)}});
+    ASSERT_GT(rendered.document.pages.size(), 10u);
+    std::string printed;
+    for (size_t page = 0; page < rendered.document.pages.size(); ++page) {
+      for (const std::string& text : Texts(rendered.document, page)) {
+        if (text == "Narration") continue;
+        // Where the text was cut the space between two words went with the line's end.
+        if (!printed.empty() && body != &digits) printed += ' ';
+        printed += text;
+      }
+    }
+    EXPECT_EQ(printed.size(), body->size());
+    EXPECT_TRUE(printed == *body) << "text " << id << " changed on its way over the pages";
+  }
+}
+
+// A picture far larger than any that prints (20000 × 20000 pixels in a small file) is refused
+// from its header, like a picture that cannot be read: a warning, and the document prints.
+TEST_F(FillTest, PictureTooLargeIsAWarning) {
+  // A PNG's signature, header and a first (empty) data chunk: enough for its size to be known.
+  std::string png("\x89PNG\r\n\x1a\n", 8);
+  const auto chunk = [&png](std::string_view type_and_data) {
+    const uint32_t length = static_cast<uint32_t>(type_and_data.size() - 4);
+    for (int shift = 24; shift >= 0; shift -= 8) png += static_cast<char>(length >> shift);
+    png += type_and_data;
+    uint32_t crc = 0xFFFFFFFFu;
+    for (const char c : type_and_data) {
+      crc ^= static_cast<uint8_t>(c);
+      for (int bit = 0; bit < 8; ++bit) crc = crc >> 1 ^ (crc & 1 ? 0xEDB88320u : 0);
+    }
+    for (int shift = 24; shift >= 0; shift -= 8) png += static_cast<char>(~crc >> shift);
+  };
+  chunk(std::string_view("IHDR\0\0\x4e\x20\0\0\x4e\x20\x01\0\0\0\0", 17));  // 20000 × 20000
+  chunk("IDAT");
+  chunk("IEND");
+  const std::string path = dir_.Write("huge.png", png);
+  const Rendered rendered = Render(
+      "<title height=\"30mm\"><picture name=\"Scan\" width=\"20mm\" height=\"20mm\" source=\"" +
+      path + "\"/><text left=\"25mm\" width=\"60mm\" height=\"6mm\">Receipt</text></title>");
+  ASSERT_EQ(rendered.warnings.size(), 1u);
+  EXPECT_EQ(rendered.warnings[0],
+            "picture \"Scan\": Invalid picture: " + path +
+                " (20000 x 20000 pixels is more than the 50 megapixels a picture may have)");
+  ASSERT_EQ(rendered.document.pages.size(), 1u);
+  EXPECT_EQ(Texts(rendered.document, 0), std::vector<std::string>{"Receipt"});
+  EXPECT_TRUE(rendered.document.images.empty());
 }
 
 // The prepared document of a small report, serialised, against the reference in golden/.

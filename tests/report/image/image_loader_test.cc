@@ -2,13 +2,19 @@
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <zlib.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "vantorel/error.h"
 
@@ -33,6 +39,54 @@ std::string ReadFile(const fs::path& path) {
   std::ostringstream out;
   out << in.rdbuf();
   return out.str();
+}
+
+// A PNG chunk: length, type, data and the CRC of type and data.
+void AppendChunk(std::string& png, const char* type, const std::string& data) {
+  const uint32_t length = static_cast<uint32_t>(data.size());
+  for (int shift = 24; shift >= 0; shift -= 8) png += static_cast<char>(length >> shift);
+  const std::string body = type + data;
+  png += body;
+  const uint32_t crc = static_cast<uint32_t>(
+      crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size())));
+  for (int shift = 24; shift >= 0; shift -= 8) png += static_cast<char>(crc >> shift);
+}
+
+// A black PNG of "side" × "side" pixels at one bit a pixel: a few tens of kilobytes on disk for
+// 20000 × 20000, and 1.2 GB once gdk-pixbuf has decoded it to RGB.
+std::string BlackPng(uint32_t side) {
+  std::string header;
+  for (const uint32_t value : {side, side}) {
+    for (int shift = 24; shift >= 0; shift -= 8) header += static_cast<char>(value >> shift);
+  }
+  header +=
+      std::string("\x01\x00\x00\x00\x00", 5);  // 1 bit, grey, deflate, no filter, no interlace
+  // Every row is its filter byte and side / 8 bytes of black: all zeros, deflated in pieces.
+  const size_t row = 1 + (side + 7) / 8;
+  const std::vector<Bytef> zeros(row * 64, 0);
+  z_stream stream{};
+  deflateInit(&stream, Z_BEST_COMPRESSION);
+  std::string idat;
+  std::vector<Bytef> out(1 << 16);
+  for (uint32_t rows = 0; rows < side;) {
+    const uint32_t now = std::min<uint32_t>(64, side - rows);
+    rows += now;
+    stream.next_in = const_cast<Bytef*>(zeros.data());
+    stream.avail_in = static_cast<uInt>(row * now);
+    const int flush = rows == side ? Z_FINISH : Z_NO_FLUSH;
+    do {
+      stream.next_out = out.data();
+      stream.avail_out = static_cast<uInt>(out.size());
+      deflate(&stream, flush);
+      idat.append(reinterpret_cast<const char*>(out.data()), out.size() - stream.avail_out);
+    } while (stream.avail_out == 0 || (flush == Z_FINISH && stream.avail_in > 0));
+  }
+  deflateEnd(&stream);
+  std::string png("\x89PNG\r\n\x1a\n", 8);
+  AppendChunk(png, "IHDR", header);
+  AppendChunk(png, "IDAT", idat);
+  AppendChunk(png, "IEND", "");
+  return png;
 }
 
 class ImageLoaderTest : public ::testing::Test {
@@ -177,6 +231,62 @@ TEST_F(ImageLoaderTest, UndecodableFileIsAnError) {
   } catch (const Error& error) {
     EXPECT_NE(error.number(), errnum::kFileNotFound);
     EXPECT_NE(error.description().find(path.string()), std::string::npos) << error.description();
+  }
+}
+
+TEST_F(ImageLoaderTest, TooManyPixelsAreRefusedBeforeDecoding) {
+  const fs::path path = dir_ / "huge.png";
+  std::ofstream(path, std::ios::binary) << BlackPng(20000);
+  ASSERT_LT(fs::file_size(path), 2u << 20);
+  // Loaded in a child process, whose peak memory is its own: what decoding took shows there.
+  int result[2];
+  ASSERT_EQ(pipe(result), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    struct rusage before, after;
+    getrusage(RUSAGE_SELF, &before);
+    std::string outcome = "loaded";
+    try {
+      LoadImage(path.string());
+    } catch (const Error& error) {
+      outcome = std::to_string(error.number()) + " " + error.description();
+    }
+    getrusage(RUSAGE_SELF, &after);
+    outcome = std::to_string(after.ru_maxrss - before.ru_maxrss) + " " + outcome;
+    const ssize_t written = write(result[1], outcome.data(), outcome.size());
+    _exit(written == static_cast<ssize_t>(outcome.size()) ? 0 : 1);
+  }
+  close(result[1]);
+  std::string outcome;
+  char buffer[512];
+  for (ssize_t n; (n = read(result[0], buffer, sizeof buffer)) > 0;) outcome.append(buffer, n);
+  close(result[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  const long grown_kb = std::stol(outcome);
+  const std::string reported = outcome.substr(outcome.find(' ') + 1);
+  EXPECT_EQ(reported, "481 Invalid picture: " + path.string() +
+                          " (20000 x 20000 pixels is more than the 50 megapixels a picture may "
+                          "have)");
+  EXPECT_LT(grown_kb, 64 * 1024) << "the pixels were decoded";
+}
+
+TEST_F(ImageLoaderTest, TooLargeAFileIsRefusedUnread) {
+  const fs::path path = dir_ / "large.png";
+  {
+    std::ofstream file(path, std::ios::binary);
+    file << BlackPng(8);
+  }
+  fs::resize_file(path, (200u << 20) + 1);  // sparse: takes no room on disk
+  try {
+    LoadImage(path.string());
+    FAIL() << "expected an error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), 481);
+    EXPECT_NE(error.description().find("larger than the 200 MB"), std::string::npos)
+        << error.description();
   }
 }
 

@@ -1,11 +1,13 @@
 // Where lines break: the same places on both ways of laying text out, and never inside a date or
 // a document number after its hyphens and slashes.
 #include <gtest/gtest.h>
+#include <pango/pangocairo.h>
 
 #include <algorithm>
 #include <cmath>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "report/text/fonts.h"
@@ -164,6 +166,106 @@ TEST(LineBreakTest, FastPathAndPangoBreakAlike) {
     }
   }
   EXPECT_EQ(compared, 3 * 2 * 200 * 5);
+}
+
+// Pango lays a long text out a window at a time; the lines must still be the whole text's, as
+// our own breaker, which takes the whole text at once, finds them.
+TEST(LineBreakTest, LongTextsBreakAlikeInWindows) {
+  uint32_t seed = 777;
+  const auto next = [&] {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 16) & 0x7fff;
+  };
+  const char* kWords[] = {"received", "towards",     "22-02-2030", "VSI/24-25/0007", "the",
+                          "balance",  "1,05,630.00", "of",         "Two-wheeler",    "a"};
+  std::string prose, mixed;
+  while (prose.size() < 40000) {
+    prose += kWords[next() % std::size(kWords)];
+    prose += next() % 50 == 0 ? "\n" : " ";
+  }
+  while (mixed.size() < 40000) {
+    mixed += next() % 3 == 0 ? std::string(next() % 700, 'x') : kWords[next() % std::size(kWords)];
+    mixed += ' ';
+  }
+  for (const std::string* text : {&prose, &mixed}) {
+    for (const float width : {90.0f, 300.0f}) {
+      TextStyle style = Style(9);
+      for (const HAlign align : {HAlign::kLeft, HAlign::kJustify}) {
+        style.halign = align;
+        const std::vector<std::string> fast = FastLines(*text, style, width);
+        const std::vector<std::string> pango = PangoLines(*text, style, width);
+        EXPECT_GT(fast.size(), 100u);
+        const auto [f, p] = std::mismatch(fast.begin(), fast.end(), pango.begin(), pango.end());
+        EXPECT_TRUE(f == fast.end() && p == pango.end())
+            << "line " << f - fast.begin() << ": \"" << (f == fast.end() ? "" : *f)
+            << "\" against \"" << (p == pango.end() ? "" : *p) << "\" at " << width;
+      }
+    }
+  }
+}
+
+// The lines of "text" as one PangoLayout of the whole text makes them, set up as the Pango path
+// sets up its own.
+std::vector<std::string> WholePangoLines(const std::string& text, const TextStyle& style,
+                                         float width) {
+  PangoLayout* layout = ThreadFonts::Current().layout();
+  PangoFontDescription* description =
+      ThreadFonts::Describe(style.font_family, style.bold, style.italic, style.size);
+  pango_layout_set_font_description(layout, description);
+  pango_font_description_free(description);
+  PangoAttrList* attributes = pango_attr_list_new();
+  pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+  pango_layout_set_attributes(layout, attributes);
+  pango_attr_list_unref(attributes);
+  pango_layout_set_text(layout, text.data(), static_cast<int>(text.size()));
+  pango_layout_set_alignment(layout, PANGO_ALIGN_LEFT);
+  pango_layout_set_justify(layout, FALSE);
+  pango_layout_set_width(layout, PangoUnits(width));
+  pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+  std::vector<std::string> lines;
+  for (GSList* node = pango_layout_get_lines_readonly(layout); node != nullptr; node = node->next) {
+    const auto* line = static_cast<const PangoLayoutLine*>(node->data);
+    lines.push_back(
+        text.substr(static_cast<size_t>(line->start_index), static_cast<size_t>(line->length)));
+  }
+  return lines;
+}
+
+// Where our breaker and Pango's may differ (a long run of digits split between characters, a
+// script only Pango shapes), the windows still give exactly the lines of one whole layout —
+// also where a window starts among digits that take their script from a word before it.
+TEST(LineBreakTest, PangoWindowsKeepTheWholeTextsLines) {
+  uint32_t seed = 99;
+  const auto next = [&] {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 16) & 0x7fff;
+  };
+  const auto text_of = [&](std::initializer_list<const char*> words) {
+    std::string text;
+    while (text.size() < 12000) {
+      text +=
+          next() % 5 == 0 ? std::string(next() % 300, '7') : words.begin()[next() % words.size()];
+      text += next() % 40 == 0 ? "\n" : " ";
+    }
+    return text;
+  };
+  std::string digits;
+  while (digits.size() < 12000) digits += static_cast<char>('0' + next() % 10);
+  const std::string latin = text_of({"₹", "1,05,630.00", "received", "towards", "(Net)", "a"});
+  const std::string hindi = text_of({"श्री", "गणेश", "मोटर्स", "₹", "1,05,630.00", "received", "a"});
+  for (const std::string* text : {&std::as_const(digits), &latin, &hindi}) {
+    for (const float width : {90.0f, 300.0f}) {
+      const TextStyle style = Style(9);
+      const std::vector<std::string> whole = WholePangoLines(*text, style, width);
+      const std::vector<std::string> windows = PangoLines(*text, style, width);
+      EXPECT_GT(whole.size(), 30u);
+      const auto [w, p] = std::mismatch(whole.begin(), whole.end(), windows.begin(), windows.end());
+      EXPECT_TRUE(w == whole.end() && p == windows.end())
+          << "line " << w - whole.begin() << ": \"" << (w == whole.end() ? "" : *w)
+          << "\" against \"" << (p == windows.end() ? "" : *p) << "\" in " << text->substr(0, 12)
+          << " at " << width;
+    }
+  }
 }
 
 }  // namespace

@@ -309,6 +309,31 @@ TEST(FitTextTest, ReportsOffsetsInTheMarkup) {
   EXPECT_EQ(text.substr(offset), "<i>second</i>");
 }
 
+// A long text is fitted from a prefix of it; the cut is where the whole text's lines put it.
+TEST(FitTextTest, LongTextsSplitWhereTheirWholeLayoutDoes) {
+  std::string prose, digits, rupees;
+  for (int i = 0; prose.size() < 100000; ++i) {
+    prose += i % 7 == 0 ? "received " : i % 11 == 0 ? "VSI/24-25/0007\n" : "balance of ";
+  }
+  for (int i = 0; digits.size() < 100000; ++i) digits += static_cast<char>('0' + i * 7 % 10);
+  rupees = "₹ " + prose;
+  for (const std::string* text : {&prose, &digits, &rupees}) {
+    const TextStyle style = Style(9);
+    const auto whole = LayOut(*text, style, 300);
+    EXPECT_EQ(whole->fast_path, text != &rupees);
+    for (const float height : {0.0f, 5.0f, 40.0f, 700.0f, 3000.0f}) {
+      size_t fitting = 0;
+      while (fitting < whole->lines.size() &&
+             whole->lines[fitting].top + whole->lines[fitting].height <= height + 0.01f) {
+        ++fitting;
+      }
+      const size_t expected = fitting == 0 ? 0 : whole->lines[fitting].begin;
+      EXPECT_EQ(FitText(*text, style, 300, height), expected)
+          << text->substr(0, 10) << " in " << height;
+    }
+  }
+}
+
 TEST(LayoutCacheTest, MeasureFitAndDrawShareOneLayout) {
   ClearLayoutCache();
   const TextStyle style = Style();
