@@ -147,8 +147,10 @@ class Writer {
         {&design_.column_header, BandKind::kColumnHeader},
         {&design_.column_footer, BandKind::kColumnFooter},
         {&design_.title, BandKind::kTitle}};
-    for (const auto& [slot, kind] : singles) {
-      kinds.push_back({{BandElementName(kind)}, *slot ? 1u : 0u, [this, slot](size_t) {
+    for (const auto& single : singles) {
+      // Named, not a structured binding: clang before 16 cannot capture those.
+      const std::optional<Band>* slot = single.first;
+      kinds.push_back({{BandElementName(single.second)}, *slot ? 1u : 0u, [this, slot](size_t) {
                          WriteBand(1, **slot);
                        }});
     }
