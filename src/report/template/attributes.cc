@@ -57,17 +57,8 @@ std::string Borders(uint8_t sides) {
 }
 
 std::string LineStyleText(LineStyle style) {
-  switch (style) {
-    case LineStyle::kSolid:
-      return "solid";
-    case LineStyle::kDash:
-      return "dash";
-    case LineStyle::kDot:
-      return "dot";
-    case LineStyle::kDashDot:
-      return "dash-dot";
-    case LineStyle::kDouble:
-      return "double";
+  for (const auto& [text, value] : kLineStyleNames) {
+    if (value == style) return text;
   }
   return "solid";
 }

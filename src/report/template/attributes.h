@@ -11,11 +11,20 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "report/template/design.h"
 
 namespace vantorel::report {
+
+// How templates name line styles, for the reader and the writer alike.
+inline constexpr std::pair<const char*, LineStyle> kLineStyleNames[] = {
+    {"solid", LineStyle::kSolid},
+    {"dash", LineStyle::kDash},
+    {"dot", LineStyle::kDot},
+    {"dash-dot", LineStyle::kDashDot},
+    {"double", LineStyle::kDouble}};
 
 template <typename E>
 struct AttributeSpec {

@@ -12,6 +12,7 @@
 #include <initializer_list>
 #include <map>
 #include <optional>
+#include <span>
 
 #include "host/native_path.h"
 #include "report/expr/text_util.h"
@@ -536,6 +537,12 @@ class Reader {
   template <typename T>
   std::optional<T> Choice(const pugi::xml_node& node, const char* name,
                           std::initializer_list<std::pair<const char*, T>> choices) {
+    return Choice(node, name, std::span(choices.begin(), choices.size()));
+  }
+
+  template <typename T>
+  std::optional<T> Choice(const pugi::xml_node& node, const char* name,
+                          std::span<const std::pair<const char*, T>> choices) {
     const pugi::xml_attribute attribute = node.attribute(name);
     if (!attribute) return std::nullopt;
     for (const auto& [text, value] : choices) {
@@ -599,12 +606,7 @@ class Reader {
     if (node.attribute("border")) style.borders = Borders(node, node.attribute("border").value());
     if (const auto width = Length(node, "border-width")) style.border_width = *width;
     style.border_color = ColorAttribute(node, "border-color");
-    style.border_style = Choice<LineStyle>(node, "border-style",
-                                           {{"solid", LineStyle::kSolid},
-                                            {"dash", LineStyle::kDash},
-                                            {"dot", LineStyle::kDot},
-                                            {"dash-dot", LineStyle::kDashDot},
-                                            {"double", LineStyle::kDouble}});
+    style.border_style = Choice<LineStyle>(node, "border-style", std::span(kLineStyleNames));
     if (node.attribute("padding")) {
       const auto words = Words(node.attribute("padding").value());
       std::vector<float> values;
@@ -672,13 +674,8 @@ class Reader {
     Stroke stroke;
     stroke.width = Length(node, width).value_or(default_width);
     stroke.color = ColorAttribute(node, color).value_or(Color::Black());
-    stroke.style = Choice<LineStyle>(node, style,
-                                     {{"solid", LineStyle::kSolid},
-                                      {"dash", LineStyle::kDash},
-                                      {"dot", LineStyle::kDot},
-                                      {"dash-dot", LineStyle::kDashDot},
-                                      {"double", LineStyle::kDouble}})
-                       .value_or(LineStyle::kSolid);
+    stroke.style =
+        Choice<LineStyle>(node, style, std::span(kLineStyleNames)).value_or(LineStyle::kSolid);
     return stroke;
   }
 
