@@ -56,12 +56,7 @@ std::string Borders(uint8_t sides) {
   return text.empty() ? "none" : text;
 }
 
-std::string LineStyleText(LineStyle style) {
-  for (const auto& [text, value] : kLineStyleNames) {
-    if (value == style) return text;
-  }
-  return "solid";
-}
+std::string LineStyleText(LineStyle style) { return NameOf(kLineStyleNames, style); }
 
 // Four lengths, or one when they are equal.
 std::string Sides(float left, float top, float right, float bottom, std::string_view as) {
@@ -111,14 +106,12 @@ const AttributeTable<StyleSpec>& StyleSpecAttributes() {
       {"align", "left",
        [](const StyleSpec& s, auto) -> Text {
          if (!s.halign) return std::nullopt;
-         static constexpr const char* kNames[] = {"left", "center", "right", "justify"};
-         return kNames[static_cast<int>(*s.halign)];
+         return NameOf(kHAlignNames, *s.halign);
        }},
       {"valign", "top",
        [](const StyleSpec& s, auto) -> Text {
          if (!s.valign) return std::nullopt;
-         static constexpr const char* kNames[] = {"top", "middle", "bottom"};
-         return kNames[static_cast<int>(*s.valign)];
+         return NameOf(kVAlignNames, *s.valign);
        }},
       {"wrap", "true", [](const StyleSpec& s, auto) { return Maybe(s.wrap, Flag); }},
       {"clip", "true", [](const StyleSpec& s, auto) { return Maybe(s.clip, Flag); }},
@@ -459,11 +452,9 @@ const AttributeTable<PictureObject>& PictureAttributes() {
   static const AttributeTable<PictureObject> table = [] {
     AttributeTable<PictureObject> t = BoxAttributes<PictureObject>();
     t.push_back({"source", nullptr, [](const PictureObject& o, auto) { return Text(o.source); }});
-    t.push_back(
-        {"fit", "contain", [](const PictureObject& o, auto) -> Text {
-           static constexpr const char* kNames[] = {"contain", "stretch", "center", "cover"};
-           return kNames[static_cast<int>(o.fit)];
-         }});
+    t.push_back({"fit", "contain", [](const PictureObject& o, auto) -> Text {
+                   return NameOf(kImageFitNames, o.fit);
+                 }});
     t.push_back(
         {"border", "none", [](const PictureObject& o, auto) { return Text(Borders(o.borders)); }});
     AddStroke(t, "border-width", "border-color", "border-style", &PictureObject::border);

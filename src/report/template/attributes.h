@@ -7,6 +7,7 @@
 #ifndef VANTOREL_REPORT_TEMPLATE_ATTRIBUTES_H_
 #define VANTOREL_REPORT_TEMPLATE_ATTRIBUTES_H_
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,13 +19,33 @@
 
 namespace vantorel::report {
 
-// How templates name line styles, for the reader and the writer alike.
+// How templates name the values of enumerated attributes, for the reader and the writer alike.
 inline constexpr std::pair<const char*, LineStyle> kLineStyleNames[] = {
     {"solid", LineStyle::kSolid},
     {"dash", LineStyle::kDash},
     {"dot", LineStyle::kDot},
     {"dash-dot", LineStyle::kDashDot},
     {"double", LineStyle::kDouble}};
+inline constexpr std::pair<const char*, HAlign> kHAlignNames[] = {{"left", HAlign::kLeft},
+                                                                  {"center", HAlign::kCenter},
+                                                                  {"right", HAlign::kRight},
+                                                                  {"justify", HAlign::kJustify}};
+inline constexpr std::pair<const char*, VAlign> kVAlignNames[] = {
+    {"top", VAlign::kTop}, {"middle", VAlign::kMiddle}, {"bottom", VAlign::kBottom}};
+inline constexpr std::pair<const char*, ImageFit> kImageFitNames[] = {
+    {"contain", ImageFit::kContain},
+    {"stretch", ImageFit::kStretch},
+    {"center", ImageFit::kCenter},
+    {"cover", ImageFit::kCover}};
+
+// The name "names" gives "value"; the first name when none does.
+template <typename T, size_t N>
+const char* NameOf(const std::pair<const char*, T> (&names)[N], T value) {
+  for (const auto& [text, named] : names) {
+    if (named == value) return text;
+  }
+  return names[0].first;
+}
 
 template <typename E>
 struct AttributeSpec {

@@ -582,14 +582,8 @@ class Reader {
     style.strikeout = OptionalFlag(node, "strikeout");
     style.color = ColorAttribute(node, "color");
     style.fill = ColorAttribute(node, "fill");
-    style.halign = Choice<HAlign>(node, "align",
-                                  {{"left", HAlign::kLeft},
-                                   {"center", HAlign::kCenter},
-                                   {"right", HAlign::kRight},
-                                   {"justify", HAlign::kJustify}});
-    style.valign = Choice<VAlign>(
-        node, "valign",
-        {{"top", VAlign::kTop}, {"middle", VAlign::kMiddle}, {"bottom", VAlign::kBottom}});
+    style.halign = Choice<HAlign>(node, "align", std::span(kHAlignNames));
+    style.valign = Choice<VAlign>(node, "valign", std::span(kVAlignNames));
     style.wrap = OptionalFlag(node, "wrap");
     style.clip = OptionalFlag(node, "clip");
     style.rich = OptionalFlag(node, "rich");
@@ -700,12 +694,8 @@ class Reader {
       PictureObject picture;
       ReadCommon(node, picture);
       picture.source = Text(node, "source");
-      picture.fit = Choice<ImageFit>(node, "fit",
-                                     {{"contain", ImageFit::kContain},
-                                      {"stretch", ImageFit::kStretch},
-                                      {"center", ImageFit::kCenter},
-                                      {"cover", ImageFit::kCover}})
-                        .value_or(ImageFit::kContain);
+      picture.fit =
+          Choice<ImageFit>(node, "fit", std::span(kImageFitNames)).value_or(ImageFit::kContain);
       if (node.attribute("border"))
         picture.borders = Borders(node, node.attribute("border").value());
       picture.border = ReadStroke(node, "border-width", "border-color", "border-style", 0.5f);
