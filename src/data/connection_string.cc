@@ -381,17 +381,28 @@ std::string Redact(std::string text, const std::string& connection_string) {
       }
     }
   }
-  // Longer first, so a password that contains another is replaced whole.
-  std::sort(secrets.begin(), secrets.end(),
-            [](const std::string& a, const std::string& b) { return a.size() > b.size(); });
-  for (const std::string& secret : secrets) {
-    if (secret.empty()) continue;
-    for (size_t pos = text.find(secret); pos != std::string::npos;
-         pos = text.find(secret, pos + 3)) {
-      text.replace(pos, secret.size(), "***");
+  // Longer first, so a password that contains another is replaced whole; one pass over the
+  // text, so a replacement is never searched again (a password "*" would grow it without end).
+  std::sort(secrets.begin(), secrets.end(), [](const std::string& a, const std::string& b) {
+    return a.size() != b.size() ? a.size() > b.size() : a < b;
+  });
+  secrets.erase(std::unique(secrets.begin(), secrets.end()), secrets.end());
+  std::erase_if(secrets, [](const std::string& secret) { return secret.empty(); });
+  if (secrets.empty()) return text;
+  std::string redacted;
+  redacted.reserve(text.size());
+  for (size_t i = 0; i < text.size();) {
+    const auto found = std::find_if(secrets.begin(), secrets.end(), [&](const std::string& secret) {
+      return text.compare(i, secret.size(), secret) == 0;
+    });
+    if (found != secrets.end()) {
+      redacted += "***";
+      i += found->size();
+    } else {
+      redacted += text[i++];
     }
   }
-  return text;
+  return redacted;
 }
 
 }  // namespace vantorel::data

@@ -204,6 +204,13 @@ TEST(DataConnectionString, APartWithoutEqualsNeverEchoesIt) {
   EXPECT_EQ(error.description().find("abc"), std::string::npos);
 }
 
+// A password that is a star, given many times, once made each pass triple the text.
+TEST(DataRedact, ReplacementsAreNeverRedactedAgain) {
+  std::string connection = "DSN=d";
+  for (int i = 0; i < 40; ++i) connection += ";PWD=*;Pwd=**";
+  EXPECT_EQ(Redact("a * b ** c", connection), "a *** b *** c");
+}
+
 TEST(DataRedact, ReplacesEveryPasswordOccurrence) {
   EXPECT_EQ(Redact("login failed: s3cret was s3cret", "DSN=d;UID=u;PWD=s3cret"),
             "login failed: *** was ***");
