@@ -43,6 +43,7 @@ struct CompiledText {
   StretchMode stretch = StretchMode::kNone;
   bool shrink = false;
   bool hide_zero = false;
+  bool trim = false;
   int memo = -1;  // index among the report's memos, for texts set at run time
 };
 

@@ -7,6 +7,7 @@
 
 #include "report/compile/compiled_report.h"
 #include "report/expr/text_util.h"
+#include "report/template/library.h"
 
 namespace vantorel::report {
 namespace {
@@ -420,6 +421,7 @@ class Compiler {
             text.stretch = o.stretch;
             text.shrink = o.shrink;
             text.hide_zero = o.hide_zero;
+            text.trim = o.trim;
             if (text.text && text.text->Uses(expr::SystemValue::kTotalPages)) {
               report_->uses_total_pages = true;
             }
@@ -452,6 +454,10 @@ class Compiler {
             barcode.color = o.color;
             barcode.background = o.background;
             return barcode;
+          } else if constexpr (std::is_same_v<T, PartUse>) {
+            AddProblem(o.line, "part \"" + o.part + "\" is used but was not taken from a library",
+                       "a template with <use> is compiled through CompileTemplate");
+            return CompiledRect{};
           } else if constexpr (std::is_same_v<T, LineObject>) {
             return CompiledLine{o.name,   o.from,          o.to, PrintWhen(o.print_when, o.line),
                                 o.stroke, o.grow_with_band};
@@ -639,12 +645,17 @@ std::shared_ptr<const CompiledReport> Compile(const Template& design, const std:
 std::shared_ptr<const CompiledReport> CompileTemplate(std::string_view xml,
                                                       const std::string& file) {
   std::vector<Problem> problems;
-  const Template design = ParseTemplate(xml, file, problems);
+  const Template read = ParseTemplate(xml, file, problems);
+  const size_t read_problems = problems.size();
+  const Template design = ExpandParts(read, file, problems);
   std::shared_ptr<const CompiledReport> report;
-  try {
-    report = Compile(design, file);
-  } catch (const TemplateError& error) {
-    problems.insert(problems.end(), error.problems().begin(), error.problems().end());
+  // Parts that could not be put in would only add problems that follow from theirs.
+  if (problems.size() == read_problems) {
+    try {
+      report = Compile(design, file);
+    } catch (const TemplateError& error) {
+      problems.insert(problems.end(), error.problems().begin(), error.problems().end());
+    }
   }
   if (!problems.empty()) {
     std::stable_sort(problems.begin(), problems.end(),

@@ -226,6 +226,25 @@ Value Program::EvalCall(const Node& node, const int* operands, const Context& co
     }
     case Function::kToday:
       return context.System(SystemValue::kDate);
+    case Function::kJoinText: {
+      // Addresses: "Baramati" as locality and as city prints once, and empty lines drop out.
+      const std::string separator = DisplayText(Eval(operands[0], context));
+      std::vector<std::string> kept;
+      std::string joined;
+      for (int i = 1; i < node.count; ++i) {
+        std::string part = DisplayText(Eval(operands[i], context));
+        part.erase(0, part.find_first_not_of(" \t\r\n"));
+        part.erase(part.find_last_not_of(" \t\r\n") + 1);
+        if (part.empty() || std::any_of(kept.begin(), kept.end(), [&](const std::string& k) {
+              return EqualsIgnoreCase(k, part);
+            })) {
+          continue;
+        }
+        joined += (kept.empty() ? "" : separator) + part;
+        kept.push_back(part);
+      }
+      return Value::Text(std::move(joined));
+    }
     default: {
       std::array<Value, kMaxPlainArguments> args;
       for (int i = 0; i < node.count; ++i) args[i] = Eval(operands[i], context);

@@ -43,6 +43,7 @@ constexpr FunctionInfo kFunctions[] = {
     {"Floor", Function::kFloor, 1, 1, "Floor(number)"},
     {"Least", Function::kLeast, 1, kAnyNumber, "Least(value, value, ...)"},
     {"Greatest", Function::kGreatest, 1, kAnyNumber, "Greatest(value, value, ...)"},
+    {"JoinText", Function::kJoinText, 2, kAnyNumber, "JoinText(separator, text, text, ...)"},
     {"Year", Function::kYear, 1, 1, "Year(date)"},
     {"Month", Function::kMonth, 1, 1, "Month(date)"},
     {"Day", Function::kDay, 1, 1, "Day(date)"},

@@ -22,6 +22,7 @@ enum class Function : uint8_t {
   kLeast,
   kGreatest,
   kToday,
+  kJoinText,
   // Plain functions of at most kMaxPlainArguments evaluated arguments.
   kIsNull,
   kFormat,

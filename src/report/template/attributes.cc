@@ -442,6 +442,7 @@ const AttributeTable<TextObject>& TextAttributes() {
         {"shrink", "false", [](const TextObject& o, auto) { return Text(Flag(o.shrink)); }});
     t.push_back(
         {"hide-zero", "false", [](const TextObject& o, auto) { return Text(Flag(o.hide_zero)); }});
+    t.push_back({"trim", "false", [](const TextObject& o, auto) { return Text(Flag(o.trim)); }});
     Lift(StyleSpecAttributes(), &TextObject::style, t);
     return t;
   }();
@@ -522,6 +523,28 @@ const AttributeTable<RectObject>& RectAttributes() {
                  [](const RectObject& o, auto) { return Text(Flag(o.grow_with_band)); }});
     return t;
   }();
+  return table;
+}
+
+const AttributeTable<PartUse>& UseAttributes() {
+  static const AttributeTable<PartUse> table = {
+      {"part", nullptr, [](const PartUse& u, auto) { return Text(u.part); },
+       [](const PartUse&) { return false; }},
+      {"name", nullptr, [](const PartUse& u, auto) { return Text(u.name); }},
+      {"left", "0",
+       [](const PartUse& u, std::string_view as) { return Text(FormatLength(u.box.x, as)); }},
+      {"top", "0",
+       [](const PartUse& u, std::string_view as) { return Text(FormatLength(u.box.y, as)); }},
+      {"print-when", nullptr, [](const PartUse& u, auto) { return Text(u.print_when); }},
+  };
+  return table;
+}
+
+const AttributeTable<LibraryRef>& LibraryAttributes() {
+  static const AttributeTable<LibraryRef> table = {
+      {"file", nullptr, [](const LibraryRef& l, auto) { return Text(l.file); },
+       [](const LibraryRef&) { return false; }},
+  };
   return table;
 }
 

@@ -86,6 +86,9 @@ const AttributeTable<PictureObject>& PictureAttributes();
 const AttributeTable<BarcodeObject>& BarcodeAttributes();
 const AttributeTable<LineObject>& LineAttributes();
 const AttributeTable<RectObject>& RectAttributes();
+// <use>: its own attributes; every other attribute is an argument of the part.
+const AttributeTable<PartUse>& UseAttributes();
+const AttributeTable<LibraryRef>& LibraryAttributes();
 
 template <typename E>
 std::vector<const char*> AttributeNames(const AttributeTable<E>& table) {

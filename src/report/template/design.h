@@ -93,6 +93,7 @@ struct TextObject : ObjectCommon {
   StretchMode stretch = StretchMode::kNone;
   bool shrink = false;     // may become shorter than its height when the text is short
   bool hide_zero = false;  // a single-expression text whose value is zero prints nothing
+  bool trim = false;       // blanks before and after what it prints are dropped
 };
 
 struct PictureObject : ObjectCommon {
@@ -124,7 +125,20 @@ struct RectObject : ObjectCommon {
   bool grow_with_band = false;
 };
 
-using DesignObject = std::variant<TextObject, PictureObject, BarcodeObject, LineObject, RectObject>;
+// A part of the house library placed in a band: the part's objects, moved by "box"'s left and
+// top, with its parameters set to "arguments". Expanded before compiling (library.h).
+struct PartUse : ObjectCommon {
+  std::string part;
+  // Parameter name and value, in the order written; a value is text put where the part writes
+  // ${name}.
+  std::vector<std::pair<std::string, std::string>> arguments;
+
+  // The argument named "wanted", or nullptr.
+  const std::string* Argument(std::string_view wanted) const;
+};
+
+using DesignObject =
+    std::variant<TextObject, PictureObject, BarcodeObject, LineObject, RectObject, PartUse>;
 
 enum class BandKind {
   kPageHeader,
@@ -252,12 +266,21 @@ struct CopySetup {
 inline constexpr int kMaxCopies = 10;
 inline constexpr int kMaxCopiesPerSheet = 4;
 
+// The house library a template takes its shared parts and styles from: a file in the template's
+// own folder.
+struct LibraryRef {
+  std::string file;  // a file name, no folder
+  int line = 0;      // 0: the template uses no library
+  Written written;
+};
+
 struct Template {
   int version = kTemplateFormatVersion;
   std::string name;
   Metadata info;
   PageSetup page;
   CopySetup copies;
+  LibraryRef library;
   std::vector<Database> databases;
   std::vector<Query> queries;
   std::vector<Variable> variables;

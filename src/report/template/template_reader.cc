@@ -17,6 +17,7 @@
 #include "host/native_path.h"
 #include "report/expr/text_util.h"
 #include "report/template/attributes.h"
+#include "report/template/library.h"
 #include "report/template/template_io.h"
 #include "vantorel/error.h"
 
@@ -192,6 +193,92 @@ class Reader {
   // Reads everything it can; the problems found are in problems().
   Template ReadAll() {
     pugi::xml_document doc;
+    const pugi::xml_node root = Load(doc);
+    if (!root) return {};
+    Template design;
+    if (std::string_view(root.name()) != "report") {
+      Add(Line(root), std::string("the root element is <") + root.name() + ">, not <report>",
+          "a template starts with <report format=\"vantorel-template\" version=\"1\">");
+      return {};
+    }
+    ReadReport(root, design);
+    return design;
+  }
+
+  Library ReadLibrary() {
+    Library library;
+    library.file = file_;
+    pugi::xml_document doc;
+    const pugi::xml_node root = Load(doc);
+    if (!root) return library;
+    if (std::string_view(root.name()) != "library" ||
+        std::string_view(root.attribute("format").value()) != "vantorel-library") {
+      Add(Line(root), "this is not a Vantorel house library",
+          "a library starts with <library format=\"vantorel-library\" version=\"1\">");
+      return library;
+    }
+    CheckAttributes(root, {"format", "version", "name"});
+    if (std::string_view(root.attribute("version").value()) !=
+        std::to_string(kTemplateFormatVersion)) {
+      Add(Line(root),
+          "library format version \"" + std::string(root.attribute("version").value()) +
+              "\" is not supported",
+          "this Vantorel reads version " + std::to_string(kTemplateFormatVersion));
+      return library;
+    }
+    for (const pugi::xml_node& node : root.children()) {
+      if (node.type() != pugi::node_element) continue;
+      const std::string_view name = node.name();
+      if (name == "style") {
+        Style style = ReadStyleElement(node);
+        if (style.spec.rich) {
+          Add(style.line, "a library style cannot set \"rich\"",
+              "say rich=\"true\" on the text, or in a style of the template");
+        }
+        if (std::any_of(library.styles.begin(), library.styles.end(),
+                        [&](const Style& s) { return s.name == style.name; })) {
+          Add(style.line, "style \"" + style.name + "\" is defined twice");
+        }
+        library.styles.push_back(std::move(style));
+      } else if (name == "part") {
+        ReadPartSource(node, library);
+      } else {
+        Unknown(node, "<library>", {"style", "part"});
+      }
+    }
+    return library;
+  }
+
+  // The objects, queries and variables of the one <part> the XML holds.
+  PartBody ReadPartBody() {
+    PartBody body;
+    pugi::xml_document doc;
+    const pugi::xml_node root = Load(doc);
+    if (!root) return body;
+    Template scratch;  // ReadQuery's home
+    for (const pugi::xml_node& node : root.children()) {
+      if (node.type() != pugi::node_element) continue;
+      const std::string_view name = node.name();
+      if (auto object = ReadObject(node)) {
+        body.objects.push_back(std::move(*object));
+      } else if (name == "query") {
+        ReadQuery(node, scratch);
+      } else if (name == "variable") {
+        body.variables.push_back(ReadVariable(node));
+      } else if (name != "param") {
+        Unknown(node, "<part>",
+                {"param", "query", "variable", "text", "picture", "barcode", "line", "rect", "use"});
+      }
+    }
+    body.queries = std::move(scratch.queries);
+    return body;
+  }
+
+  std::vector<Problem>& problems() { return problems_; }
+
+ private:
+  // Parses the XML and checks what every file needs; its root element, or a null node.
+  pugi::xml_node Load(pugi::xml_document& doc) {
     const pugi::xml_parse_result parsed =
         doc.load_buffer(xml_.data(), xml_.size(),
                         pugi::parse_default | pugi::parse_ws_pcdata_single | pugi::parse_comments,
@@ -210,20 +297,50 @@ class Reader {
       return {};
     }
     CheckEscapes();
-    const pugi::xml_node root = doc.document_element();
-    Template design;
-    if (std::string_view(root.name()) != "report") {
-      Add(Line(root), std::string("the root element is <") + root.name() + ">, not <report>",
-          "a template starts with <report format=\"vantorel-template\" version=\"1\">");
-      return {};
-    }
-    ReadReport(root, design);
-    return design;
+    return doc.document_element();
   }
 
-  std::vector<Problem>& problems() { return problems_; }
+  // A <part>: its parameters, and its XML as the file wrote it.
+  void ReadPartSource(const pugi::xml_node& node, Library& library) {
+    CheckAttributes(node, {"name"});
+    PartSource part;
+    part.name = Text(node, "name", true);
+    part.line = Line(node);
+    if (library.FindPart(part.name) != nullptr) {
+      Add(part.line, "part \"" + part.name + "\" is defined twice");
+    }
+    for (const pugi::xml_node& param : node.children("param")) {
+      CheckAttributes(param, {"name", "default"});
+      PartParam declared{Text(param, "name", true), std::nullopt, Line(param)};
+      if (param.attribute("default")) declared.default_value = param.attribute("default").value();
+      if (part.FindParam(declared.name) != nullptr) {
+        Add(declared.line, "parameter \"" + declared.name + "\" is declared twice");
+      }
+      if (UseAttributes().end() !=
+          std::find_if(UseAttributes().begin(), UseAttributes().end(),
+                       [&](const AttributeSpec<PartUse>& spec) { return declared.name == spec.name; })) {
+        Add(declared.line, "a part cannot have a parameter called \"" + declared.name + "\"",
+            "part, name, left, top and print-when are the attributes of <use> itself");
+      }
+      part.params.push_back(std::move(declared));
+    }
+    // From "<part" to just past its end tag: the markup that opens it, then everything up to the
+    // end tag that closes it.
+    const size_t begin = xml_.rfind('<', static_cast<size_t>(std::max<ptrdiff_t>(node.offset_debug(), 0)));
+    size_t at = begin;
+    int depth = 0;
+    while (at != std::string_view::npos && at < xml_.size()) {
+      const auto [markup, end] = SkipMarkup(xml_, at);
+      if (markup == Markup::kStartTag) ++depth;
+      if (markup == Markup::kEndTag) --depth;
+      at = end;
+      if (depth <= 0 && (markup == Markup::kEndTag || markup == Markup::kEmptyTag)) break;
+      at = xml_.find('<', at);
+    }
+    part.xml = std::string(xml_.substr(begin, std::min(at, xml_.size()) - begin));
+    library.parts.push_back(std::move(part));
+  }
 
- private:
   // The first element nested deeper than a template may be, found without recursion (pugixml
   // itself parses and frees any depth without it); a null node when there is none.
   static pugi::xml_node TooDeep(const pugi::xml_document& doc) {
@@ -684,6 +801,7 @@ class Reader {
       text.stretch = Stretch(node);
       text.shrink = Flag(node, "shrink", false);
       text.hide_zero = Flag(node, "hide-zero", false);
+      text.trim = Flag(node, "trim", false);
       ReadStyle(node, text.style);
       text.text = Trimmed(TextContent(node, IsRich(node)));
       text.written = Record(node, TextAttributes(), text);
@@ -738,6 +856,30 @@ class Reader {
       line.written = Record(node, LineAttributes(), line);
       return line;
     }
+    if (kind == "use") {
+      PartUse use;
+      use.line = Line(node);
+      use.part = Text(node, "part", true);
+      use.name = Text(node, "name");
+      use.print_when = Text(node, "print-when");
+      use.box.x = Length(node, "left").value_or(0);
+      use.box.y = Length(node, "top").value_or(0);
+      use.written = Record(node, UseAttributes(), use);
+      for (const pugi::xml_attribute& attribute : node.attributes()) {
+        const std::string_view name = attribute.name();
+        if (std::none_of(UseAttributes().begin(), UseAttributes().end(),
+                         [&](const AttributeSpec<PartUse>& spec) { return name == spec.name; })) {
+          use.arguments.emplace_back(name, attribute.value());
+          // Remembered in its place among the attributes, so the writer keeps the order.
+          use.written.attributes.push_back({std::string(name), attribute.value(), {}});
+        }
+      }
+      std::stable_sort(use.written.attributes.begin(), use.written.attributes.end(),
+                       [&](const WrittenAttribute& a, const WrittenAttribute& b) {
+                         return AttributeIndex(node, a.name) < AttributeIndex(node, b.name);
+                       });
+      return use;
+    }
     if (kind == "rect") {
       CheckAttributes(node, AttributeNames(RectAttributes()));
       RectObject rect;
@@ -779,7 +921,7 @@ class Reader {
       } else if (std::none_of(extra.begin(), extra.end(),
                               [&](const char* e) { return name == e; })) {
         Unknown(child, ("<" + std::string(node.name()) + ">").c_str(),
-                {"text", "picture", "barcode", "line", "rect", "child"});
+                {"text", "picture", "barcode", "line", "rect", "use", "child"});
       }
     }
     band.written = Record(node, BandAttributes(), band);
@@ -1009,22 +1151,23 @@ class Reader {
       } else if (name == "query") {
         ReadQuery(node, design);
       } else if (name == "variable") {
-        CheckAttributes(node, AttributeNames(VariableAttributes()));
-        Variable variable{
-            Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node), {}};
-        variable.written = Record(node, VariableAttributes(), variable);
-        design.variables.push_back(std::move(variable));
+        design.variables.push_back(ReadVariable(node));
       } else if (name == "style") {
-        CheckAttributes(node, AttributeNames(StyleAttributes()));
-        Style style;
-        style.line = Line(node);
-        style.spec.based_on = Text(node, "based-on");
-        ReadStyle(node, style.spec);
-        style.name = Text(node, "name", true);
+        Style style = ReadStyleElement(node);
         if (design.FindStyle(style.name) != nullptr)
           Add(Line(node), "style \"" + style.name + "\" is defined twice");
-        style.written = Record(node, StyleAttributes(), style);
         design.styles.push_back(std::move(style));
+      } else if (name == "library") {
+        CheckAttributes(node, AttributeNames(LibraryAttributes()));
+        if (design.library.line != 0) Add(Line(node), "a template uses one <library>");
+        design.library.file = Text(node, "file", true);
+        design.library.line = Line(node);
+        const std::string& file = design.library.file;
+        if (file.find_first_of("/\\") != std::string::npos || file == "." || file == "..") {
+          Add(Line(node), "the library \"" + file + "\" must be a file name, without a folder",
+              "the house library lives in the template folder, beside the templates");
+        }
+        design.library.written = Record(node, LibraryAttributes(), design.library);
       } else if (name == "page-header") {
         ReadSingleBand(node, BandKind::kPageHeader, design.page_header);
       } else if (name == "page-footer") {
@@ -1041,10 +1184,39 @@ class Reader {
         design.data.push_back(ReadData(node));
       } else {
         Unknown(node, "<report>",
-                {"info", "page", "copies", "database", "query", "variable", "style", "page-header",
+                {"info", "page", "copies", "library", "database", "query", "variable", "style",
+                 "page-header",
                  "page-footer", "title", "summary", "column-header", "column-footer", "data"});
       }
     }
+  }
+
+  Variable ReadVariable(const pugi::xml_node& node) {
+    CheckAttributes(node, AttributeNames(VariableAttributes()));
+    Variable variable{
+        Text(node, "category"), Text(node, "name", true), Text(node, "value"), Line(node), {}};
+    variable.written = Record(node, VariableAttributes(), variable);
+    return variable;
+  }
+
+  Style ReadStyleElement(const pugi::xml_node& node) {
+    CheckAttributes(node, AttributeNames(StyleAttributes()));
+    Style style;
+    style.line = Line(node);
+    style.spec.based_on = Text(node, "based-on");
+    ReadStyle(node, style.spec);
+    style.name = Text(node, "name", true);
+    style.written = Record(node, StyleAttributes(), style);
+    return style;
+  }
+
+  static size_t AttributeIndex(const pugi::xml_node& node, std::string_view name) {
+    size_t index = 0;
+    for (const pugi::xml_attribute& attribute : node.attributes()) {
+      if (name == attribute.name()) return index;
+      ++index;
+    }
+    return index;
   }
 
   void ReadCopies(const pugi::xml_node& node, CopySetup& copies) {
@@ -1170,6 +1342,25 @@ Template ParseTemplate(std::string_view xml, const std::string& file,
   Template design = reader.ReadAll();
   problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
   return design;
+}
+
+Library ParseLibrary(std::string_view xml, const std::string& file,
+                     std::vector<Problem>& problems) {
+  Reader reader(xml, file);
+  Library library = reader.ReadLibrary();
+  problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
+  return library;
+}
+
+PartBody ParsePartBody(std::string_view xml, const std::string& file, int first_line,
+                       std::vector<Problem>& problems) {
+  // Blank lines before the part put its lines where they are in the library.
+  const std::string placed = std::string(static_cast<size_t>(std::max(first_line - 1, 0)), '\n') +
+                             std::string(xml);
+  Reader reader(placed, file);
+  PartBody body = reader.ReadPartBody();
+  problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
+  return body;
 }
 
 Template ParseTemplate(std::string_view xml, const std::string& file) {

@@ -127,6 +127,11 @@ class Writer {
                        Empty(1, "page", PageAttributes(), design_.page, design_.page_written);
                      }});
     kinds.push_back({{"copies"}, has_copies ? 1u : 0u, [&](size_t) { Copies(1); }});
+    kinds.push_back({{"library"}, design_.library.line != 0 || !design_.library.file.empty() ? 1u : 0u,
+                     [&](size_t) {
+                       Empty(1, "library", LibraryAttributes(), design_.library,
+                             design_.library.written);
+                     }});
     kinds.push_back({{"database"}, design_.databases.size(), [&](size_t i) {
                        const Database& database = design_.databases[i];
                        Empty(1, "database", DatabaseAttributes(), database, database.written);
@@ -295,6 +300,10 @@ class Writer {
             Empty(depth, "picture", PictureAttributes(), o, o.written);
           } else if constexpr (std::is_same_v<T, BarcodeObject>) {
             Empty(depth, "barcode", BarcodeAttributes(), o, o.written);
+          } else if constexpr (std::is_same_v<T, PartUse>) {
+            Leading(o.written, depth);
+            Open(depth, "use", UseAttributeList(o), true);
+            out_ += '\n';
           } else if constexpr (std::is_same_v<T, LineObject>) {
             Empty(depth, "line", LineAttributes(), o, o.written);
           } else {
@@ -304,11 +313,43 @@ class Writer {
         object);
   }
 
+  // The attributes of a <use>: its own and its arguments, in the order the file gave them; then
+  // those it did not give.
+  static std::vector<std::string> UseAttributeList(const PartUse& use) {
+    const AttributeTable<PartUse>& table = UseAttributes();
+    std::vector<std::string> out;
+    std::vector<std::string_view> done;
+    for (const WrittenAttribute& given : use.written.attributes) {
+      if (std::count(done.begin(), done.end(), given.name)) continue;
+      done.push_back(given.name);
+      const auto spec = std::find_if(table.begin(), table.end(), [&](const AttributeSpec<PartUse>& s) {
+        return given.name == s.name;
+      });
+      if (spec != table.end()) {
+        const std::optional<std::string> value = spec->write(use, given.text);
+        if (!value) continue;
+        out.push_back(
+            Attribute(spec->name, AttributeKey(*spec, use) == given.key ? given.text : *value));
+      } else if (const std::string* value = use.Argument(given.name)) {
+        out.push_back(Attribute(given.name, *value));
+      }
+    }
+    for (const AttributeSpec<PartUse>& spec : table) {
+      if (std::count(done.begin(), done.end(), spec.name)) continue;
+      const std::optional<std::string> value = spec.write(use, "mm");
+      if (value && !IsDefault(spec, use)) out.push_back(Attribute(spec.name, *value));
+    }
+    for (const auto& [name, value] : use.arguments) {
+      if (!std::count(done.begin(), done.end(), name)) out.push_back(Attribute(name, value));
+    }
+    return out;
+  }
+
   // The objects and child bands of "band", with "more" (a data band's headers, footers, groups
   // and details) among them.
   void BandContent(int depth, const Band& band, const Written& written,
                    std::vector<ChildKind> more = {}) {
-    more.insert(more.begin(), ChildKind{{"text", "picture", "barcode", "line", "rect"},
+    more.insert(more.begin(), ChildKind{{"text", "picture", "barcode", "line", "rect", "use"},
                                         band.objects.size(),
                                         [&](size_t i) { WriteObject(depth, band.objects[i]); }});
     more.push_back(

@@ -230,6 +230,9 @@ const std::map<std::string, std::string> kSamples = {
     {"stretch", "grow"},
     {"shrink", "true"},
     {"hide-zero", "true"},
+    {"trim", "true"},
+    {"part", "letterhead"},
+    {"file", "house2.xml"},
     {"font", "DejaVu Sans"},
     {"size", "8.5"},
     {"bold", "true"},
@@ -418,6 +421,14 @@ TEST(TemplateWriter, EveryAttributeReadIsWritten) {
       RectAttributes(), object("rect", box),
       [](Template& t) -> RectObject& { return std::get<RectObject>(t.title->objects.at(0)); },
       [](Template& t) -> Written& { return std::get<RectObject>(t.title->objects.at(0)).written; });
+  ExpectWritable<PartUse>(
+      UseAttributes(), object("use", {{"part", "p"}}),
+      [](Template& t) -> PartUse& { return std::get<PartUse>(t.title->objects.at(0)); },
+      [](Template& t) -> Written& { return std::get<PartUse>(t.title->objects.at(0)).written; });
+  ExpectWritable<LibraryRef>(
+      LibraryAttributes(), {head + "<library", "/>" + tail, {}},
+      [](Template& t) -> LibraryRef& { return t.library; },
+      [](Template& t) -> Written& { return t.library.written; });
 }
 
 TEST(TemplateWriter, TheReaderRefusesAttributesTheTablesDoNotName) {
