@@ -100,6 +100,22 @@ TEST_F(EngineTest, ABrokenTemplateIsShownWithEveryProblem) {
   EXPECT_EQ(rep_.get_LastMsg(), "loading Report definition file");
 }
 
+TEST_F(EngineTest, AMissingPartOfTheHouseLibraryIsATemplateThatCannotBeLoaded) {
+  dir_.Write("reports/house.xml", R"(<library format="vantorel-library" version="1">
+  <part name="signature"><text width="50mm" height="5mm">Authorised Signatory</text></part>
+</library>)");
+  dir_.Write("reports/withparts.fr3",
+             "<report format=\"vantorel-template\" version=\"1\">\n<library file=\"house.xml\"/>\n"
+             "<title height=\"5mm\">\n<use part=\"signatur\"/></title></report>");
+  rep_.SetVars();
+  rep_.SuperReport("withparts");
+  ASSERT_EQ(platform_->messages().size(), 1u);
+  const std::string message = platform_->messages()[0].text;
+  EXPECT_NE(message.find("withparts.fr3:4"), std::string::npos) << message;
+  EXPECT_NE(message.find("has no part \"signatur\""), std::string::npos) << message;
+  EXPECT_EQ(rep_.get_LastMsg(), "loading Report definition file");
+}
+
 TEST_F(EngineTest, ADeadDatabaseStopsPreparationAtItsConnection) {
   rep_.put_DbConnectstring(dir_.path().string() + "/missing.db");
   rep_.SetVars();

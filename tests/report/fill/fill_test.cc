@@ -293,6 +293,37 @@ TEST_F(FillTest, LabelSheetsFillRowsAcross) {
   EXPECT_NEAR(items[3]->box.y - items[0]->box.y, Mm(20), 0.01);
 }
 
+TEST_F(FillTest, TrimDropsTheBlanksAroundWhatATextPrints) {
+  const Rendered rendered = Render(R"t(
+    <title height="12mm">
+      <text width="100mm" height="5mm" trim="true">["          AMOUNT IN WORDS " &amp; "TEN ONLY  "]</text>
+      <text top="6mm" width="100mm" height="5mm">["   kept as written"]</text>
+    </title>
+  )t");
+  const std::vector<std::string> texts = Texts(rendered.document, 0);
+  ASSERT_EQ(texts.size(), 2u);
+  EXPECT_EQ(texts[0], "AMOUNT IN WORDS TEN ONLY");
+  EXPECT_EQ(texts[1], "   kept as written");
+}
+
+TEST_F(FillTest, PartsOfTheHouseLibraryFillWithTheTemplatesData) {
+  dir_.Write("house.xml", R"(<library format="vantorel-library" version="1">
+  <part name="line-of">
+    <param name="what"/>
+    <query name="firm"><sql>select 'Shivneri Motors' as name</sql></query>
+    <text width="100mm" height="5mm">${what} of [firm.name]: [Q.cname]</text>
+  </part>
+</library>)");
+  const Rendered rendered = Render(R"t(
+    <library file="house.xml"/>
+    <query name="Q"><sql>select cname from invoice order by id</sql></query>
+    <data name="Rows" query="Q" height="5mm"><use part="line-of" what="Customer"/></data>
+  )t");
+  EXPECT_EQ(Texts(rendered.document, 0),
+            (std::vector<std::string>{"Customer of Shivneri Motors: Ramesh Patil",
+                                      "Customer of Shivneri Motors: Sunita Deshmukh"}));
+}
+
 TEST_F(FillTest, RollPaperIsOnePageAsTallAsItsContent) {
   const Rendered rendered = Render(R"t(
     <query name="Q"><sql>select n from many where n &lt;= 150</sql></query>
