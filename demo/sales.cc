@@ -563,7 +563,7 @@ class Trading {
   }
 
   // A document's lines, each taxed on its own, add up to within a few paise of the prices they
-  // were worked back from; the round-off makes up the rest, and never a rupee or more.
+  // were worked back from; rounding to whole rupees must bring the total back to those prices.
   static void CheckRoundOff(const std::vector<Line>& lines, int64_t total,
                             const std::string& what) {
     if (total != LinesInclusive(lines)) {
