@@ -55,6 +55,26 @@ LineTax TaxOn(int64_t taxable, int rate, bool inter_state) {
   return tax;
 }
 
+LineTax TaxForWholeRupees(int64_t inclusive, int rate, bool inter_state) {
+  const int64_t start = TaxableOf(inclusive, rate);
+  LineTax best = TaxOn(start, rate, inter_state);
+  int64_t best_miss = -1;
+  for (int64_t step = 0; step <= 300; ++step) {
+    for (const int64_t taxable : {start - step, start + step}) {
+      if (taxable < 0) continue;
+      const LineTax tax = TaxOn(taxable, rate, inter_state);
+      if (tax.net % 100 != 0) continue;
+      const int64_t miss = tax.net > inclusive ? tax.net - inclusive : inclusive - tax.net;
+      if (best_miss < 0 || miss < best_miss) {
+        best = tax;
+        best_miss = miss;
+      }
+    }
+    if (best_miss == 0) break;
+  }
+  return best;
+}
+
 int64_t RoundedToRupee(int64_t paise) { return RoundedDivide(paise, 100) * 100; }
 
 int64_t InclusiveRupees(int64_t taxable, int rate) {

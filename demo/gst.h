@@ -50,6 +50,12 @@ int64_t TaxableOf(int64_t inclusive, int rate);
 // document's round-off takes that difference.
 LineTax TaxOn(int64_t taxable, int rate, bool inter_state);
 
+// The taxable value whose taxes at "rate" bring it to whole rupees, as near the tax-inclusive
+// "inclusive" (paise) as can be: a dealer quotes round prices, and the line's taxes, each the rate
+// on the taxable value to the paisa, then add up to a round amount with nothing left to round off.
+// Most prices are met exactly; a price the rounding of the taxes steps over moves by a rupee.
+LineTax TaxForWholeRupees(int64_t inclusive, int rate, bool inter_state);
+
 // "paise" (not negative) rounded to whole rupees (in paise), half up: the amount a document's total
 // is rounded to, its round-off being the difference.
 int64_t RoundedToRupee(int64_t paise);

@@ -4,6 +4,7 @@
 // their dates, and finally registrations, payments and enquiries are recorded.
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -465,8 +466,9 @@ class Trading {
         line.vehicle = id;
         line.model = m.id;
         line.hsn = m.hsn;
-        line.inclusive = dealer_price;
-        line.rate = TaxableOf(dealer_price, rate);
+        const LineTax whole = TaxForWholeRupees(dealer_price, rate, supplier.inter_state());
+        line.inclusive = whole.net;
+        line.rate = whole.taxable;
         line.amount = line.rate;
         Tax(line, line.amount, rate, supplier.inter_state());
         p.lines.push_back(line);
@@ -586,11 +588,12 @@ class Trading {
     line.model = m.id;
     line.description = m.Name() + " (" + d_.color(unit.color).name + ")";
     line.hsn = m.hsn;
-    line.inclusive = price - discount;
-    line.amount = TaxableOf(price, rate);
+    const LineTax whole = TaxForWholeRupees(price - discount, rate, inter_state);
+    line.inclusive = whole.net;
+    line.amount = discount == 0 ? whole.taxable : TaxableOf(price, rate);
     line.rate = line.amount;
-    line.discount = TaxableOf(discount, rate);
-    Tax(line, line.amount - line.discount, rate, inter_state);
+    line.discount = line.amount - whole.taxable;
+    Tax(line, whole.taxable, rate, inter_state);
     // The EV subsidy (₹5,000 a kWh up to ₹10,000 in FY 2024-25, ₹5,000 from April 2025) goes
     // to private buyers; other vehicle lines carry 0 since the subsidy column came in with
     // PM E-DRIVE in October 2024, and null before.
@@ -612,10 +615,22 @@ class Trading {
     line.description = item.name;
     line.hsn = item.hsn;
     line.qty = accessory.qty;
-    line.inclusive = accessory.qty * mrp;
+    // The unit rate whose quantity's taxes come to whole rupees, nearest the price.
     line.rate = TaxableOf(mrp, rate);
+    int64_t best_miss = -1;
+    for (int64_t step = 0; step <= 300 && best_miss != 0; ++step) {
+      for (const int64_t unit : {TaxableOf(mrp, rate) - step, TaxableOf(mrp, rate) + step}) {
+        const LineTax tax = TaxOn(accessory.qty * unit, rate, false);
+        const int64_t miss = std::abs(tax.net - accessory.qty * mrp);
+        if (tax.net % 100 == 0 && (best_miss < 0 || miss < best_miss)) {
+          line.rate = unit;
+          best_miss = miss;
+        }
+      }
+    }
     line.amount = accessory.qty * line.rate;
     Tax(line, line.amount, rate, false);
+    line.inclusive = line.net;
     return line;
   }
 
