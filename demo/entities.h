@@ -64,7 +64,7 @@ struct Account {
 
 struct Branch {
   int id = 0;
-  std::string code, name, add1, add2, city, pin, phone, rto, rto_code, manager;
+  std::string code, name, add1, add2, city, pin, phone, state, state_code, rto, rto_code, manager;
   int account = 0;
   std::vector<std::string> executives;
 };
@@ -132,8 +132,15 @@ struct Line {
   int gst_rate = 0;  // percent; CGST and SGST take half each within the state
   bool inter_state = false;
   int64_t cgst = 0, sgst = 0, igst = 0, net = 0;
+  int64_t inclusive = 0;  // the tax-inclusive price the line was worked back from
   std::optional<int64_t> subsidy;
 };
+
+// The sum of the lines' net amounts; the rounding to whole rupees that a document's total adds to
+// it; the inclusive prices they were worked back from.
+int64_t LinesNet(const std::vector<Line>& lines);
+int64_t RoundOff(const std::vector<Line>& lines);
+int64_t LinesInclusive(const std::vector<Line>& lines);
 
 // What a sale delivers before lines are priced: vehicles and accessories.
 struct SaleUnit {
@@ -150,7 +157,9 @@ struct Challan {
   int id = 0;
   int plan = 0;  // pairs a challan with its invoice until both are numbered
   char type = 'C';
-  std::string num, gate_pass, transporter, truck, prepared_by, remarks;
+  std::string num, gate_pass, transporter, truck, lr_no, prepared_by, remarks;
+  std::string ewb_no;  // the e-way bill of goods sent by truck
+  int ewb_seconds = 0;
   Day date;
   int branch = 1;
   int customer = 0;
@@ -160,7 +169,8 @@ struct Challan {
   std::vector<SaleAccessory> accessories;
   int64_t discount = 0;  // on the vehicle, tax included
   std::vector<Line> lines;
-  int64_t Amount() const;
+  // The sum of the lines plus the round-off: whole rupees.
+  int64_t Amount() const { return LinesNet(lines) + RoundOff(lines); }
 };
 
 struct Invoice {
@@ -184,13 +194,15 @@ struct Invoice {
   std::vector<Line> lines;
   std::string irn, ack_no, qr_text, ewb_no, transporter, lr_no, truck;
   int ack_seconds = 0;
+  Day ewb_day;  // the invoice's date, or its challan's when the goods went on the challan
   int ewb_seconds = 0;
   std::string regno, rto, ins_company, ins_policy;
   std::optional<Day> reg_date;
   bool temporary = false;  // registered elsewhere on a temporary certificate
   std::string remarks;
 
-  int64_t Total() const;
+  // The sum of the lines plus the round-off: whole rupees.
+  int64_t Total() const { return LinesNet(lines) + RoundOff(lines); }
   int64_t Subsidy() const;
   int64_t Payable() const { return Total() - Subsidy(); }
 };
@@ -202,11 +214,13 @@ struct Purchase {
   Day bill_date, received;
   std::vector<int> vehicles;
   std::vector<Line> lines;
+  int64_t Total() const { return LinesNet(lines) + RoundOff(lines); }
 };
 
 struct BranchTransfer {
   int id = 0;
-  std::string num, vehicle_no, driver, remarks;
+  std::string num, vehicle_no, driver, remarks, ewb_no;
+  int ewb_seconds = 0;
   Day date;
   int from_branch = 1;
   int to_branch = 0;
@@ -215,6 +229,7 @@ struct BranchTransfer {
 
 struct VehicleTransferNote {
   int id = 0;
+  int branch = 1;
   std::string num, from, to, reason, authorised_by, remarks;
   Day date;
   std::vector<int> vehicles;
@@ -248,7 +263,10 @@ struct BulkReceipt {
 
 struct TempRegistration {
   int tline = 0;
-  std::string num, rto, state, reason;
+  int branch = 1;
+  // num is the temporary registration mark; certificate the number in the issuing branch's
+  // register of certificates: "TC/CKN/2024-25/0003".
+  std::string num, certificate, rto, state, reason;
   Day date, valid_upto;
   int invoice = 0;
   int64_t fee = 0;
@@ -272,7 +290,10 @@ struct Enquiry {
   int model = 0;
   int status = 0;
   int booking = 0;
-  std::optional<Day> booked_on, followup, expected;
+  // Of a booking: BOOKED (open), DELIVERED, CANCELLED (the amount kept) or REFUNDED (cancelled,
+  // the amount paid back on refunded_on); empty without a booking.
+  std::string booking_status;
+  std::optional<Day> booked_on, followup, expected, refunded_on;
   int64_t booking_amount = 0;
   int customer = 0;
   int invoice = 0;
@@ -331,8 +352,10 @@ class Random;
 void AddMasters(Random& random, Dealership& dealership);
 // A private buyer living near "branch", with a mobile number not yet in "mobiles".
 Customer DrawPerson(Random& random, int id, int branch, std::set<std::string>& mobiles);
-// Builds the documents of April 2024 to December 2025 on the masters.
-void AddTrading(Random& random, Dealership& dealership);
+// Builds the documents of April 2024 to December 2025 on the masters. "paperwork" draws what
+// the documents carry besides the trade itself (e-way bills, consignment notes, refunds), so
+// that adding such details leaves the trade drawn from "random" as it was.
+void AddTrading(Random& random, Random& paperwork, Dealership& dealership);
 
 }  // namespace vantorel::demo
 

@@ -38,18 +38,44 @@ int GstRate(TaxClass tax_class, Day day) {
   return 0;
 }
 
-TaxSplit SplitInclusive(int64_t net, int rate, bool inter_state) {
-  TaxSplit split;
-  split.net = net;
-  if (inter_state) {
-    split.igst = RoundedDivide(net * rate, 100 + rate);
-  } else {
-    split.cgst = RoundedDivide(net * rate, 2 * (100 + rate));
-    split.sgst = split.cgst;
-  }
-  split.taxable = net - split.cgst - split.sgst - split.igst;
-  return split;
+int64_t TaxableOf(int64_t inclusive, int rate) {
+  return RoundedDivide(inclusive * 100, 100 + rate);
 }
+
+LineTax TaxOn(int64_t taxable, int rate, bool inter_state) {
+  LineTax tax;
+  tax.taxable = taxable;
+  if (inter_state) {
+    tax.igst = RoundedDivide(taxable * rate, 100);
+  } else {
+    tax.cgst = RoundedDivide(taxable * rate, 200);
+    tax.sgst = tax.cgst;
+  }
+  tax.net = taxable + tax.cgst + tax.sgst + tax.igst;
+  return tax;
+}
+
+LineTax TaxForWholeRupees(int64_t inclusive, int rate, bool inter_state) {
+  const int64_t start = TaxableOf(inclusive, rate);
+  LineTax best = TaxOn(start, rate, inter_state);
+  int64_t best_miss = -1;
+  for (int64_t step = 0; step <= 300; ++step) {
+    for (const int64_t taxable : {start - step, start + step}) {
+      if (taxable < 0) continue;
+      const LineTax tax = TaxOn(taxable, rate, inter_state);
+      if (tax.net % 100 != 0) continue;
+      const int64_t miss = tax.net > inclusive ? tax.net - inclusive : inclusive - tax.net;
+      if (best_miss < 0 || miss < best_miss) {
+        best = tax;
+        best_miss = miss;
+      }
+    }
+    if (best_miss == 0) break;
+  }
+  return best;
+}
+
+int64_t RoundedToRupee(int64_t paise) { return RoundedDivide(paise, 100) * 100; }
 
 int64_t InclusiveRupees(int64_t taxable, int rate) {
   return RoundedDivide(taxable * (100 + rate), 100 * 100) * 100;

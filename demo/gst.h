@@ -1,6 +1,7 @@
 // GST on the dealership's goods: the rate of each class of goods on a given day (the rates were
-// revised on 22 September 2025) and the split of a tax-inclusive amount into taxable value and
-// CGST + SGST (within Maharashtra) or IGST (to another state).
+// revised on 22 September 2025), the taxable value of a tax-inclusive price, and the tax on a
+// taxable value: CGST + SGST within Maharashtra, IGST to another state. The goods are two-wheelers
+// of up to 350 cc, cycles and their parts: none of them bears compensation cess.
 //
 // Thread-safety: pure functions.
 #ifndef VANTOREL_DEMO_GST_H_
@@ -30,17 +31,34 @@ TaxClass TaxClassOfHsn(std::string_view hsn);
 // the revision; 18 and 5 from it; electric two-wheelers 5 and helmets 18 throughout.
 int GstRate(TaxClass tax_class, Day day);
 
-struct TaxSplit {
-  int64_t net = 0;  // all amounts in paise
-  int64_t taxable = 0;
+struct LineTax {
+  int64_t taxable = 0;  // all amounts in paise
   int64_t cgst = 0;
   int64_t sgst = 0;
   int64_t igst = 0;
+  int64_t net = 0;  // taxable + cgst + sgst + igst
 };
 
-// Splits the tax-inclusive "net" at "rate" percent. CGST and SGST are equal halves rounded to the
-// paisa; the taxable value takes the rounding, so taxable + taxes == net exactly.
-TaxSplit SplitInclusive(int64_t net, int rate, bool inter_state);
+// The value before tax of the tax-inclusive "inclusive" (paise) at "rate" percent: inclusive *
+// 100 / (100 + rate), rounded to the paisa, half up.
+int64_t TaxableOf(int64_t inclusive, int rate);
+
+// The tax on "taxable" (paise) at "rate" percent, each tax rounded to the paisa half up on its
+// own: within the state CGST and SGST at half the rate each (so they are equal), to another state
+// IGST at the whole rate. The net amount is the taxable value plus the taxes, which may differ
+// by a few paise from a tax-inclusive price the taxable value was worked back from: the
+// document's round-off takes that difference.
+LineTax TaxOn(int64_t taxable, int rate, bool inter_state);
+
+// The taxable value whose taxes at "rate" bring it to whole rupees, as near the tax-inclusive
+// "inclusive" (paise) as can be: a dealer quotes round prices, and the line's taxes, each the rate
+// on the taxable value to the paisa, then add up to a round amount with nothing left to round off.
+// Most prices are met exactly; a price the rounding of the taxes steps over moves by a rupee.
+LineTax TaxForWholeRupees(int64_t inclusive, int rate, bool inter_state);
+
+// "paise" (not negative) rounded to whole rupees (in paise), half up: the amount a document's total
+// is rounded to, its round-off being the difference.
+int64_t RoundedToRupee(int64_t paise);
 
 // "taxable" (paise) with "rate" percent added, rounded to whole rupees (in paise).
 int64_t InclusiveRupees(int64_t taxable, int rate);

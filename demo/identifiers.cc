@@ -1,5 +1,6 @@
 #include "demo/identifiers.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <stdexcept>
@@ -54,7 +55,7 @@ char VinCheckDigit(std::string_view vin) {
   return check == 10 ? 'X' : static_cast<char>('0' + check);
 }
 
-std::string Sha256Hex(std::string_view data) {
+std::string Sha256(std::string_view data) {
   static constexpr std::array<uint32_t, 64> k = {
       0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4,
       0xab1c5ed5, 0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe,
@@ -100,12 +101,37 @@ std::string Sha256Hex(std::string_view data) {
     for (size_t i = 0; i < 8; ++i) h[i] += v[i];
   }
 
+  std::string digest;
+  for (uint32_t word : h) {
+    for (int shift = 24; shift >= 0; shift -= 8) digest += static_cast<char>(word >> shift);
+  }
+  return digest;
+}
+
+std::string Sha256Hex(std::string_view data) {
   static constexpr char kHex[] = "0123456789abcdef";
   std::string hex;
-  for (uint32_t word : h) {
-    for (int shift = 28; shift >= 0; shift -= 4) hex += kHex[(word >> shift) & 0xf];
+  for (const char byte : Sha256(data)) {
+    const auto value = static_cast<unsigned char>(byte);
+    hex += kHex[value >> 4];
+    hex += kHex[value & 0xf];
   }
   return hex;
+}
+
+std::string Base64Url(std::string_view bytes) {
+  static constexpr char kAlphabet[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+  std::string text;
+  for (size_t at = 0; at < bytes.size(); at += 3) {
+    const size_t count = std::min<size_t>(3, bytes.size() - at);
+    uint32_t group = 0;
+    for (size_t i = 0; i < 3; ++i) {
+      group = (group << 8) | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0u);
+    }
+    for (size_t i = 0; i <= count; ++i) text += kAlphabet[(group >> (18 - 6 * i)) & 0x3f];
+  }
+  return text;
 }
 
 }  // namespace vantorel::demo

@@ -1,5 +1,6 @@
 // Indian tax and vehicle identifiers with their check characters: GSTINs, VINs, and the
-// invoice reference number (IRN) of an e-invoice.
+// invoice reference number (IRN) of an e-invoice, with the digest and encoding its signed QR code
+// is made of.
 //
 // Thread-safety: pure functions.
 #ifndef VANTOREL_DEMO_IDENTIFIERS_H_
@@ -21,8 +22,13 @@ std::string MakeGstin(std::string_view state_code, std::string_view pan, char en
 // The ninth character of a 17-character VIN (the ISO 3779 weighted check: 0-9 or X).
 char VinCheckDigit(std::string_view vin);
 
-// The SHA-256 digest of "data" as 64 lower-case hex digits.
+// The SHA-256 digest of "data": 32 bytes, and as 64 lower-case hex digits.
+std::string Sha256(std::string_view data);
 std::string Sha256Hex(std::string_view data);
+
+// "bytes" in the URL-safe base64 alphabet (A-Z a-z 0-9 - _) without padding, as the parts of a
+// JSON Web Token are written.
+std::string Base64Url(std::string_view bytes);
 
 }  // namespace vantorel::demo
 

@@ -27,15 +27,20 @@ const char* CategoryCode(Category category) {
   return "";
 }
 
-int64_t Challan::Amount() const {
+int64_t LinesNet(const std::vector<Line>& lines) {
   int64_t total = 0;
   for (const Line& line : lines) total += line.net;
   return total;
 }
 
-int64_t Invoice::Total() const {
+int64_t RoundOff(const std::vector<Line>& lines) {
+  const int64_t net = LinesNet(lines);
+  return RoundedToRupee(net) - net;
+}
+
+int64_t LinesInclusive(const std::vector<Line>& lines) {
   int64_t total = 0;
-  for (const Line& line : lines) total += line.net;
+  for (const Line& line : lines) total += line.inclusive;
   return total;
 }
 
@@ -113,7 +118,8 @@ void AddFirm(Dealership& d) {
   f.bank_acno = "39817264510";
   f.bank_ifsc = "SBIN0011543";
   f.jurisdiction = "Subject to Pune jurisdiction";
-  f.logo = "shivneri_logo.png";
+  // Relative to the application folder, which holds the demo's pictures in assets/.
+  f.logo = "assets/logo.png";
   f.terms =
       "1. Goods once sold will not be taken back. 2. Interest at 18% p.a. is charged on bills "
       "unpaid after 30 days. 3. Warranty as per the manufacturer's warranty booklet. "
@@ -198,11 +204,11 @@ void AddAccounts(Dealership& d) {
                   "Pune-Solapur Road", "Hadapsar", "Pune", "Pune", mh, "27", "411028", "AAKFS4821M",
                   "020-26970451", "", "", "", 0),
       MakeAccount(22, "Shivneri Motors - Chakan Branch", "BRANCH", "Gat No. 112",
-                  "Pune-Nashik Highway", "Chakan", "Chakan", "Pune", mh, "27", "410501",
-                  "AAKFS4821M", "02135-249910", "", "", "", 0),
-      MakeAccount(23, "Shivneri Motors - Baramati Branch", "BRANCH", "Bhigwan Road",
-                  "Near MIDC Chowk", "Baramati", "Baramati", "Pune", mh, "27", "413102",
-                  "AAKFS4821M", "02112-243370", "", "", "", 0),
+                  "Pune-Nashik Highway", "Near Ambethan Chowk", "Chakan", "Pune", mh, "27",
+                  "410501", "AAKFS4821M", "02135-249910", "", "", "", 0),
+      MakeAccount(23, "Shivneri Motors - Baramati Branch", "BRANCH", "Plot No. 7, Bhigwan Road",
+                  "Near MIDC Chowk", "", "Baramati", "Pune", mh, "27", "413102", "AAKFS4821M",
+                  "02112-243370", "", "", "", 0),
       MakeAccount(31, "Janseva Auto Finance Ltd", "FINANCIER", "Office No. 305, Pride Icon",
                   "Kharadi Bypass", "Kharadi", "Pune", "Pune", mh, "27", "411014", "AACCJ1185E",
                   "020-67281100", "", "pune@jansevafin.example", "Branch Manager", 0),
@@ -242,6 +248,8 @@ void AddBranches(Dealership& d) {
        "Pune",
        "411028",
        "020-26970451",
+       "Maharashtra",
+       "27",
        "MH12 Pune",
        "MH12",
        "Vikas Deshpande",
@@ -255,6 +263,8 @@ void AddBranches(Dealership& d) {
        "Chakan",
        "410501",
        "02135-249910",
+       "Maharashtra",
+       "27",
        "MH14 Pimpri-Chinchwad",
        "MH14",
        "Ravindra Bhor",
@@ -263,11 +273,13 @@ void AddBranches(Dealership& d) {
       {3,
        "BMT",
        "Baramati Branch",
-       "Bhigwan Road, Near MIDC Chowk",
-       "Baramati",
+       "Plot No. 7, Bhigwan Road",
+       "Near MIDC Chowk",
        "Baramati",
        "413102",
        "02112-243370",
+       "Maharashtra",
+       "27",
        "MH42 Baramati",
        "MH42",
        "Santosh Jagtap",
@@ -727,6 +739,8 @@ const std::vector<Community>& Communities() {
   return communities;
 }
 
+// area is the locality within the city or town, empty where the town is small enough to need
+// none: an address never names its town twice.
 struct Place {
   const char* area;
   const char* city;
@@ -750,25 +764,25 @@ const std::vector<Place>& PlacesOf(int branch) {
       {"Fursungi", "Pune", "Pune", "Maharashtra", "27", "412308"},
       {"Manjari Bk", "Pune", "Pune", "Maharashtra", "27", "412307"}};
   static const std::vector<Place> chakan = {
-      {"Chakan", "Chakan", "Pune", "Maharashtra", "27", "410501"},
+      {"Medankarwadi", "Chakan", "Pune", "Maharashtra", "27", "410501"},
       {"Bhosari", "Pimpri-Chinchwad", "Pune", "Maharashtra", "27", "411026"},
       {"Moshi", "Pimpri-Chinchwad", "Pune", "Maharashtra", "27", "412105"},
-      {"Talegaon Dabhade", "Talegaon Dabhade", "Pune", "Maharashtra", "27", "410506"},
+      {"Yashwant Nagar", "Talegaon Dabhade", "Pune", "Maharashtra", "27", "410506"},
       {"Rajgurunagar", "Khed", "Pune", "Maharashtra", "27", "410505"},
-      {"Alandi", "Alandi", "Pune", "Maharashtra", "27", "412105"}};
+      {"", "Alandi", "Pune", "Maharashtra", "27", "412105"}};
   static const std::vector<Place> baramati = {
-      {"Baramati", "Baramati", "Pune", "Maharashtra", "27", "413102"},
-      {"Indapur", "Indapur", "Pune", "Maharashtra", "27", "413106"},
-      {"Daund", "Daund", "Pune", "Maharashtra", "27", "413801"},
+      {"Tandulwadi", "Baramati", "Pune", "Maharashtra", "27", "413102"},
+      {"", "Indapur", "Pune", "Maharashtra", "27", "413106"},
+      {"Gopalwadi", "Daund", "Pune", "Maharashtra", "27", "413801"},
       {"Malegaon Bk", "Baramati", "Pune", "Maharashtra", "27", "413115"},
-      {"Jejuri", "Jejuri", "Pune", "Maharashtra", "27", "412303"}};
+      {"", "Jejuri", "Pune", "Maharashtra", "27", "412303"}};
   return branch == 1 ? hadapsar : branch == 2 ? chakan : baramati;
 }
 
 const std::vector<Place>& KarnatakaPlaces() {
   static const std::vector<Place> places = {
-      {"Nipani", "Nipani", "Belagavi", "Karnataka", "29", "591237"},
-      {"Chikodi", "Chikodi", "Belagavi", "Karnataka", "29", "591201"}};
+      {"", "Nipani", "Belagavi", "Karnataka", "29", "591237"},
+      {"", "Chikodi", "Belagavi", "Karnataka", "29", "591201"}};
   return places;
 }
 
@@ -929,9 +943,10 @@ void AddCustomers(Random& random, Dealership& d) {
   d.customers.push_back(MakeBusiness(
       5058, 3, "Krushidhan Dairy Products", "Gat No. 231", "Baramati-Phaltan Road", "Malegaon Bk",
       "Baramati", "413115", "9421058812", "accounts@krushidhan.example", "AAIFK2204D", "Dairy"));
-  d.customers.push_back(MakeBusiness(
-      5059, 2, "Om Sai Courier & Logistics", "Shop 3, Sai Arcade", "Chakan-Talegaon Road", "Chakan",
-      "Chakan", "410501", "9890312456", "omsaicourier@example.com", "BQRPL5521K", "Courier"));
+  d.customers.push_back(MakeBusiness(5059, 2, "Om Sai Courier & Logistics", "Shop 3, Sai Arcade",
+                                     "Chakan-Talegaon Road", "Medankarwadi", "Chakan", "410501",
+                                     "9890312456", "omsaicourier@example.com", "BQRPL5521K",
+                                     "Courier"));
   d.customers.push_back(MakeBusiness(5060, 1, "Dnyanganga English Medium School",
                                      "S. No. 44, Dnyanganga Campus", "Near Sasane Nagar",
                                      "Hadapsar", "Pune", "411028", "9763320145",

@@ -3,6 +3,8 @@
 // from the manufacturers and moved to the branches, the documents are priced at the GST rates of
 // their dates, and finally registrations, payments and enquiries are recorded.
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -49,6 +51,39 @@ const Factory& FactoryOf(int supplier) {
                                           : kLudhiana;
 }
 
+// The signed QR code of an e-invoice as the invoice registration portal returns it: a JSON Web
+// Token (header.payload.signature, each base64url) signed with the portal's key (RS256), its
+// payload holding the invoice's particulars as a JSON text under "data". The demo cannot sign as
+// the portal does: its signature is 256 bytes, as long as the portal's, drawn from digests of the
+// header and payload, so the same invoice always gets the same code.
+std::string SignedQr(const std::string& data) {
+  static const std::string kHeader = [] {
+    const std::string key = Sha256("Invoice registration portal, signing certificate 2024");
+    std::string kid;
+    for (char c : Sha256Hex(key).substr(0, 40)) {
+      kid += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    const std::string thumbprint = Base64Url(key.substr(0, 20));
+    return Base64Url("{\"alg\":\"RS256\",\"kid\":\"" + kid + "\",\"typ\":\"JWT\",\"x5t\":\"" +
+                     thumbprint + "\"}");
+  }();
+  std::string quoted;
+  for (char c : data) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  const std::string signed_part =
+      kHeader + "." + Base64Url("{\"data\":\"" + quoted + "\",\"iss\":\"NIC\"}");
+  std::string signature;
+  for (char block = 0; block < 8; ++block) signature += Sha256(signed_part + block);
+  return signed_part + "." + Base64Url(signature);
+}
+
+// House and street, then the locality when there is one: what an enquiry slip notes.
+std::string StreetAddress(const Customer& c) {
+  return c.add3.empty() ? c.add1 : c.add1 + ", " + c.add3;
+}
+
 // Document numbers run per series and financial year: "VSI/24-25/0007".
 class Numbering {
  public:
@@ -63,7 +98,8 @@ class Numbering {
 
 class Trading {
  public:
-  Trading(Random& random, Dealership& d) : random_(random), d_(d) {
+  Trading(Random& random, Random& paperwork, Dealership& d)
+      : random_(random), paperwork_(paperwork), d_(d) {
     for (const Customer& c : d_.customers) mobiles_.insert(c.mobile);
   }
 
@@ -76,6 +112,7 @@ class Trading {
     MoveToBranches();
     PriceDocuments();
     IssueEInvoices();
+    IssueEWayBills();
     RegisterVehicles();
     CollectPayments();
     RecordEnquiries();
@@ -425,22 +462,19 @@ class Trading {
                                                                : 6;
         const int64_t dealer_price = d_.Price(m.id, p.bill_date) * (100 - margin) / 100 / 100 * 100;
         const int rate = GstRate(TaxClassOfHsn(m.hsn), p.bill_date);
-        const TaxSplit split = SplitInclusive(dealer_price, rate, supplier.inter_state());
         Line line;
         line.vehicle = id;
         line.model = m.id;
         line.hsn = m.hsn;
-        line.rate = split.taxable;
-        line.taxable = split.taxable;
-        line.gst_rate = rate;
-        line.inter_state = supplier.inter_state();
-        line.cgst = split.cgst;
-        line.sgst = split.sgst;
-        line.igst = split.igst;
-        line.net = split.net;
+        const LineTax whole = TaxForWholeRupees(dealer_price, rate, supplier.inter_state());
+        line.inclusive = whole.net;
+        line.rate = whole.taxable;
+        line.amount = line.rate;
+        Tax(line, line.amount, rate, supplier.inter_state());
         p.lines.push_back(line);
-        v.cost = split.net;
+        v.cost = line.net;
       }
+      CheckRoundOff(p.lines, p.Total(), "purchase " + p.bill_no);
       d_.purchases.push_back(p);
     }
     NumberVehicles();
@@ -518,6 +552,29 @@ class Trading {
     }
   }
 
+  // Taxes "line" at "rate" on "taxable": each tax is the rate on the taxable value, to the paisa.
+  static void Tax(Line& line, int64_t taxable, int rate, bool inter_state) {
+    const LineTax tax = TaxOn(taxable, rate, inter_state);
+    line.taxable = tax.taxable;
+    line.gst_rate = rate;
+    line.inter_state = inter_state;
+    line.cgst = tax.cgst;
+    line.sgst = tax.sgst;
+    line.igst = tax.igst;
+    line.net = tax.net;
+  }
+
+  // A document's lines, each taxed on its own, add up to within a few paise of the prices they
+  // were worked back from; rounding to whole rupees must bring the total back to those prices.
+  static void CheckRoundOff(const std::vector<Line>& lines, int64_t total,
+                            const std::string& what) {
+    if (total != LinesInclusive(lines)) {
+      throw std::logic_error(what + ": the round-off does not bring the lines to their prices");
+    }
+  }
+
+  // Prices are quoted with GST; the line shows the value before tax (the list value and the
+  // discount each worked back from the quoted amounts) and the tax on what is left.
   Line VehicleLine(const SaleUnit& unit, Day day, int64_t discount, bool inter_state,
                    bool to_sub_dealer, bool subsidised) {
     const VehicleModel& m = d_.model(unit.model);
@@ -525,23 +582,18 @@ class Trading {
     // Sub-dealers buy 4.5% below the ex-showroom price, rounded to ten rupees.
     if (to_sub_dealer) price = (price * 955 / 1000 + 500) / 1000 * 1000;
     const int rate = GstRate(TaxClassOfHsn(m.hsn), day);
-    const TaxSplit split = SplitInclusive(price - discount, rate, inter_state);
     Line line;
     line.kind = 'V';
     line.vehicle = unit.vehicle;
     line.model = m.id;
     line.description = m.Name() + " (" + d_.color(unit.color).name + ")";
     line.hsn = m.hsn;
-    line.discount = discount == 0 ? 0 : (2 * discount * 100 + (100 + rate)) / (2 * (100 + rate));
-    line.taxable = split.taxable;
-    line.amount = split.taxable + line.discount;
+    const LineTax whole = TaxForWholeRupees(price - discount, rate, inter_state);
+    line.inclusive = whole.net;
+    line.amount = discount == 0 ? whole.taxable : TaxableOf(price, rate);
     line.rate = line.amount;
-    line.gst_rate = rate;
-    line.inter_state = inter_state;
-    line.cgst = split.cgst;
-    line.sgst = split.sgst;
-    line.igst = split.igst;
-    line.net = split.net;
+    line.discount = line.amount - whole.taxable;
+    Tax(line, whole.taxable, rate, inter_state);
     // The EV subsidy (₹5,000 a kWh up to ₹10,000 in FY 2024-25, ₹5,000 from April 2025) goes
     // to private buyers; other vehicle lines carry 0 since the subsidy column came in with
     // PM E-DRIVE in October 2024, and null before.
@@ -556,21 +608,29 @@ class Trading {
   Line AccessoryLine(const SaleAccessory& accessory, Day day) {
     const Item& item = d_.item(accessory.item);
     const int rate = GstRate(TaxClassOfHsn(item.hsn), day);
-    const TaxSplit split =
-        SplitInclusive(accessory.qty * InclusiveRupees(item.base_taxable, rate), rate, false);
+    const int64_t mrp = InclusiveRupees(item.base_taxable, rate);
     Line line;
     line.kind = 'A';
     line.item = item.id;
     line.description = item.name;
     line.hsn = item.hsn;
     line.qty = accessory.qty;
-    line.taxable = split.taxable;
-    line.amount = split.taxable;
-    line.rate = (2 * split.taxable + accessory.qty) / (2 * accessory.qty);
-    line.gst_rate = rate;
-    line.cgst = split.cgst;
-    line.sgst = split.sgst;
-    line.net = split.net;
+    // The unit rate whose quantity's taxes come to whole rupees, nearest the price.
+    line.rate = TaxableOf(mrp, rate);
+    int64_t best_miss = -1;
+    for (int64_t step = 0; step <= 300 && best_miss != 0; ++step) {
+      for (const int64_t unit : {TaxableOf(mrp, rate) - step, TaxableOf(mrp, rate) + step}) {
+        const LineTax tax = TaxOn(accessory.qty * unit, rate, false);
+        const int64_t miss = std::abs(tax.net - accessory.qty * mrp);
+        if (tax.net % 100 == 0 && (best_miss < 0 || miss < best_miss)) {
+          line.rate = unit;
+          best_miss = miss;
+        }
+      }
+    }
+    line.amount = accessory.qty * line.rate;
+    Tax(line, line.amount, rate, false);
+    line.inclusive = line.net;
     return line;
   }
 
@@ -592,12 +652,14 @@ class Trading {
       const bool inter_state = chl.account != 0 && d_.account(chl.account).inter_state();
       chl.lines = PriceLines(chl.units, chl.accessories, chl.discount, chl.date, inter_state,
                              chl.type == 'S', chl.type == 'C');
+      CheckRoundOff(chl.lines, chl.Amount(), "challan " + chl.num);
     }
     for (Invoice& inv : d_.invoices) {
       const bool inter_state = inv.account != 0 && d_.account(inv.account).inter_state();
       const bool person = inv.itype == 'R' && !d_.customer(inv.customer).business;
       inv.lines = PriceLines(inv.units, inv.accessories, inv.discount, inv.date, inter_state,
                              inv.itype == 'S', person);
+      CheckRoundOff(inv.lines, inv.Total(), "invoice " + inv.num);
     }
   }
 
@@ -615,16 +677,63 @@ class Trading {
       } while (!acks.insert(inv.ack_no).second);
       inv.ack_seconds = random_.Between(10 * 3600, 19 * 3600);
       const Stamp ack{inv.date, inv.ack_seconds};
-      inv.qr_text = "{\"SellerGstin\":\"" + d_.firm.gstin + "\",\"BuyerGstin\":\"" + buyer +
-                    "\",\"DocNo\":\"" + inv.num + "\",\"DocTyp\":\"INV\",\"DocDt\":\"" +
-                    inv.date.Dmy() + "\",\"TotInvVal\":" + MoneyText(inv.Total()) +
-                    ",\"ItemCnt\":" + std::to_string(inv.lines.size()) + ",\"MainHsnCode\":\"" +
-                    inv.lines[0].hsn + "\",\"Irn\":\"" + inv.irn + "\",\"IrnDt\":\"" +
-                    StampText(ack) + "\"}";
+      inv.qr_text =
+          SignedQr("{\"SellerGstin\":\"" + d_.firm.gstin + "\",\"BuyerGstin\":\"" + buyer +
+                   "\",\"DocNo\":\"" + inv.num + "\",\"DocTyp\":\"INV\",\"DocDt\":\"" +
+                   inv.date.Dmy() + "\",\"TotInvVal\":" + MoneyText(inv.Total()) + ",\"ItemCnt\":" +
+                   std::to_string(inv.lines.size()) + ",\"MainHsnCode\":\"" + inv.lines[0].hsn +
+                   "\",\"Irn\":\"" + inv.irn + "\",\"IrnDt\":\"" + StampText(ack) + "\"}");
       if (inv.itype == 'S' && inv.Total() > Rs(50000)) {
         inv.ewb_no = "3" + random_.Digits(11);
         inv.ewb_seconds = std::min(inv.ack_seconds + random_.Between(300, 3600), 86399);
       }
+    }
+  }
+
+  // An e-way bill number not given before: twelve digits.
+  std::string NewEWayBill() {
+    for (;;) {
+      std::string number = "3" + paperwork_.Digits(11);
+      if (ewbs_.insert(number).second) return number;
+    }
+  }
+
+  // Goods worth more than ₹50,000 that the dealership moves by road, on an e-way bill:
+  // vehicles sent to a sub-dealer on a challan (the invoice that follows names the same bill,
+  // truck and consignment note), invoiced to a sub-dealer without one, and sent to a branch.
+  // Retail buyers take delivery at the showroom. Purchases come on the manufacturers' bills.
+  void IssueEWayBills() {
+    for (const Purchase& p : d_.purchases) ewbs_.insert(p.ewb_no);
+    for (Invoice& inv : d_.invoices) {
+      inv.ewb_day = inv.date;
+      if (!inv.ewb_no.empty()) ewbs_.insert(inv.ewb_no);
+    }
+    for (Challan& chl : d_.challans) {
+      if (chl.type != 'S') continue;
+      Invoice* inv = nullptr;
+      for (Invoice& candidate : d_.invoices) {
+        if (candidate.id == chl.invoice) inv = &candidate;
+      }
+      chl.lr_no = inv != nullptr
+                      ? inv->lr_no
+                      : (chl.transporter[0] == 'S' ? "SGR/" : "DC/") + paperwork_.Digits(5);
+      if (chl.Amount() > Rs(50000)) {
+        chl.ewb_no = NewEWayBill();
+        chl.ewb_seconds = paperwork_.Between(9 * 3600, 18 * 3600);
+      }
+      if (inv == nullptr) continue;
+      inv->transporter = chl.transporter;
+      inv->truck = chl.truck;
+      inv->ewb_no = chl.ewb_no;
+      inv->ewb_day = chl.date;
+      inv->ewb_seconds = chl.ewb_seconds;
+    }
+    for (BranchTransfer& t : d_.transfers) {
+      int64_t value = 0;
+      for (int id : t.vehicles) value += d_.vehicle(id).cost;
+      if (value <= Rs(50000)) continue;
+      t.ewb_no = NewEWayBill();
+      t.ewb_seconds = paperwork_.Between(9 * 3600, 18 * 3600);
     }
   }
 
@@ -652,7 +761,7 @@ class Trading {
         "The Oriental Insurance Co. Ltd.", "National Insurance Co. Ltd."};
     int tline = 3000;
     int hsrp = 6000;
-    Numbering numbers;
+    std::map<std::string, int> certificates;  // by branch and financial year
     for (Invoice& inv : d_.invoices) {
       if (inv.itype != 'R' || !d_.model(inv.units[0].model).registered()) continue;
       const Customer& c = d_.customer(inv.customer);
@@ -675,6 +784,9 @@ class Trading {
         t.num = "T" + Padded(inv.date.month(), 2) + Padded(inv.date.year() % 100, 2) + "MH" +
                 Padded(serial, 4) + random_.Letters(2);
         t.rto = branch.rto;
+        t.branch = branch.id;
+        t.certificate = "TC/" + branch.code + "/" + inv.date.LongFinancialYear() + "/" +
+                        Padded(++certificates[branch.code + inv.date.FinancialYear()], 4);
         t.invoice = inv.id;
         t.fee = Rs(200);
         if (from_karnataka) {
@@ -882,7 +994,7 @@ class Trading {
       e.date = contact;
       e.branch = inv.branch;
       e.name = c.name;
-      e.address = c.add1 + ", " + c.add3;
+      e.address = StreetAddress(c);
       e.city = c.city;
       e.mobile = c.mobile;
       e.model = m.id;
@@ -892,6 +1004,7 @@ class Trading {
       e.executive = inv.executive;
       e.status = 1;
       e.booking = inv.booking_date ? 1 : 0;
+      if (inv.booking_date) e.booking_status = "DELIVERED";
       e.booked_on = inv.booking_date;
       e.booking_amount = inv.booking_amount;
       e.followup = contact.Plus(random_.Between(2, 5));
@@ -914,7 +1027,7 @@ class Trading {
       e.branch = 1 + random_.Weighted({55, 25, 20});
       const Customer person = DrawPerson(random_, 0, e.branch, mobiles_);
       e.name = person.name;
-      e.address = person.add1 + ", " + person.add3;
+      e.address = StreetAddress(person);
       e.city = person.city;
       e.mobile = person.mobile;
       const VehicleModel& m =
@@ -928,12 +1041,13 @@ class Trading {
       e.status = random_.Percent(recent ? 70 : 25) ? 0 : 2;
       if (e.status == 0 && random_.Percent(15)) {
         e.booking = 1;
+        e.booking_status = "BOOKED";
         e.remarks = "Booked; awaiting finance approval";
       } else if (e.status == 2) {
         e.lost_reason = random_.Pick(kLostReasons);
         if (random_.Percent(4)) {
           e.booking = 1;
-          e.remarks = "Booking cancelled, amount refunded";
+          e.booking_status = "CANCELLED";
         }
       } else {
         e.remarks = "Follow up for test ride";
@@ -941,6 +1055,17 @@ class Trading {
       if (e.booking == 1) {
         e.booked_on = e.date.Plus(random_.Between(0, 5));
         e.booking_amount = Rs(500 * random_.Between(2, 6));
+      }
+      // Most buyers who cancel get their booking amount back; the rest cancel too late under the
+      // booking terms, and the dealer keeps it.
+      if (e.booking_status == "CANCELLED") {
+        if (paperwork_.Percent(70)) {
+          e.booking_status = "REFUNDED";
+          e.refunded_on = e.booked_on->Plus(paperwork_.Between(8, 30));
+          e.remarks = "Booking cancelled, amount refunded";
+        } else {
+          e.remarks = "Booking cancelled after the allotment; amount forfeited";
+        }
       }
       e.followup = e.date.Plus(random_.Between(2, 7));
       e.expected = e.date.Plus(random_.Between(7, 45));
@@ -987,6 +1112,7 @@ class Trading {
       note.from = "HO godown, Survey No. 58/2, Hadapsar";
       note.to = to;
       note.reason = reason;
+      note.branch = 1;
       note.authorised_by = "Vikas Deshpande";
       note.remarks = "Keys and tool kits handed over with the vehicles";
       d_.transfer_notes.push_back(note);
@@ -1002,15 +1128,19 @@ class Trading {
   }
 
   Random& random_;
+  Random& paperwork_;
   Dealership& d_;
   std::set<std::string> mobiles_;
   std::map<std::string, std::string> series_;
   std::set<std::string> regnos_;
+  std::set<std::string> ewbs_;
   int plans_ = 0;
 };
 
 }  // namespace
 
-void AddTrading(Random& random, Dealership& dealership) { Trading(random, dealership).Run(); }
+void AddTrading(Random& random, Random& paperwork, Dealership& dealership) {
+  Trading(random, paperwork, dealership).Run();
+}
 
 }  // namespace vantorel::demo

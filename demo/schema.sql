@@ -116,7 +116,9 @@ create table branch (
   br_phone varchar(40),
   br_rto varchar(40),
   br_manager varchar(60),
-  am_id integer not null references fa_acmaster (am_id)
+  am_id integer not null references fa_acmaster (am_id),
+  br_state varchar(40),
+  br_statecode varchar(2)
 );
 
 create table customer (
@@ -222,7 +224,9 @@ create table purchase (
   lr_date date,
   truck_no varchar(12),
   ewb_no varchar(12),
-  remarks varchar(120)
+  remarks varchar(120),
+  round_off numeric(12,2),
+  ewb_date date
 );
 
 create table vehicle (
@@ -257,6 +261,8 @@ create table purveh (
   igst_rate numeric(5,2),
   igst_amt numeric(12,2),
   amount numeric(12,2),
+  qty integer,
+  uom varchar(4),
   primary key (purid, line)
 );
 
@@ -273,7 +279,9 @@ create table btmstveh (
   btvalue numeric(12,2),
   vehicle_no varchar(12),
   driver varchar(40),
-  remarks varchar(120)
+  remarks varchar(120),
+  ewb_no varchar(12),
+  ewb_date timestamp
 );
 
 create table btdetveh (
@@ -281,10 +289,13 @@ create table btdetveh (
   line integer not null,
   veh_id integer not null references vehicle (veh_id),
   rate numeric(12,2),
+  qty integer,
+  uom varchar(4),
   primary key (btid, line)
 );
 
--- Vehicle transfer notes between stock points (godown, showroom floor, yards), by tid.
+-- Vehicle transfer notes between stock points (godown, showroom floor, yards) of the branch
+-- br_id, by tid.
 create table vintrf (
   tid integer primary key,
   tno varchar(20) not null,
@@ -293,7 +304,8 @@ create table vintrf (
   to_loc varchar(60),
   reason varchar(80),
   authorised_by varchar(40),
-  remarks varchar(120)
+  remarks varchar(120),
+  br_id integer references branch (br_id)
 );
 
 create table vintrfdet (
@@ -301,12 +313,15 @@ create table vintrfdet (
   line integer not null,
   veh_id integer not null references vehicle (veh_id),
   remarks varchar(60),
+  qty integer,
+  uom varchar(4),
   primary key (tid, line)
 );
 
 -- Delivery challans: type 'C' to a customer, 'S' to a sub-dealer. amt = sum of the lines'
--- chlamt. invid is the invoice the challan was later billed on (no constraint: invoices point
--- back at their challan).
+-- chlamt + round_off, whole rupees. invid is the invoice the challan was later billed on (no
+-- constraint: invoices point back at their challan). Goods sent by truck carry the consignment
+-- note (lr_no) and, above Rs. 50,000, an e-way bill.
 create table challan (
   id integer primary key,
   type varchar(1) not null,
@@ -321,11 +336,16 @@ create table challan (
   truck_no varchar(12),
   prepared_by varchar(40),
   invid integer,
-  remarks varchar(120)
+  remarks varchar(120),
+  round_off numeric(12,2),
+  lr_no varchar(20),
+  ewb_no varchar(12),
+  ewb_date timestamp
 );
 
 -- Vehicle sale invoices: itype 'R' retail (a customer), 'S' a sub-dealer. Totals are the sums
--- of the invoice's purdata lines; payable = invamt - tot_subsidy.
+-- of the invoice's purdata lines, and invamt = sum of netprice + round_off, whole rupees;
+-- payable = invamt - tot_subsidy. qr_text is the e-invoice's signed QR code (a JSON Web Token).
 create table invoice (
   id integer primary key,
   itype varchar(1) not null,
@@ -355,7 +375,7 @@ create table invoice (
   irn varchar(64),
   ack_no varchar(20),
   ack_date timestamp,
-  qr_text varchar(1000),
+  qr_text varchar(1500),
   ewb_no varchar(12),
   ewb_date timestamp,
   transporter varchar(60),
@@ -368,10 +388,12 @@ create table invoice (
   ins_policy varchar(30),
   ins_from date,
   ins_upto date,
-  remarks varchar(120)
+  remarks varchar(120),
+  round_off numeric(12,2)
 );
 
 -- Item lines of invoices (invid) and challans (chlid); each row belongs to exactly one of them.
+-- Each tax is the rate on the taxable value, to the paisa (half up).
 -- netprice is the line total including tax (taxable + cgst + sgst + igst); chlamt repeats it on
 -- challan lines. subsidyamt is the EV subsidy of the line, 0 on other vehicle lines from
 -- October 2024 and null on older lines and on accessory lines.
@@ -406,6 +428,9 @@ create index ix_purdata_invid on purdata (invid, line);
 create index ix_purdata_chlid on purdata (chlid, line);
 
 -- Customer enquiries. enq_status: 0 pending, 1 matured, 2 lost; enq_booking 1 when booked.
+-- enq_bkstatus, of a booking: BOOKED (open), DELIVERED, CANCELLED (amount kept) or REFUNDED
+-- (cancelled, the amount paid back on enq_refunddate), so the booking register can leave out or
+-- list apart the bookings that no longer stand.
 create table enqdata (
   enq_id integer primary key,
   enq_no varchar(20),
@@ -431,7 +456,9 @@ create table enqdata (
   enq_lost_reason varchar(60),
   enq_remarks varchar(120),
   enq_custid integer references customer (cust_id),
-  enq_invid integer references invoice (id)
+  enq_invid integer references invoice (id),
+  enq_bkstatus varchar(10),
+  enq_refunddate date
 );
 create index ix_enqdata_date on enqdata (enq_date);
 
@@ -484,7 +511,8 @@ create table bulkrecdet (
   primary key (brid, line)
 );
 
--- Temporary registrations, one per certificate line (tline).
+-- Temporary registrations, one per certificate line (tline): tno is the temporary registration
+-- mark, cert_no the certificate's number in the issuing branch's register.
 create table tempreg (
   tline integer primary key,
   tno varchar(20) not null,
@@ -494,7 +522,8 @@ create table tempreg (
   rto varchar(40),
   reg_state varchar(40),
   fee numeric(12,2),
-  reason varchar(80)
+  reason varchar(80),
+  cert_no varchar(24)
 );
 
 -- High-security registration plates ordered for registered vehicles.
@@ -531,7 +560,21 @@ select c.id, c.type, c.num, c.cdate, c.br_id, b.br_name, b.coid, c.cust_id, c.am
   d.taxable, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt,
   d.netprice, d.chlamt,
   m.make, m.model, m.variant, m.vcat, k.color_name as color, v.chassis, v.engine,
-  v.battery_no, v.key_no, v.mfg_month, v.mfg_year, v.kit_items
+  v.battery_no, v.key_no, v.mfg_month, v.mfg_year, v.kit_items,
+  c.round_off, c.lr_no, c.ewb_no, c.ewb_date,
+  case when cu.cust_id is not null then case when cu.cadd3 <> cu.ccity then cu.cadd3 end
+  else case when a.am_add3 <> a.am_town then a.am_add3 end end as clocality,
+  case when cu.cust_id is not null then
+    coalesce(cu.cadd1 || ', ', '') ||
+      coalesce(case when cu.cadd2 <> cu.ccity then cu.cadd2 || ', ' end, '') ||
+      coalesce(case when cu.cadd3 <> cu.ccity then cu.cadd3 || ', ' end, '') || cu.ccity ||
+      coalesce(' - ' || cu.cpin, '')
+  else
+    coalesce(a.am_add1 || ', ', '') ||
+      coalesce(case when a.am_add2 <> a.am_town then a.am_add2 || ', ' end, '') ||
+      coalesce(case when a.am_add3 <> a.am_town then a.am_add3 || ', ' end, '') || a.am_town ||
+      coalesce(' - ' || a.am_pin, '')
+  end as caddress
 from challan c
 join purdata d on d.chlid = c.id
 left join branch b on b.br_id = c.br_id
@@ -572,7 +615,21 @@ select i.id, i.itype, i.num, i.idate, i.br_id, b.br_name, b.br_rto, b.coid, i.cu
   v.key_no, v.mfg_month, v.mfg_year, v.kit_items,
   h.order_no as hsrp_order_no, h.order_date as hsrp_order_date, h.vendor as hsrp_vendor,
   h.front_laser as hsrp_front_laser, h.rear_laser as hsrp_rear_laser,
-  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee
+  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee,
+  i.round_off,
+  case when cu.cust_id is not null then case when cu.cadd3 <> cu.ccity then cu.cadd3 end
+  else case when a.am_add3 <> a.am_town then a.am_add3 end end as clocality,
+  case when cu.cust_id is not null then
+    coalesce(cu.cadd1 || ', ', '') ||
+      coalesce(case when cu.cadd2 <> cu.ccity then cu.cadd2 || ', ' end, '') ||
+      coalesce(case when cu.cadd3 <> cu.ccity then cu.cadd3 || ', ' end, '') || cu.ccity ||
+      coalesce(' - ' || cu.cpin, '')
+  else
+    coalesce(a.am_add1 || ', ', '') ||
+      coalesce(case when a.am_add2 <> a.am_town then a.am_add2 || ', ' end, '') ||
+      coalesce(case when a.am_add3 <> a.am_town then a.am_add3 || ', ' end, '') || a.am_town ||
+      coalesce(' - ' || a.am_pin, '')
+  end as caddress
 from invoice i
 join purdata d on d.invid = i.id
 left join branch b on b.br_id = i.br_id
@@ -605,7 +662,21 @@ select i.id, i.itype, i.num, i.idate, i.br_id, b.br_name, b.br_rto, b.coid, i.cu
   v.mfg_month, v.mfg_year,
   h.order_no as hsrp_order_no, h.order_date as hsrp_order_date, h.vendor as hsrp_vendor,
   h.front_laser as hsrp_front_laser, h.rear_laser as hsrp_rear_laser,
-  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee
+  h.snap_lock as hsrp_snap_lock, h.fit_date as hsrp_fit_date, h.fee as hsrp_fee,
+  i.round_off, i.ewb_date, i.transporter, i.lr_no, i.truck_no,
+  case when cu.cust_id is not null then case when cu.cadd3 <> cu.ccity then cu.cadd3 end
+  else case when a.am_add3 <> a.am_town then a.am_add3 end end as clocality,
+  case when cu.cust_id is not null then
+    coalesce(cu.cadd1 || ', ', '') ||
+      coalesce(case when cu.cadd2 <> cu.ccity then cu.cadd2 || ', ' end, '') ||
+      coalesce(case when cu.cadd3 <> cu.ccity then cu.cadd3 || ', ' end, '') || cu.ccity ||
+      coalesce(' - ' || cu.cpin, '')
+  else
+    coalesce(a.am_add1 || ', ', '') ||
+      coalesce(case when a.am_add2 <> a.am_town then a.am_add2 || ', ' end, '') ||
+      coalesce(case when a.am_add3 <> a.am_town then a.am_add3 || ', ' end, '') || a.am_town ||
+      coalesce(' - ' || a.am_pin, '')
+  end as caddress
 from invoice i
 left join branch b on b.br_id = i.br_id
 left join customer cu on cu.cust_id = i.cust_id
@@ -624,7 +695,12 @@ select t.tline, t.tno, t.tdate, t.valid_upto, t.rto as temp_rto, t.reg_state, t.
   cu.cdistrict, cu.cstate, cu.cpin, cu.cmobile, cu.cdob,
   m.make, m.model, m.variant, m.vclass, m.body_type, m.fuel, m.cc, m.cylinders, m.seating,
   m.unladen_wt, m.gross_wt, m.emission_norms, k.color_name as color, v.chassis, v.engine,
-  v.mfg_month, v.mfg_year
+  v.mfg_month, v.mfg_year,
+  t.cert_no, case when cu.cadd3 <> cu.ccity then cu.cadd3 end as clocality,
+  coalesce(cu.cadd1 || ', ', '') ||
+      coalesce(case when cu.cadd2 <> cu.ccity then cu.cadd2 || ', ' end, '') ||
+      coalesce(case when cu.cadd3 <> cu.ccity then cu.cadd3 || ', ' end, '') || cu.ccity ||
+      coalesce(' - ' || cu.cpin, '') as caddress
 from tempreg t
 join invoice i on i.id = t.invid
 left join branch b on b.br_id = i.br_id
@@ -640,7 +716,18 @@ select r.id, r.num, r.rdate, r.br_id, b.br_name, b.coid, r.ptype, r.cust_id, r.a
   coalesce(cu.ccity, a.am_town) as pcity, coalesce(cu.cmobile, a.am_mobile) as pmobile,
   r.amt, r.mode, r.chqno, r.chqdate, r.bank, r.refno, r.invid, r.against, r.narration,
   r.cashier, i.num as inv_num, i.idate as inv_date, m.model, k.color_name as color, v.chassis,
-  v.engine
+  v.engine,
+  case when cu.cust_id is not null then
+    coalesce(cu.cadd1 || ', ', '') ||
+      coalesce(case when cu.cadd2 <> cu.ccity then cu.cadd2 || ', ' end, '') ||
+      coalesce(case when cu.cadd3 <> cu.ccity then cu.cadd3 || ', ' end, '') || cu.ccity ||
+      coalesce(' - ' || cu.cpin, '')
+  else
+    coalesce(a.am_add1 || ', ', '') ||
+      coalesce(case when a.am_add2 <> a.am_town then a.am_add2 || ', ' end, '') ||
+      coalesce(case when a.am_add3 <> a.am_town then a.am_add3 || ', ' end, '') || a.am_town ||
+      coalesce(' - ' || a.am_pin, '')
+  end as paddress
 from receipt r
 left join branch b on b.br_id = r.br_id
 left join customer cu on cu.cust_id = r.cust_id
@@ -667,21 +754,28 @@ left join fa_acmaster ia on ia.am_id = i.am_id
 left join vehicle v on v.veh_id = i.veh_id
 left join vehmodel m on m.model_id = v.model_id;
 
--- Vehicle lines of purchase bills.
+-- Vehicle lines of purchase bills, with the receiving branch.
 create view vu_purveh as
 select p.purid, p.line, p.veh_id, m.model, m.variant, m.model_code, k.color_name as color,
   v.chassis, v.engine, v.mfg_month, v.mfg_year, p.hsn, p.rate, p.taxable, p.cgst_rate,
-  p.cgst_amt, p.sgst_rate, p.sgst_amt, p.igst_rate, p.igst_amt, p.amount
+  p.cgst_amt, p.sgst_rate, p.sgst_amt, p.igst_rate, p.igst_amt, p.amount,
+  p.qty, p.uom, u.br_id, b.coid
 from purveh p
+join purchase u on u.id = p.purid
+left join branch b on b.br_id = u.br_id
 join vehicle v on v.veh_id = p.veh_id
 join vehmodel m on m.model_id = v.model_id
 join color k on k.color_id = v.color_id;
 
--- Vehicle lines of branch transfers.
+-- Vehicle lines of branch transfers, with the transfer: br_id is the sending (issuing) branch.
 create view vu_btveh as
 select t.btid, t.line, t.veh_id, m.model, m.variant, k.color_name as color, v.chassis,
-  v.engine, v.key_no, v.battery_no, t.rate
+  v.engine, v.key_no, v.battery_no, t.rate,
+  t.qty, t.uom, s.from_br as br_id, b.coid, s.from_br, s.to_br, s.btno, s.btdate, s.vehicle_no,
+  s.ewb_no, s.ewb_date
 from btdetveh t
+join btmstveh s on s.id = t.btid
+left join branch b on b.br_id = s.from_br
 join vehicle v on v.veh_id = t.veh_id
 join vehmodel m on m.model_id = v.model_id
 join color k on k.color_id = v.color_id;
@@ -690,9 +784,11 @@ join color k on k.color_id = v.color_id;
 create view vu_vintrf as
 select t.tid, t.tno, t.tdate, t.from_loc, t.to_loc, t.reason, t.authorised_by,
   t.remarks, d.line, d.veh_id, d.remarks as line_remarks, m.model, m.variant,
-  k.color_name as color, v.chassis, v.engine, v.key_no, v.mfg_month, v.mfg_year
+  k.color_name as color, v.chassis, v.engine, v.key_no, v.mfg_month, v.mfg_year,
+  d.qty, d.uom, t.br_id, b.coid
 from vintrf t
 join vintrfdet d on d.tid = t.tid
+left join branch b on b.br_id = t.br_id
 join vehicle v on v.veh_id = d.veh_id
 join vehmodel m on m.model_id = v.model_id
 join color k on k.color_id = v.color_id;

@@ -26,6 +26,9 @@ Cell Number(const std::string& digits) {
 }
 Cell Count(int value) { return value == 0 ? Cell(kNull) : Cell(int64_t{value}); }
 
+// Vehicles and accessories alike are counted in numbers.
+constexpr char kUnit[] = "NOS";
+
 // A GST rate given in half percents, written in percent with two decimals: 28 gives "14.00", 5
 // gives "2.50" (the CGST or SGST share of a rate), 2 * rate the whole rate.
 Cell Rate(int half_percents) {
@@ -63,12 +66,12 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
                   Text(a.contact), Paise(a.opening)});
   }
 
-  Table& branches =
-      out.Create("branch", {"br_id", "coid", "br_code", "br_name", "br_add1", "br_add2", "br_city",
-                            "br_pin", "br_phone", "br_rto", "br_manager", "am_id"});
+  Table& branches = out.Create(
+      "branch", {"br_id", "coid", "br_code", "br_name", "br_add1", "br_add2", "br_city", "br_pin",
+                 "br_phone", "br_rto", "br_manager", "am_id", "br_state", "br_statecode"});
   for (const Branch& b : d.branches) {
     branches.Add({Int(b.id), Int(d.firm.coid), b.code, b.name, b.add1, b.add2, b.city, b.pin,
-                  b.phone, b.rto, b.manager, Int(b.account)});
+                  b.phone, b.rto, b.manager, Int(b.account), b.state, b.state_code});
   }
 
   Table& customers = out.Create(
@@ -84,9 +87,9 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
                    c.name,
                    Text(c.relation),
                    Text(c.father),
-                   c.add1,
-                   c.add2,
-                   c.add3,
+                   Text(c.add1),
+                   Text(c.add2),
+                   Text(c.add3),
                    c.city,
                    c.district,
                    c.state,
@@ -157,23 +160,39 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
 
 void AddStockRows(const Dealership& d, Dataset& out) {
   Table& purchases =
-      out.Create("purchase", {"id", "supid", "billno", "billdate", "recdate", "grn_no", "br_id",
-                              "nveh", "taxable", "cgst", "sgst", "igst", "total", "transporter",
-                              "lr_no", "lr_date", "truck_no", "ewb_no", "remarks"});
+      out.Create("purchase",
+                 {"id",    "supid",   "billno",   "billdate", "recdate", "grn_no",    "br_id",
+                  "nveh",  "taxable", "cgst",     "sgst",     "igst",    "total",     "transporter",
+                  "lr_no", "lr_date", "truck_no", "ewb_no",   "remarks", "round_off", "ewb_date"});
   for (const Purchase& p : d.purchases) {
-    int64_t taxable = 0, cgst = 0, sgst = 0, igst = 0, total = 0;
+    int64_t taxable = 0, cgst = 0, sgst = 0, igst = 0;
     for (const Line& l : p.lines) {
       taxable += l.taxable;
       cgst += l.cgst;
       sgst += l.sgst;
       igst += l.igst;
-      total += l.net;
     }
-    purchases.Add({Int(p.id), Int(p.supplier), p.bill_no, p.bill_date, p.received, p.grn_no, Int(1),
-                   Int(static_cast<int64_t>(p.vehicles.size())), Paise(taxable), Paise(cgst),
-                   Paise(sgst), Paise(igst), Paise(total), p.transporter, p.lr_no, p.bill_date,
-                   p.truck, p.ewb_no,
-                   std::to_string(p.vehicles.size()) + " vehicles received in good condition"});
+    purchases.Add({Int(p.id),
+                   Int(p.supplier),
+                   p.bill_no,
+                   p.bill_date,
+                   p.received,
+                   p.grn_no,
+                   Int(1),
+                   Int(static_cast<int64_t>(p.vehicles.size())),
+                   Paise(taxable),
+                   Paise(cgst),
+                   Paise(sgst),
+                   Paise(igst),
+                   Paise(p.Total()),
+                   p.transporter,
+                   p.lr_no,
+                   p.bill_date,
+                   p.truck,
+                   p.ewb_no,
+                   std::to_string(p.vehicles.size()) + " vehicles received in good condition",
+                   Paise(RoundOff(p.lines)),
+                   p.bill_date});
   }
 
   Table& vehicles =
@@ -190,48 +209,53 @@ void AddStockRows(const Dealership& d, Dataset& out) {
 
   Table& lines = out.Create(
       "purveh", {"purid", "line", "veh_id", "hsn", "rate", "taxable", "cgst_rate", "cgst_amt",
-                 "sgst_rate", "sgst_amt", "igst_rate", "igst_amt", "amount"});
+                 "sgst_rate", "sgst_amt", "igst_rate", "igst_amt", "amount", "qty", "uom"});
   for (const Purchase& p : d.purchases) {
     int line = 0;
     for (const Line& l : p.lines) {
       lines.Add({Int(p.id), Int(++line), Int(l.vehicle), l.hsn, Paise(l.rate), Paise(l.taxable),
                  Rate(l.inter_state ? 0 : l.gst_rate), Paise(l.cgst),
                  Rate(l.inter_state ? 0 : l.gst_rate), Paise(l.sgst),
-                 Rate(l.inter_state ? 2 * l.gst_rate : 0), Paise(l.igst), Paise(l.net)});
+                 Rate(l.inter_state ? 2 * l.gst_rate : 0), Paise(l.igst), Paise(l.net), Int(l.qty),
+                 kUnit});
     }
   }
 
   Table& transfers =
       out.Create("btmstveh", {"id", "btno", "btdate", "btfrom", "btto", "from_br", "to_br", "nveh",
-                              "btvalue", "vehicle_no", "driver", "remarks"});
-  Table& transfer_lines = out.Create("btdetveh", {"btid", "line", "veh_id", "rate"});
+                              "btvalue", "vehicle_no", "driver", "remarks", "ewb_no", "ewb_date"});
+  Table& transfer_lines = out.Create("btdetveh", {"btid", "line", "veh_id", "rate", "qty", "uom"});
   for (const BranchTransfer& t : d.transfers) {
     int64_t value = 0;
     for (int id : t.vehicles) value += d.vehicle(id).cost;
     transfers.Add({Int(t.id), t.num, t.date, Int(d.branch(t.from_branch).account),
                    Int(d.branch(t.to_branch).account), Int(t.from_branch), Int(t.to_branch),
                    Int(static_cast<int64_t>(t.vehicles.size())), Paise(value), t.vehicle_no,
-                   t.driver, t.remarks});
+                   t.driver, t.remarks, Text(t.ewb_no),
+                   t.ewb_no.empty() ? Cell(kNull) : Cell(Stamp{t.date, t.ewb_seconds})});
   }
   for (const BranchTransfer& t : d.transfers) {
     int line = 0;
     for (int id : t.vehicles) {
-      transfer_lines.Add({Int(t.id), Int(++line), Int(id), Paise(d.vehicle(id).cost)});
+      transfer_lines.Add(
+          {Int(t.id), Int(++line), Int(id), Paise(d.vehicle(id).cost), Int(1), kUnit});
     }
   }
 
   Table& notes = out.Create("vintrf", {"tid", "tno", "tdate", "from_loc", "to_loc", "reason",
-                                       "authorised_by", "remarks"});
-  Table& note_lines = out.Create("vintrfdet", {"tid", "line", "veh_id", "remarks"});
+                                       "authorised_by", "remarks", "br_id"});
+  Table& note_lines = out.Create("vintrfdet", {"tid", "line", "veh_id", "remarks", "qty", "uom"});
   for (const VehicleTransferNote& n : d.transfer_notes) {
-    notes.Add({Int(n.id), n.num, n.date, n.from, n.to, n.reason, n.authorised_by, n.remarks});
+    notes.Add({Int(n.id), n.num, n.date, n.from, n.to, n.reason, n.authorised_by, n.remarks,
+               Int(n.branch)});
   }
   for (const VehicleTransferNote& n : d.transfer_notes) {
     int line = 0;
     for (int id : n.vehicles) {
       note_lines.Add({Int(n.id), Int(++line), Int(id),
                       "Key " + d.vehicle(id).key_no + ", " +
-                          (d.vehicle(id).battery_no.empty() ? "no battery" : "battery fitted")});
+                          (d.vehicle(id).battery_no.empty() ? "no battery" : "battery fitted"),
+                      Int(1), kUnit});
     }
   }
 }
@@ -249,7 +273,7 @@ void AddLineRow(Table& table, int& pd_id, int invoice, int challan, int number, 
              l.description,
              l.hsn,
              Int(l.qty),
-             "NOS",
+             kUnit,
              Paise(l.rate),
              Paise(l.amount),
              Paise(l.discount),
@@ -266,13 +290,16 @@ void AddLineRow(Table& table, int& pd_id, int invoice, int challan, int number, 
 }
 
 void AddSalesRows(const Dealership& d, Dataset& out) {
-  Table& challans = out.Create(
-      "challan", {"id", "type", "num", "cdate", "br_id", "cust_id", "am_id", "amt", "gp_no",
-                  "transporter", "truck_no", "prepared_by", "invid", "remarks"});
+  Table& challans =
+      out.Create("challan", {"id", "type", "num", "cdate", "br_id", "cust_id", "am_id", "amt",
+                             "gp_no", "transporter", "truck_no", "prepared_by", "invid", "remarks",
+                             "round_off", "lr_no", "ewb_no", "ewb_date"});
   for (const Challan& c : d.challans) {
     challans.Add({Int(c.id), std::string(1, c.type), c.num, c.date, Int(c.branch), Id(c.customer),
                   Id(c.account), Paise(c.Amount()), c.gate_pass, Text(c.transporter), Text(c.truck),
-                  c.prepared_by, Id(c.invoice), c.remarks});
+                  c.prepared_by, Id(c.invoice), c.remarks, Paise(RoundOff(c.lines)), Text(c.lr_no),
+                  Text(c.ewb_no),
+                  c.ewb_no.empty() ? Cell(kNull) : Cell(Stamp{c.date, c.ewb_seconds})});
   }
 
   Table& invoices = out.Create(
@@ -283,7 +310,8 @@ void AddSalesRows(const Dealership& d, Dataset& out) {
        "tot_taxable", "tot_cgst",     "tot_sgst",   "tot_igst",  "invamt",        "tot_subsidy",
        "payable",     "irn",          "ack_no",     "ack_date",  "qr_text",       "ewb_no",
        "ewb_date",    "transporter",  "lr_no",      "truck_no",  "regno",         "reg_date",
-       "rto",         "ins_company",  "ins_policy", "ins_from",  "ins_upto",      "remarks"});
+       "rto",         "ins_company",  "ins_policy", "ins_from",  "ins_upto",      "remarks",
+       "round_off"});
   for (const Invoice& i : d.invoices) {
     int64_t taxable = 0, cgst = 0, sgst = 0, igst = 0;
     for (const Line& l : i.lines) {
@@ -324,7 +352,7 @@ void AddSalesRows(const Dealership& d, Dataset& out) {
                   i.irn.empty() ? Cell(kNull) : Cell(Stamp{i.date, i.ack_seconds}),
                   Text(i.qr_text),
                   Text(i.ewb_no),
-                  i.ewb_no.empty() ? Cell(kNull) : Cell(Stamp{i.date, i.ewb_seconds}),
+                  i.ewb_no.empty() ? Cell(kNull) : Cell(Stamp{i.ewb_day, i.ewb_seconds}),
                   Text(i.transporter),
                   Text(i.lr_no),
                   Text(i.truck),
@@ -335,7 +363,8 @@ void AddSalesRows(const Dealership& d, Dataset& out) {
                   Text(i.ins_policy),
                   insured ? Cell(i.date) : Cell(kNull),
                   insured ? Cell(i.date.PlusMonths(60).Plus(-1)) : Cell(kNull),
-                  Text(i.remarks)});
+                  Text(i.remarks),
+                  Paise(RoundOff(i.lines))});
   }
 
   Table& lines =
@@ -361,7 +390,8 @@ void AddFrontOfficeRows(const Dealership& d, Dataset& out) {
                   "enq_add",      "enq_city",        "enq_mobile",   "enq_model",    "enq_model_id",
                   "enq_color",    "enq_source",      "enq_exec",     "enq_status",   "enq_booking",
                   "enq_bookdate", "enq_bookamt",     "enq_followup", "enq_expected", "enq_finance",
-                  "enq_exchange", "enq_lost_reason", "enq_remarks",  "enq_custid",   "enq_invid"});
+                  "enq_exchange", "enq_lost_reason", "enq_remarks",  "enq_custid",   "enq_invid",
+                  "enq_bkstatus", "enq_refunddate"});
   for (const Enquiry& e : d.enquiries) {
     enquiries.Add({Int(e.id),
                    e.num,
@@ -387,7 +417,9 @@ void AddFrontOfficeRows(const Dealership& d, Dataset& out) {
                    Text(e.lost_reason),
                    Text(e.remarks),
                    Id(e.customer),
-                   Id(e.invoice)});
+                   Id(e.invoice),
+                   Text(e.booking_status),
+                   OptionalDay(e.refunded_on)});
   }
 
   Table& receipts =
@@ -418,10 +450,10 @@ void AddFrontOfficeRows(const Dealership& d, Dataset& out) {
   }
 
   Table& temporary = out.Create("tempreg", {"tline", "tno", "tdate", "valid_upto", "invid", "rto",
-                                            "reg_state", "fee", "reason"});
+                                            "reg_state", "fee", "reason", "cert_no"});
   for (const TempRegistration& t : d.temp_registrations) {
     temporary.Add({Int(t.tline), t.num, t.date, t.valid_upto, Int(t.invoice), t.rto, t.state,
-                   Paise(t.fee), t.reason});
+                   Paise(t.fee), t.reason, t.certificate});
   }
 
   Table& plates = out.Create("hsrp", {"hsrp_id", "invid", "order_no", "order_date", "vendor",
@@ -671,9 +703,11 @@ std::vector<std::pair<std::string, std::string>> ChooseFacts(const Dealership& d
 
 DemoData GenerateDealership(const Options& options) {
   Random random(options.seed);
+  // A stream of its own, seeded apart from the trade's.
+  Random paperwork(options.seed ^ 0x70617065727721ULL);
   Dealership dealership;
   AddMasters(random, dealership);
-  AddTrading(random, dealership);
+  AddTrading(random, paperwork, dealership);
   DemoData data;
   AddMasterRows(dealership, options, data.tables);
   AddStockRows(dealership, data.tables);
