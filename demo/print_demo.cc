@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
+  for (auto& [name, value] : options) value = std::filesystem::absolute(value).string();
   vantorel::demo::PrintContext context;
   context.db = options["--db"];
   context.facts = vantorel::demo::ReadFacts(options["--facts"]);
@@ -35,6 +36,9 @@ int main(int argc, char** argv) {
   context.folder = options["--out"];
   const std::string& out = context.folder;
   std::filesystem::create_directories(out);
+  // A dealer's program runs from its own folder, and paths in its data are relative to it: the
+  // firm's logo is "assets/logo.png".
+  std::filesystem::current_path(out);
   // Stickers find their pictures in the host's temporary folder.
   ::setenv("TEMP", options["--assets"].c_str(), 1);
   // Message boxes of a demo run go to stderr, not to a desktop.

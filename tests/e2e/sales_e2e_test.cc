@@ -345,6 +345,8 @@ TEST_P(SalesEndToEnd, PrintsAValidPdfShowingItsData) {
   const std::string connection = c.postgres ? demo.postgres() : demo.sqlite();
   ASSERT_FALSE(connection.empty()) << "no PostgreSQL server: run with the postgres fixture";
   testing::TempDir out;
+  // The program's folder, which the firm's logo path (assets/logo.png) is relative to.
+  std::filesystem::current_path(std::string(VANTOREL_SOURCE_DIR) + "/demo");
   const std::string pdf = out.path().string() + "/" + c.document->name + ".pdf";
   const std::string logo = std::string(VANTOREL_SOURCE_DIR) + "/demo/assets/logo.png";
   testing::PlatformScope platform;

@@ -164,6 +164,8 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
   const DemoPrint& print = *GetParam().print;
   const demo::PrintContext context = Demo::Get().Context();
   testing::TempDir out;
+  // The program's folder, which the firm's logo path (assets/logo.png) is relative to.
+  std::filesystem::current_path(kSource + "/demo");
   testing::PlatformScope platform;
   platform->SetToday(Date::FromYmd(2024, 4, 30));
   platform->SetTimeOfDay(10, 30);

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Pictures of demo documents before and after a change, for docs/samples/:
+#   scripts/samples.sh BEFORE_DIR AFTER_DIR NAME[:PAGE]...
+# BEFORE_DIR and AFTER_DIR hold the PDFs `make demo` writes (out/); each NAME is a PDF's stem.
+# Writes docs/samples/NAME-before.png and NAME-after.png at 60 dpi.
+set -euo pipefail
+ROOT=$(cd "$(dirname "$0")/.." && pwd)
+before=$1 after=$2
+shift 2
+for item in "$@"; do
+  name=${item%%:*} page=1
+  [[ $item == *:* ]] && page=${item##*:}
+  for side in before after; do
+    dir=$before
+    [[ $side == after ]] && dir=$after
+    pdftoppm -r 60 -f "$page" -l "$page" -png -singlefile "$dir/$name.pdf" \
+      "$ROOT/docs/samples/$name-$side"
+  done
+done
