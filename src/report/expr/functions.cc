@@ -52,6 +52,7 @@ constexpr FunctionInfo kFunctions[] = {
     {"Today", Function::kToday, 0, 0, "Today()"},
     {"AmountInWords", Function::kAmountInWords, 1, 1, "AmountInWords(amount)"},
     {"Chr", Function::kChr, 1, 1, "Chr(code)"},
+    {"MonthYear", Function::kMonthYear, 2, 2, "MonthYear(month, year)"},
 };
 
 // Names other languages use for our functions, suggested in hints.
@@ -309,6 +310,15 @@ Value CallPlain(Function function, const Value* args, int count) {
       std::string text;
       if (!code || *code == 0 || !AppendUtf8(text, *code)) return Value();
       return Value::Text(std::move(text));
+    }
+    case Function::kMonthYear: {
+      // A vehicle's month of manufacture as its papers write it: "Jul 2024".
+      static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+      const auto month = ToInteger(args[0]);
+      const auto year = ToInteger(args[1]);
+      if (!month || !year || *month < 1 || *month > 12) return Value();
+      return Value::Text(std::string(kMonths[*month - 1]) + " " + std::to_string(*year));
     }
     default:
       return Value();

@@ -54,6 +54,7 @@ enum class Function : uint8_t {
   kDaysBetween,
   kAmountInWords,
   kChr,
+  kMonthYear,
 };
 
 inline constexpr int kMaxPlainArguments = 3;
