@@ -15,6 +15,12 @@ const std::string* PartUse::Argument(std::string_view wanted) const {
   return nullptr;
 }
 
+const Style* LibraryRef::FindStyle(std::string_view wanted) const {
+  const auto found = std::find_if(styles.begin(), styles.end(),
+                                  [wanted](const Style& style) { return style.name == wanted; });
+  return found == styles.end() ? nullptr : &*found;
+}
+
 const Style* Template::FindStyle(std::string_view wanted) const {
   // A style defined twice is a problem of its own; until it is fixed the last one counts.
   const auto found = std::find_if(styles.rbegin(), styles.rend(),

@@ -272,6 +272,12 @@ struct LibraryRef {
   std::string file;  // a file name, no folder
   int line = 0;      // 0: the template uses no library
   Written written;
+  // The library's styles, read with the template: whether a text is rich, which decides how its
+  // content is read and written, may come from one of them. Not written back.
+  std::vector<Style> styles;
+
+  // The style named "wanted", or nullptr.
+  const Style* FindStyle(std::string_view wanted) const;
 };
 
 struct Template {

@@ -188,7 +188,7 @@ class Expander {
     const size_t first_problem = problems_.size();
     const std::string xml = PutArguments(*part, values);
     if (problems_.size() > first_problem) return;
-    PartBody body = ParsePartBody(xml, library_.file, part->line, problems_);
+    PartBody body = ParsePartBody(xml, library_.file, part->line, library_.styles, problems_);
     for (size_t i = first_problem; i < problems_.size(); ++i) {
       Problem& problem = problems_[i];
       problem.hint += std::string(problem.hint.empty() ? "" : "; ") + "in part " +

@@ -61,9 +61,10 @@ struct PartBody {
 Library ParseLibrary(std::string_view xml, const std::string& file, std::vector<Problem>& problems);
 
 // Parses the XML of one part, its arguments put in; "first_line" is the line of the library file
-// the XML starts on, so that problems name the library's lines.
+// the XML starts on, so that problems name the library's lines; "styles" are the library's, which
+// may make a text rich.
 PartBody ParsePartBody(std::string_view xml, const std::string& file, int first_line,
-                       std::vector<Problem>& problems);
+                       const std::vector<Style>& styles, std::vector<Problem>& problems);
 
 // The template "design" (read from "file") with every <use> replaced by the objects of its part,
 // the library's styles before its own (a style of the template overrides the library's of the

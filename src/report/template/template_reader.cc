@@ -231,10 +231,6 @@ class Reader {
       const std::string_view name = node.name();
       if (name == "style") {
         Style style = ReadStyleElement(node);
-        if (style.spec.rich) {
-          Add(style.line, "a library style cannot set \"rich\"",
-              "say rich=\"true\" on the text, or in a style of the template");
-        }
         if (std::any_of(library.styles.begin(), library.styles.end(),
                         [&](const Style& s) { return s.name == style.name; })) {
           Add(style.line, "style \"" + style.name + "\" is defined twice");
@@ -1122,7 +1118,12 @@ class Reader {
     }
     design.name = Text(root, "name");
     design.written = Record(root, ReportAttributes(), design);
-    // Whether a text is rich decides how its content is read, and its style may say so.
+    // Whether a text is rich decides how its content is read, and its style — the template's
+    // own, or the library's — may say so.
+    if (const pugi::xml_node library = root.child("library")) {
+      design.library.styles = LibraryStyles(library.attribute("file").value());
+      KnowStyles(design.library.styles);
+    }
     for (const pugi::xml_node& node : root.children("style")) {
       style_rich_[node.attribute("name").value()] = {
           node.attribute("based-on").value(),
@@ -1191,6 +1192,32 @@ class Reader {
     }
   }
 
+  // The styles of the library "name" in the template's folder; none when it cannot be read (the
+  // expansion of parts says why).
+  std::vector<Style> LibraryStyles(const std::string& name) const {
+    if (name.empty() || name.find_first_of("/\\") != std::string::npos || name == "." ||
+        name == "..") {
+      return {};
+    }
+    const std::string path = (std::filesystem::path(file_).parent_path() / name).string();
+    try {
+      const std::string xml = ReadTemplateFile(path);
+      if (xml.size() > kMaxLibraryBytes) return {};
+      std::vector<Problem> ignored;
+      return ParseLibrary(xml, path, ignored).styles;
+    } catch (const TemplateError&) {
+      return {};
+    }
+  }
+
+ public:
+  void KnowStyles(const std::vector<Style>& styles) {
+    for (const Style& style : styles) {
+      style_rich_[style.name] = {style.spec.based_on, style.spec.rich};
+    }
+  }
+
+ private:
   Variable ReadVariable(const pugi::xml_node& node) {
     CheckAttributes(node, AttributeNames(VariableAttributes()));
     Variable variable{
@@ -1353,11 +1380,12 @@ Library ParseLibrary(std::string_view xml, const std::string& file,
 }
 
 PartBody ParsePartBody(std::string_view xml, const std::string& file, int first_line,
-                       std::vector<Problem>& problems) {
+                       const std::vector<Style>& styles, std::vector<Problem>& problems) {
   // Blank lines before the part put its lines where they are in the library.
   const std::string placed = std::string(static_cast<size_t>(std::max(first_line - 1, 0)), '\n') +
                              std::string(xml);
   Reader reader(placed, file);
+  reader.KnowStyles(styles);
   PartBody body = reader.ReadPartBody();
   problems.insert(problems.end(), reader.problems().begin(), reader.problems().end());
   return body;

@@ -278,6 +278,7 @@ class Writer {
     std::string_view name = text.style_name;
     for (int depth = 0; !name.empty() && depth < 16; ++depth) {
       const Style* style = design_.FindStyle(name);
+      if (style == nullptr) style = design_.library.FindStyle(name);
       if (style == nullptr) break;
       if (style->spec.rich) return *style->spec.rich;
       name = style->spec.based_on;

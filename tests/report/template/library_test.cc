@@ -203,14 +203,42 @@ TEST(HouseLibrary, TheLibraryHeaderIsChecked) {
   EXPECT_NE(problems[0].message.find("not a Vantorel house library"), std::string::npos);
   problems.clear();
   ParseLibrary(R"(<library format="vantorel-library" version="1">
-  <style name="r" rich="true"/>
+  <style name="s"/><style name="s"/>
   <part name="a"/><part name="a"/>
   <part name="b"><param name="left"/></part>
 </library>)",
                "h.xml", problems);
-  ExpectProblem(problems, "h.xml", 2, "a library style cannot set \"rich\"");
+  ExpectProblem(problems, "h.xml", 2, "style \"s\" is defined twice");
   ExpectProblem(problems, "h.xml", 3, "part \"a\" is defined twice");
   ExpectProblem(problems, "h.xml", 4, "a part cannot have a parameter called \"left\"");
+}
+
+TEST(HouseLibrary, ALibraryStyleMakesATextRichInTheTemplateAndInItsParts) {
+  TempDir dir;
+  dir.Write("house.xml", R"(<library format="vantorel-library" version="1">
+  <style name="rbox" rich="true"/>
+  <style name="rsmall" based-on="rbox"/>
+  <part name="note"><text style="rsmall" width="50mm" height="5mm">R&amp;D <b>[firm.x]</b></text></part>
+</library>)");
+  const std::string xml = R"(<?xml version="1.0" encoding="UTF-8"?>
+<report format="vantorel-template" version="1">
+  <library file="house.xml"/>
+  <title height="30mm">
+    <text style="rsmall" width="50mm" height="5mm">Total: <b>[Q.x]</b> R&amp;D</text>
+    <use part="note"/>
+  </title>
+</report>
+)";
+  const std::string file = dir.Write("t.fr3", xml);
+  std::vector<Problem> problems;
+  const report::Template design = ParseTemplate(xml, file, problems);
+  ASSERT_TRUE(problems.empty()) << Messages(problems);
+  // Read as rich: the markup stays markup, the reference stays as written for the markup reader.
+  EXPECT_EQ(std::get<TextObject>(design.title->objects[0]).text, "Total: <b>[Q.x]</b> R&amp;D");
+  EXPECT_EQ(WriteTemplate(design), xml);
+  const report::Template expanded = ExpandParts(design, file, problems);
+  ASSERT_TRUE(problems.empty()) << Messages(problems);
+  EXPECT_EQ(std::get<TextObject>(expanded.title->objects[1]).text, "R&amp;D <b>[firm.x]</b>");
 }
 
 }  // namespace

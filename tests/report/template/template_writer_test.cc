@@ -108,8 +108,10 @@ TEST(TemplateWriter, AStyleRecolouredSavesAsThatColourOnly) {
   const std::string path = std::string(VANTOREL_SOURCE_DIR) + "/templates/bulkreceipt.fr3";
   const std::string xml = ReadFile(path);
   Template design = ParseTemplate(xml, path);
-  Style& key = design.styles.at(1);
-  ASSERT_EQ(key.name, "key");
+  const auto found = std::find_if(design.styles.begin(), design.styles.end(),
+                                  [](const Style& style) { return style.name == "key"; });
+  ASSERT_NE(found, design.styles.end());
+  Style& key = *found;
   key.spec.color = Color{0x12, 0x34, 0x56, 255};
   const auto changed = ChangedLines(xml, WriteTemplate(design));
   ASSERT_EQ(changed.size(), 1u);
