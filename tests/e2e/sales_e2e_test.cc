@@ -238,7 +238,7 @@ const std::vector<Document>& Documents() {
                               " order by line limit 1")}),
       DOC("VehBtPrint", rep.VehBtPrint(Id(f, "branch_transfer_id")),
           return {One(db,
-                      "select am_name from btmstveh bv, fa_acmaster where bv.btto = am_id and "
+                      "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
                       "bv.id=" +
                           f.at("branch_transfer_id"))}),
       DOC("ChallanSub", rep.ChallanSub(Id(f, "challan_sub_id"), logo),
