@@ -208,6 +208,23 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
   EXPECT_FALSE(std::regex_search(layout, repeat, kRepeatedPlace))
       << print.template_name << " prints \"" << repeat.str() << "\"";
 
+  // The e-invoice QR must scan from a 150 dpi copy: 25 mm or more wherever an IRN prints.
+  if (layout.find("\"IRN") != std::string::npos || layout.find("\"e-Invoice") != std::string::npos) {
+    static const std::regex kBarcode(R"(\n\s*barcode [0-9.]+,[0-9.]+ ([0-9.]+)x([0-9.]+))");
+    int codes = 0;
+    for (std::sregex_iterator it(layout.begin(), layout.end(), kBarcode), end; it != end; ++it) {
+      ++codes;
+      EXPECT_GE(std::stod((*it)[1].str()), report::Mm(25) - 0.01) << print.template_name;
+      EXPECT_GE(std::stod((*it)[2].str()), report::Mm(25) - 0.01) << print.template_name;
+    }
+    // A QR the host hands over as a picture (the e-invoice form) counts when it is 25 mm too.
+    static const std::regex kImage(R"(\n\s*image [0-9.]+,[0-9.]+ ([0-9.]+)x([0-9.]+))");
+    for (std::sregex_iterator it(layout.begin(), layout.end(), kImage), end; it != end; ++it) {
+      if (std::stod((*it)[1].str()) >= report::Mm(25) - 0.01) ++codes;
+    }
+    EXPECT_GT(codes, 0) << print.template_name << " prints an IRN without a QR code of 25 mm";
+  }
+
   const std::string golden = GoldenPath(print.template_name);
   if (std::getenv("VANTOREL_UPDATE_REFERENCE") != nullptr) {
     std::ofstream(golden, std::ios::binary) << layout;
