@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "report/barcode/barcode.h"
 #include "report/fill/push_down.h"
@@ -58,7 +59,85 @@ void MoveY(Item& item, float dy) {
   }
 }
 
+// What a band is called in messages: its kind, and its name when it has one.
+std::string BandLabel(const CompiledBand& band) {
+  const char* kind = "band";
+  switch (band.kind) {
+    case BandKind::kPageHeader:
+      kind = "page header";
+      break;
+    case BandKind::kPageFooter:
+      kind = "page footer";
+      break;
+    case BandKind::kTitle:
+      kind = "title";
+      break;
+    case BandKind::kSummary:
+      kind = "summary";
+      break;
+    case BandKind::kColumnHeader:
+      kind = "column header";
+      break;
+    case BandKind::kColumnFooter:
+      kind = "column footer";
+      break;
+    case BandKind::kData:
+      kind = "data band";
+      break;
+    case BandKind::kDataHeader:
+      kind = "data header";
+      break;
+    case BandKind::kDataFooter:
+      kind = "data footer";
+      break;
+    case BandKind::kGroupHeader:
+      kind = "group header";
+      break;
+    case BandKind::kGroupFooter:
+      kind = "group footer";
+      break;
+    case BandKind::kChild:
+      kind = "child band";
+      break;
+  }
+  return band.name.empty() ? kind : std::string(kind) + " \"" + band.name + "\"";
+}
+
 }  // namespace
+
+std::optional<Overflow> FindOverflow(const TextItem& item, const TextStyle& style,
+                                     const CompiledText& text, const CompiledBand& band) {
+  if (item.text.empty()) return std::nullopt;
+  // As the renderer lays it out: lines as long as the box less its padding (rotated text runs
+  // along the box's height); text taller than its box starts at the top.
+  const Padding& pad = style.padding;
+  const int rotation = ((style.rotation % 360) + 360) % 360;
+  const bool sideways = rotation == 90 || rotation == 270;
+  const float pad_across = sideways ? pad.top + pad.bottom : pad.left + pad.right;
+  const float pad_down = sideways ? pad.left + pad.right : pad.top + pad.bottom;
+  const float box_across = sideways ? item.box.height : item.box.width;
+  const float box_down = sideways ? item.box.width : item.box.height;
+  const float frame_width = std::max(0.0f, box_across - pad_across);
+  const RectF extent = text::TextExtent(item.text, style, frame_width);
+  // Upright text may use the box's padding before it is cut; rotated text is cut at its padded
+  // frame.
+  const float room_down = rotation == 0 ? box_down - pad.top : box_down - pad_down;
+  Overflow overflow{text.name, text.line, BandLabel(band), 0, item.text};
+  if (extent.height > room_down + kEpsilon) {
+    overflow.needed = extent.height + pad_down;
+    overflow.available = box_down;
+    return overflow;
+  }
+  const float room_left = rotation == 0 ? pad.left : 0;
+  const float room_right = rotation == 0 ? frame_width + pad.right : frame_width;
+  if (extent.x < -room_left - kEpsilon || extent.right() > room_right + kEpsilon) {
+    overflow.across = true;
+    overflow.needed = extent.width + pad_across;
+    overflow.available = box_across;
+    return overflow;
+  }
+  return std::nullopt;
+}
 
 BandRenderer::BandRenderer(const CompiledReport& report,
                            const std::vector<TextTemplatePtr>& memo_texts, FillContext& context,
@@ -138,6 +217,8 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
   };
   std::vector<Placed> placed;
   placed.reserve(band.objects.size());
+  // Texts whose box is final once the band's height is known, to be checked then.
+  std::vector<std::pair<size_t, const CompiledText*>> checked;
 
   for (const CompiledObject& object : band.objects) {
     if (const auto* text = std::get_if<CompiledText>(&object)) {
@@ -155,7 +236,9 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       if (deferred) {
         item.text.clear();
         block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
-                                  style.rich, context_.Take(source->fields())});
+                                  style.rich, context_.Take(source->fields()), text, &band});
+      } else {
+        checked.push_back({block.items.size(), text});
       }
       Placed p{block.items.size(), text->box.y, text->box.height};
       p.left = text->box.x;
@@ -265,6 +348,12 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
     }
   }
   block.height = height;
+  for (const auto& [index, text] : checked) {
+    const auto& item = std::get<TextItem>(block.items[index]);
+    if (auto overflow = FindOverflow(item, report_.styles[text->style], *text, band)) {
+      block.overflows.push_back(std::move(*overflow));
+    }
+  }
   return block;
 }
 
@@ -361,7 +450,10 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
 }
 
 BlockCutter::BlockCutter(BandBlock block)
-    : deferred_(block.items.size()), height_(block.height), uses_page_(block.uses_page) {
+    : deferred_(block.items.size()),
+      height_(block.height),
+      uses_page_(block.uses_page),
+      overflows_(std::move(block.overflows)) {
   waiting_.reserve(block.items.size());
   for (size_t i = 0; i < block.items.size(); ++i) {
     waiting_.push_back({i, std::move(block.items[i])});
@@ -404,6 +496,7 @@ BandBlock BlockCutter::Cut(float height, const Document& document) {
   BandBlock part;
   part.height = height_;
   part.uses_page = uses_page_;
+  part.overflows = std::exchange(overflows_, {});
   // Which objects leave something for the rest: all but those that fit whole.
   std::vector<size_t> continuing;
   for (Entry& entry : near_) {
@@ -439,6 +532,7 @@ BandBlock BlockCutter::Rest() {
   BandBlock block;
   block.height = height_;
   block.uses_page = uses_page_;
+  block.overflows = std::exchange(overflows_, {});
   for (Entry& entry : near_) {
     if (deferred_[entry.index]) {
       block.deferred.push_back(std::move(*deferred_[entry.index]));

@@ -713,6 +713,10 @@ class Filler {
       deferred.item += base;
       deferred_.push_back({result_.document.pages.size() - 1, std::move(deferred)});
     }
+    for (Overflow& overflow : block.overflows) {
+      overflow.page = result_.document.pages.size();
+      result_.document.overflows.push_back(std::move(overflow));
+    }
   }
 
   // --- the end ------------------------------------------------------------------------------
@@ -744,7 +748,18 @@ class Filler {
                                                              entry.text.hide_zero, entry.text.rich)
                                          : std::string();
       Item& item = document.pages[entry.page].items[entry.text.item];
-      if (auto* text_item = std::get_if<TextItem>(&item)) text_item->text = std::move(text);
+      auto* text_item = std::get_if<TextItem>(&item);
+      if (text_item == nullptr) continue;
+      text_item->text = std::move(text);
+      if (entry.text.object != nullptr && entry.text.band != nullptr) {
+        std::optional<Overflow> overflow =
+            FindOverflow(*text_item, document.styles[text_item->style], *entry.text.object,
+                         *entry.text.band);
+        if (overflow) {
+          overflow->page = entry.page + 1;
+          document.overflows.push_back(std::move(*overflow));
+        }
+      }
     }
     context_->UseSnapshot(nullptr);
   }
@@ -844,6 +859,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
     const size_t end = copy + 1 < copies ? first_pages[copy + 1] : copy_pages.size();
     return end - first_pages[copy];
   };
+  std::vector<size_t> sheet_of(copy_pages.size());  // a copy's page → the sheet it is on
   for (size_t group = 0; group < copies; group += static_cast<size_t>(per_sheet)) {
     const size_t group_end = std::min(copies, group + static_cast<size_t>(per_sheet));
     size_t sheets = 0;
@@ -853,6 +869,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
       sheet.size = sheet_size;
       for (size_t copy = group; copy < group_end; ++copy) {
         if (n >= pages_of(copy)) continue;
+        sheet_of[first_pages[copy] + n] = document.pages.size();
         std::vector<Item>& items = copy_pages[first_pages[copy] + n].items;
         ShiftDown(items, static_cast<float>(copy - group) * slot_height);
         std::move(items.begin(), items.end(), std::back_inserter(sheet.items));
@@ -860,6 +877,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
       document.pages.push_back(std::move(sheet));
     }
   }
+  for (Overflow& overflow : document.overflows) overflow.page = sheet_of[overflow.page - 1] + 1;
 }
 
 }  // namespace

@@ -167,6 +167,16 @@ SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
   return LayOut(text, style, width)->size;
 }
 
+RectF TextExtent(std::string_view text, const TextStyle& style, float width) {
+  const auto laid_out = LayOut(text, style, width);
+  float left = 0, right = 0;
+  for (const TextLine& line : laid_out->lines) {
+    left = std::min(left, line.left);
+    right = std::max(right, line.left + line.width);
+  }
+  return {left, 0, right - left, laid_out->size.height};
+}
+
 size_t FitText(std::string_view text, const TextStyle& style, float width, float height) {
   // A text that runs over many pages is fitted once per page: laying all the rest out each time
   // would cost the square of its length. Only a prefix is laid out — enough for the lines that

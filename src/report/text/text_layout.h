@@ -21,6 +21,10 @@ namespace vantorel::report::text {
 // height less padding). Height is the sum of the line heights; width the widest line.
 SizeF MeasureText(std::string_view text, const TextStyle& style, float width);
 
+// Where the lines of "text" laid out as MeasureText lays it out reach, relative to the top left of
+// its line width: x is negative when a centred or right-aligned line is longer than "width".
+RectF TextExtent(std::string_view text, const TextStyle& style, float width);
+
 // For a text too tall for "height": the byte offset in "text" where the first part ends, at a
 // line boundary, so that text[0, offset) fits. Returns text.size() when everything fits and 0
 // when not even one line fits.
