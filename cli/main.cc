@@ -24,6 +24,7 @@
 #include "host/atomic_file.h"
 #include "host/native_path.h"
 #include "report/compile/compiled_report.h"
+#include "report/compile/house_rules.h"
 #include "report/engine/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/preview/preview.h"
@@ -411,16 +412,25 @@ int Render(const RenderOptions& options) {
   return 0;
 }
 
-int Check(const std::vector<std::string>& templates, bool contracts) {
+int Check(const std::vector<std::string>& templates, bool contracts, bool house_rules) {
   int failed = 0;
   for (const std::string& path : templates) {
     try {
       const auto report = report::CompileTemplateFile(path);
       std::vector<report::Problem> problems;
-      if (contracts) {
-        if (const TemplateContract* contract = FindContract(TemplateName(path))) {
-          problems = CheckContract(*report, *contract);
-        }
+      const TemplateContract* contract = FindContract(TemplateName(path));
+      if (contracts && contract != nullptr) problems = CheckContract(*report, *contract);
+      // The texts its print method sets may run long whatever the template holds there.
+      report::HouseRuleOptions options;
+      if (contract != nullptr) {
+        options.run_time_texts.assign(contract->memos.begin(), contract->memos.end());
+      }
+      std::vector<report::Problem> findings = report::CheckHouseRules(*report, options);
+      if (house_rules) {
+        problems.insert(problems.end(), findings.begin(), findings.end());
+      } else {
+        for (report::Problem& finding : findings) finding.message = "warning: " + finding.message;
+        std::cout << report::FormatProblems(findings);
       }
       if (problems.empty()) {
         std::cout << path << ": ok\n";
@@ -572,6 +582,9 @@ int main(int argc, char** argv) {
   check_cmd->add_option("TEMPLATE", check_templates, "Templates to check")->required();
   check_cmd->add_flag("--contracts", check_contracts,
                       "Also check that each template has what its print method sets");
+  bool check_house_rules = false;
+  check_cmd->add_flag("--house-rules", check_house_rules,
+                      "Fail on texts that break the house rules (otherwise warnings)");
 
   bool system = false;
   std::vector<std::string> format_templates;
@@ -616,7 +629,7 @@ int main(int argc, char** argv) {
     render.print = render_cmd->count("--print") > 0;
     return Render(render);
   }
-  if (app.got_subcommand("check")) return Check(check_templates, check_contracts);
+  if (app.got_subcommand("check")) return Check(check_templates, check_contracts, check_house_rules);
   if (app.got_subcommand("format")) return Format(format_templates);
   if (app.got_subcommand("register")) return Registration(true, system);
   if (app.got_subcommand("unregister")) return Registration(false, system);

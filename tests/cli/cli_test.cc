@@ -389,6 +389,35 @@ TEST_F(CliCall, CheckReportsProblemsAndContracts) {
   EXPECT_NE(missing.out.find("query named \"Q_CHL\""), std::string::npos) << missing.out;
 }
 
+TEST_F(CliCall, CheckWarnsOfHouseRulesAndFailsOnThemWhenAsked) {
+  const std::string receipt = dir_.folder() + "t/receipt.fr3";
+  const Streams lenient = VantorelIn("", "check " + receipt);
+  EXPECT_EQ(lenient.status, 0) << lenient.out;
+  // "inwords" is a text ReceiptPrint sets; line 5 reads fields.
+  EXPECT_EQ(lenient.out,
+            receipt +
+                ":4: warning: text \"inwords\" can wrap but its box cannot grow: a long text set "
+                "at run time is cut off (give it stretch=\"grow\" (stretch=\"cell\" in a table "
+                "row), or wrap=\"false\" to keep it on one line)\n" +
+                receipt +
+                ":5: warning: a text can wrap but its box cannot grow: a long value is cut off "
+                "(give it stretch=\"grow\" (stretch=\"cell\" in a table row), or wrap=\"false\" "
+                "to keep it on one line)\n" +
+                receipt + ": ok\n");
+  const Streams strict = VantorelIn("", "check --house-rules " + receipt);
+  EXPECT_EQ(strict.status, 1) << strict.out;
+  EXPECT_NE(strict.out.find(receipt + ":5: a text can wrap but its box cannot grow"),
+            std::string::npos)
+      << strict.out;
+  EXPECT_EQ(strict.out.find("ok"), std::string::npos) << strict.out;
+  const std::string tidy = dir_.Write("t/tidy.fr3", R"(<report format="vantorel-template" version="1">
+  <title height="20mm"><text width="150mm" height="6mm" stretch="grow">[Date]: [Page]</text></title>
+</report>)");
+  const Streams clean = VantorelIn("", "check --house-rules " + tidy);
+  EXPECT_EQ(clean.status, 0) << clean.out;
+  EXPECT_EQ(clean.out, tidy + ": ok\n");
+}
+
 // Templates written by hand are rewritten in the writer's layout; one with problems is left alone.
 TEST_F(CliCall, FormatRewritesTemplatesInTheWritersLayout) {
   const std::string loose = dir_.Write("t/loose.fr3", R"(<report format="vantorel-template"

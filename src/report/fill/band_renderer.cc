@@ -107,36 +107,10 @@ std::string BandLabel(const CompiledBand& band) {
 
 std::optional<Overflow> FindOverflow(const TextItem& item, const TextStyle& style,
                                      const CompiledText& text, const CompiledBand& band) {
-  if (item.text.empty()) return std::nullopt;
-  // As the renderer lays it out: lines as long as the box less its padding (rotated text runs
-  // along the box's height); text taller than its box starts at the top.
-  const Padding& pad = style.padding;
-  const int rotation = ((style.rotation % 360) + 360) % 360;
-  const bool sideways = rotation == 90 || rotation == 270;
-  const float pad_across = sideways ? pad.top + pad.bottom : pad.left + pad.right;
-  const float pad_down = sideways ? pad.left + pad.right : pad.top + pad.bottom;
-  const float box_across = sideways ? item.box.height : item.box.width;
-  const float box_down = sideways ? item.box.width : item.box.height;
-  const float frame_width = std::max(0.0f, box_across - pad_across);
-  const RectF extent = text::TextExtent(item.text, style, frame_width);
-  // Upright text may use the box's padding before it is cut; rotated text is cut at its padded
-  // frame.
-  const float room_down = rotation == 0 ? box_down - pad.top : box_down - pad_down;
-  Overflow overflow{text.name, text.line, BandLabel(band), 0, item.text};
-  if (extent.height > room_down + kEpsilon) {
-    overflow.needed = extent.height + pad_down;
-    overflow.available = box_down;
-    return overflow;
-  }
-  const float room_left = rotation == 0 ? pad.left : 0;
-  const float room_right = rotation == 0 ? frame_width + pad.right : frame_width;
-  if (extent.x < -room_left - kEpsilon || extent.right() > room_right + kEpsilon) {
-    overflow.across = true;
-    overflow.needed = extent.width + pad_across;
-    overflow.available = box_across;
-    return overflow;
-  }
-  return std::nullopt;
+  const text::BoxFit fit = text::FitInBox(item.text, style, {item.box.width, item.box.height});
+  if (fit.fits) return std::nullopt;
+  return Overflow{text.name, text.line, BandLabel(band), 0,        item.text,
+                  fit.across, fit.needed, fit.available};
 }
 
 BandRenderer::BandRenderer(const CompiledReport& report,

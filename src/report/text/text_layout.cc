@@ -167,14 +167,34 @@ SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
   return LayOut(text, style, width)->size;
 }
 
-RectF TextExtent(std::string_view text, const TextStyle& style, float width) {
-  const auto laid_out = LayOut(text, style, width);
+BoxFit FitInBox(std::string_view text, const TextStyle& style, SizeF size) {
+  constexpr float kSlack = 0.01f;  // float rounding, as the renderer allows
+  BoxFit fit;
+  if (text.empty()) return fit;
+  const Padding& pad = style.padding;
+  const int rotation = ((style.rotation % 360) + 360) % 360;
+  const bool sideways = rotation == 90 || rotation == 270;
+  const float pad_across = sideways ? pad.top + pad.bottom : pad.left + pad.right;
+  const float pad_down = sideways ? pad.left + pad.right : pad.top + pad.bottom;
+  const float box_across = sideways ? size.height : size.width;
+  const float box_down = sideways ? size.width : size.height;
+  const float frame_width = std::max(0.0f, box_across - pad_across);
+  const auto laid_out = LayOut(text, style, frame_width);
+  const float room_down = rotation == 0 ? box_down - pad.top : box_down - pad_down;
+  if (laid_out->size.height > room_down + kSlack) {
+    return {false, false, laid_out->size.height + pad_down, box_down};
+  }
   float left = 0, right = 0;
   for (const TextLine& line : laid_out->lines) {
     left = std::min(left, line.left);
     right = std::max(right, line.left + line.width);
   }
-  return {left, 0, right - left, laid_out->size.height};
+  const float room_left = rotation == 0 ? pad.left : 0;
+  const float room_right = rotation == 0 ? frame_width + pad.right : frame_width;
+  if (left < -room_left - kSlack || right > room_right + kSlack) {
+    return {false, true, right - left + pad_across, box_across};
+  }
+  return fit;
 }
 
 size_t FitText(std::string_view text, const TextStyle& style, float width, float height) {
