@@ -275,7 +275,11 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
                std::abs(line->to.y - line->from.y)};
       p.left = std::min(line->from.x, line->to.x);
       p.right = std::max(line->from.x, line->to.x);
-      p.to_band = band.stretch && line->grow_with_band && line->from.x == line->to.x;
+      // A vertical line from the band's top to its foot is a column rule: it reaches the foot of
+      // a row that grows, as one marked grow-with-band does.
+      const bool spans_band = p.top <= kEpsilon && p.top + p.height >= band.height - kEpsilon;
+      p.to_band = band.stretch && (line->grow_with_band || spans_band) &&
+                  line->from.x == line->to.x;
       placed.push_back(p);
       block.items.emplace_back(LineItem{line->from, line->to, line->stroke});
     } else if (const auto* rect = std::get_if<CompiledRect>(&object)) {
