@@ -308,6 +308,7 @@ std::vector<std::string> OverflowWarnings(const std::string& template_path,
     return std::pair(a.second.front(), a.first->line) < std::pair(b.second.front(), b.first->line);
   });
   std::vector<std::string> warnings;
+  warnings.reserve(merged.size());
   for (const auto& [overflow, pages] : merged) {
     warnings.push_back(template_path + ":" + std::to_string(overflow->line) +
                        ": text does not fit its box on " + Pages(pages) + ": needs " +
@@ -629,7 +630,8 @@ int main(int argc, char** argv) {
     render.print = render_cmd->count("--print") > 0;
     return Render(render);
   }
-  if (app.got_subcommand("check")) return Check(check_templates, check_contracts, check_house_rules);
+  if (app.got_subcommand("check"))
+    return Check(check_templates, check_contracts, check_house_rules);
   if (app.got_subcommand("format")) return Format(format_templates);
   if (app.got_subcommand("register")) return Registration(true, system);
   if (app.got_subcommand("unregister")) return Registration(false, system);

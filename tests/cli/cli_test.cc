@@ -247,7 +247,8 @@ TEST_F(CliCall, RenderWritesPdfAndPngs) {
 }
 
 TEST_F(CliCall, RenderWarnsOfTextsThatDoNotFitAndStrictFailsOnThem) {
-  const std::string narrow = dir_.Write("t/narrow.fr3", R"(<report format="vantorel-template" version="1">
+  const std::string narrow =
+      dir_.Write("t/narrow.fr3", R"(<report format="vantorel-template" version="1">
   <database name="DMSDB"/>
   <query name="q_rt"><sql>select * from receipt</sql></query>
   <page-footer height="5mm">
@@ -410,7 +411,8 @@ TEST_F(CliCall, CheckWarnsOfHouseRulesAndFailsOnThemWhenAsked) {
             std::string::npos)
       << strict.out;
   EXPECT_EQ(strict.out.find("ok"), std::string::npos) << strict.out;
-  const std::string tidy = dir_.Write("t/tidy.fr3", R"(<report format="vantorel-template" version="1">
+  const std::string tidy =
+      dir_.Write("t/tidy.fr3", R"(<report format="vantorel-template" version="1">
   <title height="20mm"><text width="150mm" height="6mm" stretch="grow">[Date]: [Page]</text></title>
 </report>)");
   const Streams clean = VantorelIn("", "check --house-rules " + tidy);

@@ -41,8 +41,7 @@ std::optional<NumberFormat> NumericPattern(std::string_view pattern) {
   // own way, and the decimals it keeps tell amounts from quantities.
   const expr::Value probe = expr::Value::Number(*expr::Decimal::Parse("12345.678901234"));
   const std::string shown = expr::FormatValue(probe, pattern);
-  if (shown == expr::DisplayText(probe) ||
-      shown.find_first_of("0123456789") == std::string::npos) {
+  if (shown == expr::DisplayText(probe) || shown.find_first_of("0123456789") == std::string::npos) {
     return std::nullopt;
   }
   // The decimals it always shows (those of "0.00", not the optional ones of "0.##").
@@ -112,7 +111,8 @@ std::optional<FormatCall> AsFormatCall(std::string_view call) {
     }
   }
   if (last_comma == std::string_view::npos || quote != 0) return std::nullopt;
-  const std::string_view argument = Trimmed(call.substr(last_comma + 1, call.size() - 2 - last_comma));
+  const std::string_view argument =
+      Trimmed(call.substr(last_comma + 1, call.size() - 2 - last_comma));
   if (argument.size() < 2 || (argument.front() != '"' && argument.front() != '\'') ||
       argument.back() != argument.front()) {
     return std::nullopt;
@@ -147,7 +147,8 @@ Longest LongestOf(const CompiledReport& report, const CompiledText& object) {
   for (const auto& [begin, end] : spans) {
     literal(copied, begin);
     copied = end;
-    const std::string_view inner = Trimmed(std::string_view(source).substr(begin + 1, end - begin - 2));
+    const std::string_view inner =
+        Trimmed(std::string_view(source).substr(begin + 1, end - begin - 2));
     const std::string name = expr::AsciiUpper(inner);
     if (single && !object.format.empty()) {
       if (auto number = NumericPattern(object.format)) {
@@ -210,8 +211,7 @@ std::string Named(const CompiledText& text) {
 
 class HouseRules {
  public:
-  HouseRules(const CompiledReport& report, const HouseRuleOptions& options)
-      : report_(report) {
+  HouseRules(const CompiledReport& report, const HouseRuleOptions& options) : report_(report) {
     for (const std::string& name : options.run_time_texts) {
       run_time_texts_.push_back(expr::AsciiUpper(name));
     }
@@ -270,13 +270,14 @@ class HouseRules {
       const float available = sideways ? box.height : box.width;
       if (needed <= available + 0.01f) continue;
       too_narrow = true;
-      Add(text, (number.amount ? "the amount in " : "the quantity in ") + Named(text) + " (\"" +
-                    number.pattern + "\") is too narrow for " + number.widest + ": needs " +
-                    Millimetres(needed) + " mm, has " + Millimetres(available) + " mm",
+      Add(text,
+          (number.amount ? "the amount in " : "the quantity in ") + Named(text) + " (\"" +
+              number.pattern + "\") is too narrow for " + number.widest + ": needs " +
+              Millimetres(needed) + " mm, has " + Millimetres(available) + " mm",
           "make it at least " + Millimetres(needed) + " mm wide, or its font smaller");
     }
-    const bool grows = band.stretch && (text.stretch == StretchMode::kGrow ||
-                                        text.stretch == StretchMode::kCell);
+    const bool grows =
+        band.stretch && (text.stretch == StretchMode::kGrow || text.stretch == StretchMode::kCell);
     if (!style.wrap || grows || text.source_text.empty()) return;
     const std::string how_to_grow =
         band.stretch ? "give it stretch=\"grow\" (stretch=\"cell\" in a table row)"
@@ -297,8 +298,7 @@ class HouseRules {
     if (fit.fits) return;
     Add(text,
         Named(text) + " does not fit its box at its longest: needs " + Millimetres(fit.needed) +
-            " mm" + (fit.across ? " of width" : "") + ", has " + Millimetres(fit.available) +
-            " mm",
+            " mm" + (fit.across ? " of width" : "") + ", has " + Millimetres(fit.available) + " mm",
         "\"" + Beginning(longest.text) + "\"; make the box larger or the font smaller, or " +
             how_to_grow);
   }

@@ -161,14 +161,14 @@ struct Metadata {
 // outside the box when it does not clip. Recorded by the fill, so that whoever prints a
 // document can be told (`vantorel render` warns of each).
 struct Overflow {
-  std::string object;     // the text object's name; empty when it has none
-  int line = 0;           // the text object's line in the template file
-  std::string band;       // the band it is in: "data band \"Rows\"", "page footer"…
-  size_t page = 0;        // the page it is on, from 1
-  std::string text;       // the text as printed
-  bool across = false;    // too wide (a line longer than the box) rather than too tall
-  float needed = 0;       // points: the box's height (width when "across") the text needs
-  float available = 0;    // points: the box's height (width) as it is
+  std::string object;   // the text object's name; empty when it has none
+  int line = 0;         // the text object's line in the template file
+  std::string band;     // the band it is in: "data band \"Rows\"", "page footer"…
+  size_t page = 0;      // the page it is on, from 1
+  std::string text;     // the text as printed
+  bool across = false;  // too wide (a line longer than the box) rather than too tall
+  float needed = 0;     // points: the box's height (width when "across") the text needs
+  float available = 0;  // points: the box's height (width) as it is
   friend bool operator==(const Overflow&, const Overflow&) = default;
 };
 

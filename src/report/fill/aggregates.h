@@ -38,7 +38,7 @@ class AggregateTracker {
   // page.
   struct PageRow {
     std::vector<std::pair<size_t, expr::Value>> values;  // aggregate id → the row's value
-    std::vector<size_t> counted;                          // row counts (Count without argument)
+    std::vector<size_t> counted;                         // row counts (Count without argument)
   };
   PageRow TakePageRow(int data, const expr::Context& context) const;
   void AddPageRow(const PageRow& row);

@@ -109,8 +109,8 @@ std::optional<Overflow> FindOverflow(const TextItem& item, const TextStyle& styl
                                      const CompiledText& text, const CompiledBand& band) {
   const text::BoxFit fit = text::FitInBox(item.text, style, {item.box.width, item.box.height});
   if (fit.fits) return std::nullopt;
-  return Overflow{text.name, text.line, BandLabel(band), 0,        item.text,
-                  fit.across, fit.needed, fit.available};
+  return Overflow{text.name, text.line,  BandLabel(band), 0,
+                  item.text, fit.across, fit.needed,      fit.available};
 }
 
 BandRenderer::BandRenderer(const CompiledReport& report,
@@ -278,8 +278,8 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       // A vertical line from the band's top to its foot is a column rule: it reaches the foot of
       // a row that grows, as one marked grow-with-band does.
       const bool spans_band = p.top <= kEpsilon && p.top + p.height >= band.height - kEpsilon;
-      p.to_band = band.stretch && (line->grow_with_band || spans_band) &&
-                  line->from.x == line->to.x;
+      p.to_band =
+          band.stretch && (line->grow_with_band || spans_band) && line->from.x == line->to.x;
       placed.push_back(p);
       block.items.emplace_back(LineItem{line->from, line->to, line->stroke});
     } else if (const auto* rect = std::get_if<CompiledRect>(&object)) {

@@ -752,9 +752,8 @@ class Filler {
       if (text_item == nullptr) continue;
       text_item->text = std::move(text);
       if (entry.text.object != nullptr && entry.text.band != nullptr) {
-        std::optional<Overflow> overflow =
-            FindOverflow(*text_item, document.styles[text_item->style], *entry.text.object,
-                         *entry.text.band);
+        std::optional<Overflow> overflow = FindOverflow(
+            *text_item, document.styles[text_item->style], *entry.text.object, *entry.text.band);
         if (overflow) {
           overflow->page = entry.page + 1;
           document.overflows.push_back(std::move(*overflow));

@@ -60,9 +60,9 @@ void MarkBreaks(std::string_view text, size_t begin, size_t end, int64_t availab
   std::erase_if(kept, [&](KeptSpan& span) {
     span.begin += begin;
     span.end += begin;
-    const auto first = std::lower_bound(
-        clusters.begin(), clusters.end(), span.begin,
-        [](const Cluster& c, size_t offset) { return c.begin < offset; });
+    const auto first =
+        std::lower_bound(clusters.begin(), clusters.end(), span.begin,
+                         [](const Cluster& c, size_t offset) { return c.begin < offset; });
     int64_t width = 0;
     for (auto c = first; c != clusters.end() && c->begin < span.end; ++c) width += c->units;
     return width > available;

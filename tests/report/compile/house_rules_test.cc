@@ -51,7 +51,8 @@ TEST(HouseRulesTest, WrappingFieldInABoxThatCannotGrowIsReported) {
   EXPECT_EQ(problems[0].hint,
             "give it stretch=\"grow\" (stretch=\"cell\" in a table row), or wrap=\"false\" to keep "
             "it on one line");
-  EXPECT_EQ(problems[1].message, "a text can wrap but its box cannot grow: a long value is cut off");
+  EXPECT_EQ(problems[1].message,
+            "a text can wrap but its box cannot grow: a long value is cut off");
 }
 
 TEST(HouseRulesTest, TextsThatGrowOrDoNotWrapAreNotReported) {
@@ -71,11 +72,11 @@ TEST(HouseRulesTest, BandThatDoesNotStretchKeepsItsTextsFromGrowing) {
 }
 
 TEST(HouseRulesTest, FixedTextsAreReportedOnlyWhenTheyDoNotFit) {
-  const std::vector<Problem> problems =
-      Check("<text width=\"40mm\" height=\"5mm\">Tax Invoice</text>\n"
-            "<text width=\"20mm\" height=\"5mm\">Received with thanks from</text>\n"
-            "<text width=\"40mm\" height=\"5mm\">Page [Page] of [TotalPages]</text>\n"
-            "<text width=\"12mm\" height=\"5mm\">Page [Page] of [TotalPages]</text>");
+  const std::vector<Problem> problems = Check(
+      "<text width=\"40mm\" height=\"5mm\">Tax Invoice</text>\n"
+      "<text width=\"20mm\" height=\"5mm\">Received with thanks from</text>\n"
+      "<text width=\"40mm\" height=\"5mm\">Page [Page] of [TotalPages]</text>\n"
+      "<text width=\"12mm\" height=\"5mm\">Page [Page] of [TotalPages]</text>");
   ASSERT_EQ(Lines(problems), (std::vector<int>{6, 8}));
   EXPECT_EQ(problems[0].message.rfind("a text does not fit its box at its longest: needs ", 0), 0u)
       << problems[0].message;
@@ -95,15 +96,22 @@ TEST(HouseRulesTest, TextsSetAtRunTimeMayRunLong) {
 TEST(HouseRulesTest, AmountBoxesHoldNineCroreWithTheirFontAndPadding) {
   const double needed = NeededMm("9,99,99,999.99", 9);
   const std::string narrow = Mm(needed - 0.3), wide = Mm(needed + 0.3);
-  const std::vector<Problem> problems = Check(
-      "<text name=\"Amt\" width=\"" + narrow + "\" height=\"5mm\" size=\"9\" wrap=\"false\" "
-      "format=\"#,##,##0.00\">[Q.amt]</text>\n"
-      "<text width=\"" + wide + "\" height=\"5mm\" size=\"9\" wrap=\"false\" "
-      "format=\"#,##,##0.00\">[Q.amt]</text>\n"
-      "<text width=\"" + narrow + "\" height=\"5mm\" size=\"9\" stretch=\"grow\">"
-      "[Format(Q.amt, \"#,##,##0.00\")]</text>\n"
-      "<text width=\"" + wide + "\" height=\"5mm\" size=\"8\" padding=\"0\" wrap=\"false\" "
-      "format=\"#,##,##0.00\">[Q.amt]</text>");
+  const std::vector<Problem> problems =
+      Check("<text name=\"Amt\" width=\"" + narrow +
+            "\" height=\"5mm\" size=\"9\" wrap=\"false\" "
+            "format=\"#,##,##0.00\">[Q.amt]</text>\n"
+            "<text width=\"" +
+            wide +
+            "\" height=\"5mm\" size=\"9\" wrap=\"false\" "
+            "format=\"#,##,##0.00\">[Q.amt]</text>\n"
+            "<text width=\"" +
+            narrow +
+            "\" height=\"5mm\" size=\"9\" stretch=\"grow\">"
+            "[Format(Q.amt, \"#,##,##0.00\")]</text>\n"
+            "<text width=\"" +
+            wide +
+            "\" height=\"5mm\" size=\"8\" padding=\"0\" wrap=\"false\" "
+            "format=\"#,##,##0.00\">[Q.amt]</text>");
   ASSERT_EQ(Lines(problems), (std::vector<int>{5, 7}));
   EXPECT_EQ(problems[0].message.rfind("the amount in text \"Amt\" (\"#,##,##0.00\") is too narrow "
                                       "for 9,99,99,999.99: needs ",
@@ -116,13 +124,15 @@ TEST(HouseRulesTest, AmountBoxesHoldNineCroreWithTheirFontAndPadding) {
 
 TEST(HouseRulesTest, QuantityBoxesHoldNinetyNineThousand) {
   const double needed = NeededMm("99,999 nos", 8);
-  const std::vector<Problem> problems =
-      Check("<text width=\"" + Mm(needed - 0.3) +
-            "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.qty, \"#,##0\")] nos</text>\n"
-            "<text width=\"" + Mm(needed + 0.3) +
-            "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.qty, \"#,##0\")] nos</text>\n"
-            "<text width=\"" + Mm(needed - 0.3) +
-            "\" height=\"5mm\" size=\"8\" wrap=\"false\">[FormatDate(Q.dt, \"dd-mm-yy\")] nos</text>");
+  const std::vector<Problem> problems = Check(
+      "<text width=\"" + Mm(needed - 0.3) +
+      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.qty, \"#,##0\")] nos</text>\n"
+      "<text width=\"" +
+      Mm(needed + 0.3) +
+      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.qty, \"#,##0\")] nos</text>\n"
+      "<text width=\"" +
+      Mm(needed - 0.3) +
+      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[FormatDate(Q.dt, \"dd-mm-yy\")] nos</text>");
   ASSERT_EQ(Lines(problems), std::vector<int>{5});
   EXPECT_NE(problems[0].message.find("the quantity in a text (\"#,##0\") is too narrow for 99,999"),
             std::string::npos)
@@ -133,7 +143,8 @@ TEST(HouseRulesTest, DatesAtTheirLongestAreMeasured) {
   const std::vector<Problem> problems =
       Check("<text width=\"" + Mm(NeededMm("25 September 2024", 10) - 0.5) +
             "\" height=\"5mm\" format=\"dd mmmm yyyy\">[Q.dt]</text>\n"
-            "<text width=\"" + Mm(NeededMm("25 September 2024", 10) + 0.5) +
+            "<text width=\"" +
+            Mm(NeededMm("25 September 2024", 10) + 0.5) +
             "\" height=\"5mm\" format=\"dd mmmm yyyy\">[Q.dt]</text>");
   EXPECT_EQ(Lines(problems), std::vector<int>{5});
 }

@@ -37,11 +37,11 @@ class BandObjectsTest : public ::testing::Test {
 
   Document Render(const std::string& body) {
     RenderRequest request;
-    request.template_path = dir_.Write(
-        "t" + std::to_string(++count_) + ".fr3",
-        "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-        "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-            body + "\n</report>\n");
+    request.template_path =
+        dir_.Write("t" + std::to_string(++count_) + ".fr3",
+                   "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
+                   "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
+                       body + "\n</report>\n");
     request.connections["DMSDB"] = db_;
     return RenderTemplate(request).document;
   }

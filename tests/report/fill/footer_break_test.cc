@@ -34,11 +34,11 @@ class FooterBreakTest : public ::testing::Test {
 
   Document Render(const std::string& body) {
     RenderRequest request;
-    request.template_path = dir_.Write(
-        "t" + std::to_string(++count_) + ".fr3",
-        "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-        "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-            body + "\n</report>\n");
+    request.template_path =
+        dir_.Write("t" + std::to_string(++count_) + ".fr3",
+                   "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
+                   "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
+                       body + "\n</report>\n");
     request.connections["DMSDB"] = db_;
     return RenderTemplate(request).document;
   }
@@ -89,9 +89,9 @@ TEST_F(FooterBreakTest, GroupFooterTakesTheGroupsLastRowToTheNextPage) {
   ASSERT_EQ(document.pages.size(), 2u);
   EXPECT_EQ(Texts(document, 0),
             Join(Join({"No.", "Group 1"}, Numbers(1, 27)), {"Page total 378.00"}));
-  EXPECT_EQ(Texts(document, 1), Join(Join({"No.", "28", "Total 1: 406.00", "Group 2"},
-                                          Numbers(29, 32)),
-                                     {"Total 2: 122.00", "Page total 150.00"}))
+  EXPECT_EQ(Texts(document, 1),
+            Join(Join({"No.", "28", "Total 1: 406.00", "Group 2"}, Numbers(29, 32)),
+                 {"Total 2: 122.00", "Page total 150.00"}))
       << "the data header repeats above the carried row; the carried row counts on its page";
 }
 
@@ -216,8 +216,7 @@ TEST_F(FooterBreakTest, EveryRowPrintsOnceWhateverTheRowCount) {
       ASSERT_GE(texts.size(), 2u) << rows << " rows, page " << p + 1;
       EXPECT_EQ(texts[0], "No.") << rows << " rows, page " << p + 1;
       EXPECT_TRUE(texts[1].find_first_not_of("0123456789") == std::string::npos)
-          << rows << " rows: page " << p + 1 << " starts with \"" << texts[1]
-          << "\", not a row";
+          << rows << " rows: page " << p + 1 << " starts with \"" << texts[1] << "\", not a row";
       for (const std::string& text : texts) {
         if (!text.empty() && text.find_first_not_of("0123456789") == std::string::npos) {
           rows_seen.push_back(text);

@@ -33,9 +33,10 @@ class OverflowTest : public ::testing::Test {
   }
 
   Document Render(const std::string& body) {
-    template_ = "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-                "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-                body + "\n</report>\n";
+    template_ =
+        "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
+        "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
+        body + "\n</report>\n";
     RenderRequest request;
     request.template_path = dir_.Write("t" + std::to_string(++count_) + ".fr3", template_);
     request.connections["DMSDB"] = db_;
@@ -161,7 +162,8 @@ TEST_F(OverflowTest, CopiesSharingASheetNameTheSheet) {
   )t");
   ASSERT_EQ(document.pages.size(), 2u);
   std::vector<std::pair<size_t, std::string>> found;
-  for (const Overflow& overflow : document.overflows) found.push_back({overflow.page, overflow.text});
+  for (const Overflow& overflow : document.overflows)
+    found.push_back({overflow.page, overflow.text});
   EXPECT_EQ(found, (std::vector<std::pair<size_t, std::string>>{
                        {1, "ORIGINAL COPY"}, {1, "DUPLICATE COPY"}, {2, "TRIPLICATE COPY"}}));
 }

@@ -163,12 +163,30 @@ TEST(LineBreakTest, NarrowBoxesKeepPinCodesAndShortBracketsWhole) {
 
 // Both ways keep the same stretches whole, whichever fonts and widths.
 TEST(LineBreakTest, FastPathAndPangoKeepTheSameStretchesWhole) {
-  const char* kWords[] = {"Pune - 411013", "(Candy Yellow)", "(Matt Grey)",  "Nashik \u2014 422001",
-                          "Flat",          "No.",            "206,",         "Gulmohar",
-                          "Park,",         "Shine",          "110",          "Pune-411013",
-                          "- 411013",      "(Net)",          "a",            "Wanowrie,",
-                          "(A-1 b)",       "(x/y z)",        "(22-02-2030)", "(Mon \u2013 Sat)",
-                          "(\u00e9t\u00e9 b)", "Satara -",       "411013",       "(no 1)"};
+  const char* kWords[] = {"Pune - 411013",
+                          "(Candy Yellow)",
+                          "(Matt Grey)",
+                          "Nashik \u2014 422001",
+                          "Flat",
+                          "No.",
+                          "206,",
+                          "Gulmohar",
+                          "Park,",
+                          "Shine",
+                          "110",
+                          "Pune-411013",
+                          "- 411013",
+                          "(Net)",
+                          "a",
+                          "Wanowrie,",
+                          "(A-1 b)",
+                          "(x/y z)",
+                          "(22-02-2030)",
+                          "(Mon \u2013 Sat)",
+                          "(\u00e9t\u00e9 b)",
+                          "Satara -",
+                          "411013",
+                          "(no 1)"};
   uint32_t seed = 4242;
   const auto next = [&] {
     seed = seed * 1103515245u + 12345u;
