@@ -6,6 +6,7 @@
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
@@ -23,6 +24,7 @@
 #include "host/atomic_file.h"
 #include "host/native_path.h"
 #include "report/compile/compiled_report.h"
+#include "report/compile/house_rules.h"
 #include "report/engine/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/preview/preview.h"
@@ -227,6 +229,10 @@ int Call(const CallOptions& options) {
   return status;
 }
 
+// The exit status of a render that went through with texts that do not fit their boxes, when
+// asked to be strict about them.
+constexpr int kTextsDoNotFit = 3;
+
 struct RenderOptions {
   std::string template_path;
   std::string db, tdb;
@@ -234,7 +240,84 @@ struct RenderOptions {
   std::string pdf, png_dir, print_queue;
   double dpi = 150;
   bool print = false, preview = false;
+  bool strict = false;  // texts that do not fit their boxes make the exit status kTextsDoNotFit
 };
+
+// "points" in millimetres, to one decimal.
+std::string Millimetres(float points) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", static_cast<double>(points) * 25.4 / 72);
+  return text;
+}
+
+// A text as a warning quotes it: on one line, its first 60 characters.
+std::string Quote(const std::string& text) {
+  constexpr size_t kLongest = 60;
+  std::string quoted = "\"";
+  size_t characters = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if ((static_cast<unsigned char>(c) & 0xC0) != 0x80 && ++characters > kLongest) {
+      quoted += "\u2026";
+      break;
+    }
+    quoted += c == '\n' || c == '\r' || c == '\t' ? ' ' : c;
+  }
+  return quoted + "\"";
+}
+
+// "page 3", "pages 1-4, 7": the pages, in order, ranges joined.
+std::string Pages(const std::vector<size_t>& pages) {
+  std::string text = pages.size() == 1 ? "page " : "pages ";
+  for (size_t i = 0; i < pages.size();) {
+    size_t j = i;
+    while (j + 1 < pages.size() && pages[j + 1] == pages[j] + 1) ++j;
+    if (i > 0) text += ", ";
+    text += std::to_string(pages[i]);
+    if (j > i) text += "-" + std::to_string(pages[j]);
+    i = j + 1;
+  }
+  return text;
+}
+
+// One warning for each text that does not fit its box, in the order of the pages and then of the
+// template: the same text in the same box on several pages (a page header's) is one warning
+// naming them all.
+std::vector<std::string> OverflowWarnings(const std::string& template_path,
+                                          const std::vector<report::Overflow>& overflows) {
+  std::vector<std::pair<const report::Overflow*, std::vector<size_t>>> merged;
+  for (const report::Overflow& overflow : overflows) {
+    const auto same = std::find_if(merged.begin(), merged.end(), [&](const auto& entry) {
+      const report::Overflow& seen = *entry.first;
+      return seen.line == overflow.line && seen.object == overflow.object &&
+             seen.text == overflow.text && seen.across == overflow.across &&
+             seen.needed == overflow.needed && seen.available == overflow.available;
+    });
+    if (same == merged.end()) {
+      merged.push_back({&overflow, {overflow.page}});
+    } else if (same->second.back() != overflow.page) {
+      same->second.push_back(overflow.page);
+    }
+  }
+  for (auto& entry : merged) {
+    std::sort(entry.second.begin(), entry.second.end());
+    entry.second.erase(std::unique(entry.second.begin(), entry.second.end()), entry.second.end());
+  }
+  // By the first page each is on, then down the template.
+  std::stable_sort(merged.begin(), merged.end(), [](const auto& a, const auto& b) {
+    return std::pair(a.second.front(), a.first->line) < std::pair(b.second.front(), b.first->line);
+  });
+  std::vector<std::string> warnings;
+  warnings.reserve(merged.size());
+  for (const auto& [overflow, pages] : merged) {
+    warnings.push_back(template_path + ":" + std::to_string(overflow->line) +
+                       ": text does not fit its box on " + Pages(pages) + ": needs " +
+                       Millimetres(overflow->needed) + " mm" +
+                       (overflow->across ? " of width" : "") + ", has " +
+                       Millimetres(overflow->available) + " mm: " + Quote(overflow->text));
+  }
+  return warnings;
+}
 
 // "OWNER.NAME=VALUE" split into its three parts.
 bool SplitSetting(const std::string& text, report::RenderRequest::Setting& setting) {
@@ -295,6 +378,9 @@ int Render(const RenderOptions& options) {
     for (const std::string& warning : rendered.warnings) {
       std::cerr << "vantorel render: warning: " << warning << "\n";
     }
+    const std::vector<std::string> overflows =
+        OverflowWarnings(options.template_path, rendered.document.overflows);
+    for (const std::string& warning : overflows) std::cerr << warning << "\n";
     if (options.pdf == "-") {
       report::StreamPdf(rendered.document, STDOUT_FILENO, "standard output");
       std::cerr << "standard output: " << rendered.document.pages.size() << " page(s)\n";
@@ -319,6 +405,7 @@ int Render(const RenderOptions& options) {
       preview.printer = rendered.printer;
       report::ShowPreview(rendered.document, preview);
     }
+    if (options.strict && !overflows.empty()) return kTextsDoNotFit;
   } catch (const Error& error) {
     std::cerr << "vantorel render: " << error.description() << "\n";
     return 1;
@@ -326,16 +413,25 @@ int Render(const RenderOptions& options) {
   return 0;
 }
 
-int Check(const std::vector<std::string>& templates, bool contracts) {
+int Check(const std::vector<std::string>& templates, bool contracts, bool house_rules) {
   int failed = 0;
   for (const std::string& path : templates) {
     try {
       const auto report = report::CompileTemplateFile(path);
       std::vector<report::Problem> problems;
-      if (contracts) {
-        if (const TemplateContract* contract = FindContract(TemplateName(path))) {
-          problems = CheckContract(*report, *contract);
-        }
+      const TemplateContract* contract = FindContract(TemplateName(path));
+      if (contracts && contract != nullptr) problems = CheckContract(*report, *contract);
+      // The texts its print method sets may run long whatever the template holds there.
+      report::HouseRuleOptions options;
+      if (contract != nullptr) {
+        options.run_time_texts.assign(contract->memos.begin(), contract->memos.end());
+      }
+      std::vector<report::Problem> findings = report::CheckHouseRules(*report, options);
+      if (house_rules) {
+        problems.insert(problems.end(), findings.begin(), findings.end());
+      } else {
+        for (report::Problem& finding : findings) finding.message = "warning: " + finding.message;
+        std::cout << report::FormatProblems(findings);
       }
       if (problems.empty()) {
         std::cout << path << ": ok\n";
@@ -478,6 +574,8 @@ int main(int argc, char** argv) {
   outputs->add_flag("--preview", render.preview, "Show the preview window");
   outputs->require_option(1);
   render_cmd->add_option("--dpi", render.dpi, "PNG resolution")->check(CLI::Range(10.0, 1200.0));
+  render_cmd->add_flag("--strict", render.strict,
+                       "Exit with status 3 when a text does not fit its box (after the output)");
 
   std::vector<std::string> check_templates;
   bool check_contracts = false;
@@ -485,6 +583,9 @@ int main(int argc, char** argv) {
   check_cmd->add_option("TEMPLATE", check_templates, "Templates to check")->required();
   check_cmd->add_flag("--contracts", check_contracts,
                       "Also check that each template has what its print method sets");
+  bool check_house_rules = false;
+  check_cmd->add_flag("--house-rules", check_house_rules,
+                      "Fail on texts that break the house rules (otherwise warnings)");
 
   bool system = false;
   std::vector<std::string> format_templates;
@@ -529,7 +630,8 @@ int main(int argc, char** argv) {
     render.print = render_cmd->count("--print") > 0;
     return Render(render);
   }
-  if (app.got_subcommand("check")) return Check(check_templates, check_contracts);
+  if (app.got_subcommand("check"))
+    return Check(check_templates, check_contracts, check_house_rules);
   if (app.got_subcommand("format")) return Format(format_templates);
   if (app.got_subcommand("register")) return Registration(true, system);
   if (app.got_subcommand("unregister")) return Registration(false, system);

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -245,6 +246,42 @@ TEST_F(CliCall, RenderWritesPdfAndPngs) {
   EXPECT_NE(bad.out.find("wants a whole number"), std::string::npos) << bad.out;
 }
 
+TEST_F(CliCall, RenderWarnsOfTextsThatDoNotFitAndStrictFailsOnThem) {
+  const std::string narrow =
+      dir_.Write("t/narrow.fr3", R"(<report format="vantorel-template" version="1">
+  <database name="DMSDB"/>
+  <query name="q_rt"><sql>select * from receipt</sql></query>
+  <page-footer height="5mm">
+    <text width="12mm" height="5mm">Shivneri Motors, Hadapsar, Pune</text>
+  </page-footer>
+  <data name="Sheets" rows="3" height="10mm" start-new-page="true">
+    <text width="80mm" height="5mm">Received [q_rt.amt]</text>
+    <text top="5mm" width="15mm" height="5mm" wrap="false">Amount: Rupees [q_rt.amt] only</text>
+  </data>
+</report>)");
+  const std::string pdf = dir_.path().string() + "/narrow.pdf";
+  const Streams lenient = VantorelIn("", "render " + narrow + " --db " + db_ + " --pdf " + pdf);
+  EXPECT_EQ(lenient.status, 0) << lenient.err;
+  EXPECT_NE(lenient.out.find("3 page(s)"), std::string::npos) << lenient.out;
+  const std::regex expected(
+      std::regex_replace(narrow, std::regex(R"([.^$|()\[\]{}*+?\\])"), R"(\$&)") +
+      R"(:5: text does not fit its box on pages 1-3: needs [0-9]+\.[0-9] mm, has 5\.0 mm: )"
+      R"("Shivneri Motors, Hadapsar, Pune"\n)" +
+      std::regex_replace(narrow, std::regex(R"([.^$|()\[\]{}*+?\\])"), R"(\$&)") +
+      R"(:9: text does not fit its box on pages 1-3: needs [0-9]+\.[0-9] mm of width, )"
+      R"(has 15\.0 mm: "Amount: Rupees 2500\.00 only"\n)");
+  EXPECT_TRUE(std::regex_match(lenient.err, expected)) << lenient.err;
+  const Streams strict =
+      VantorelIn("", "render " + narrow + " --db " + db_ + " --strict --pdf " + pdf);
+  EXPECT_EQ(strict.status, 3) << strict.err;
+  EXPECT_EQ(strict.err, lenient.err);
+  EXPECT_EQ(testing::ReadFile(pdf).substr(0, 5), "%PDF-") << "the PDF is written all the same";
+  const Streams fits = VantorelIn(
+      "", "render " + dir_.folder() + "t/receipt.fr3 --db " + db_ + " --strict --pdf " + pdf);
+  EXPECT_EQ(fits.status, 0) << fits.err;
+  EXPECT_EQ(fits.err, "");
+}
+
 TEST_F(CliCall, RenderWritesThePdfToStandardOutput) {
   const Streams result =
       VantorelIn("", "render " + dir_.folder() + "t/receipt.fr3 --db " + db_ + " --pdf -");
@@ -351,6 +388,36 @@ TEST_F(CliCall, CheckReportsProblemsAndContracts) {
   EXPECT_NE(missing.out.find("Challan_Customer needs a text named \"WORDS\""), std::string::npos)
       << missing.out;
   EXPECT_NE(missing.out.find("query named \"Q_CHL\""), std::string::npos) << missing.out;
+}
+
+TEST_F(CliCall, CheckWarnsOfHouseRulesAndFailsOnThemWhenAsked) {
+  const std::string receipt = dir_.folder() + "t/receipt.fr3";
+  const Streams lenient = VantorelIn("", "check " + receipt);
+  EXPECT_EQ(lenient.status, 0) << lenient.out;
+  // "inwords" is a text ReceiptPrint sets; line 5 reads fields.
+  EXPECT_EQ(lenient.out,
+            receipt +
+                ":4: warning: text \"inwords\" can wrap but its box cannot grow: a long text set "
+                "at run time is cut off (give it stretch=\"grow\" (stretch=\"cell\" in a table "
+                "row), or wrap=\"false\" to keep it on one line)\n" +
+                receipt +
+                ":5: warning: a text can wrap but its box cannot grow: a long value is cut off "
+                "(give it stretch=\"grow\" (stretch=\"cell\" in a table row), or wrap=\"false\" "
+                "to keep it on one line)\n" +
+                receipt + ": ok\n");
+  const Streams strict = VantorelIn("", "check --house-rules " + receipt);
+  EXPECT_EQ(strict.status, 1) << strict.out;
+  EXPECT_NE(strict.out.find(receipt + ":5: a text can wrap but its box cannot grow"),
+            std::string::npos)
+      << strict.out;
+  EXPECT_EQ(strict.out.find("ok"), std::string::npos) << strict.out;
+  const std::string tidy =
+      dir_.Write("t/tidy.fr3", R"(<report format="vantorel-template" version="1">
+  <title height="20mm"><text width="150mm" height="6mm" stretch="grow">[Date]: [Page]</text></title>
+</report>)");
+  const Streams clean = VantorelIn("", "check --house-rules " + tidy);
+  EXPECT_EQ(clean.status, 0) << clean.out;
+  EXPECT_EQ(clean.out, tidy + ": ok\n");
 }
 
 // Templates written by hand are rewritten in the writer's layout; one with problems is left alone.

@@ -45,6 +45,7 @@ struct CompiledText {
   bool hide_zero = false;
   bool trim = false;
   int memo = -1;  // index among the report's memos, for texts set at run time
+  int line = 0;   // in the template file
 };
 
 struct CompiledPicture {
@@ -104,6 +105,7 @@ struct CompiledBand {
   ExpressionPtr print_when;
   std::vector<CompiledObject> objects;
   std::vector<CompiledBand> children;
+  int line = 0;  // in the template file
 };
 
 struct CompiledGroup {

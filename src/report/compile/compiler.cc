@@ -422,6 +422,7 @@ class Compiler {
             text.shrink = o.shrink;
             text.hide_zero = o.hide_zero;
             text.trim = o.trim;
+            text.line = o.line;
             if (text.text && text.text->Uses(expr::SystemValue::kTotalPages)) {
               report_->uses_total_pages = true;
             }
@@ -483,6 +484,7 @@ class Compiler {
     compiled.print_on_first_page = band.print_on_first_page;
     compiled.print_on_last_page = band.print_on_last_page;
     compiled.print_if_empty = band.print_if_empty;
+    compiled.line = band.line;
     const BandPlace saved = binder_->place;
     binder_->place = place;
     compiled.print_when = PrintWhen(band.print_when, band.line);

@@ -311,6 +311,10 @@ void AppendPages(Document& into, Document&& more) {
       if (auto* g = std::get_if<GroupItem>(&item)) self(self, g->items);
     }
   };
+  for (Overflow& overflow : more.overflows) {
+    overflow.page += into.pages.size();
+    into.overflows.push_back(std::move(overflow));
+  }
   for (Page& page : more.pages) {
     renumber(renumber, page.items);
     into.pages.push_back(std::move(page));

@@ -156,9 +156,26 @@ struct Metadata {
   friend bool operator==(const Metadata&, const Metadata&) = default;
 };
 
+// A text that does not fit its box, which could not grow to hold it (a text that does not
+// stretch, a band that does not, a line that does not wrap): part of it is cut off, or runs
+// outside the box when it does not clip. Recorded by the fill, so that whoever prints a
+// document can be told (`vantorel render` warns of each).
+struct Overflow {
+  std::string object;   // the text object's name; empty when it has none
+  int line = 0;         // the text object's line in the template file
+  std::string band;     // the band it is in: "data band \"Rows\"", "page footer"…
+  size_t page = 0;      // the page it is on, from 1
+  std::string text;     // the text as printed
+  bool across = false;  // too wide (a line longer than the box) rather than too tall
+  float needed = 0;     // points: the box's height (width when "across") the text needs
+  float available = 0;  // points: the box's height (width) as it is
+  friend bool operator==(const Overflow&, const Overflow&) = default;
+};
+
 struct Document {
   Metadata metadata;
   std::vector<Page> pages;
+  std::vector<Overflow> overflows;  // in the order the fill met them
   std::vector<TextStyle> styles;
   std::vector<std::shared_ptr<const ImageData>> images;
   std::vector<std::shared_ptr<const BarcodeSymbol>> barcodes;
@@ -174,7 +191,7 @@ inline bool operator==(const GroupItem& a, const GroupItem& b) {
 }
 
 // Appends the pages of "more" to "into", renumbering their styles, pictures and barcodes into
-// the tables of "into".
+// the tables of "into", and its overflows' pages.
 void AppendPages(Document& into, Document&& more);
 
 // Where a text item's lines begin once laid out: byte offsets into its text, the first 0. The

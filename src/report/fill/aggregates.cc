@@ -149,17 +149,38 @@ void AggregateTracker::EndReport() {
   }
 }
 
-void AggregateTracker::Row(int data, const expr::Context& context, bool page_scope) {
+void AggregateTracker::Row(int data, const expr::Context& context) {
   if (data < 0 || static_cast<size_t>(data) >= by_data_.size()) return;
   for (size_t id : by_data_[static_cast<size_t>(data)]) {
     const AggregateSpec& spec = specs_[id];
-    if ((spec.scope == AggregateScope::kPage) != page_scope) continue;
+    if (spec.scope == AggregateScope::kPage) continue;
     if (spec.kind == AggregateKind::kCount && !spec.argument) {
       ++states_[id].current.count;
     } else if (spec.argument) {
       states_[id].current.Add(spec.argument->Evaluate(context), spec.kind);
     }
   }
+}
+
+AggregateTracker::PageRow AggregateTracker::TakePageRow(int data,
+                                                        const expr::Context& context) const {
+  PageRow row;
+  if (data < 0 || static_cast<size_t>(data) >= by_data_.size()) return row;
+  for (size_t id : by_data_[static_cast<size_t>(data)]) {
+    const AggregateSpec& spec = specs_[id];
+    if (spec.scope != AggregateScope::kPage) continue;
+    if (spec.kind == AggregateKind::kCount && !spec.argument) {
+      row.counted.push_back(id);
+    } else if (spec.argument) {
+      row.values.emplace_back(id, spec.argument->Evaluate(context));
+    }
+  }
+  return row;
+}
+
+void AggregateTracker::AddPageRow(const PageRow& row) {
+  for (size_t id : row.counted) ++states_[id].current.count;
+  for (const auto& [id, value] : row.values) states_[id].current.Add(value, specs_[id].kind);
 }
 
 Value AggregateTracker::Current(int id) const {

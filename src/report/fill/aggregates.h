@@ -8,6 +8,7 @@
 #define VANTOREL_REPORT_FILL_AGGREGATES_H_
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "report/compile/compiled_report.h"
@@ -28,9 +29,19 @@ class AggregateTracker {
   // All data bands are done: report totals are final.
   void EndReport();
 
-  // Adds the current row of data band "data" to its aggregates: those of page scope when
-  // "page_scope", all others otherwise (page totals count a row on the page where it lands).
-  void Row(int data, const expr::Context& context, bool page_scope);
+  // Adds the current row of data band "data" to its aggregates, all but those of page scope:
+  // page totals count a row on the page where it lands (TakePageRow, AddPageRow).
+  void Row(int data, const expr::Context& context);
+
+  // What the current row of data band "data" adds to page totals, read while the row is current
+  // and added once the row has landed: a row held back to go with a footer may land on the next
+  // page.
+  struct PageRow {
+    std::vector<std::pair<size_t, expr::Value>> values;  // aggregate id → the row's value
+    std::vector<size_t> counted;                         // row counts (Count without argument)
+  };
+  PageRow TakePageRow(int data, const expr::Context& context) const;
+  void AddPageRow(const PageRow& row);
 
   // The value so far of aggregate "id" in its current instance.
   expr::Value Current(int id) const;

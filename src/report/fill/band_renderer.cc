@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "report/barcode/barcode.h"
 #include "report/fill/push_down.h"
@@ -58,7 +59,59 @@ void MoveY(Item& item, float dy) {
   }
 }
 
+// What a band is called in messages: its kind, and its name when it has one.
+std::string BandLabel(const CompiledBand& band) {
+  const char* kind = "band";
+  switch (band.kind) {
+    case BandKind::kPageHeader:
+      kind = "page header";
+      break;
+    case BandKind::kPageFooter:
+      kind = "page footer";
+      break;
+    case BandKind::kTitle:
+      kind = "title";
+      break;
+    case BandKind::kSummary:
+      kind = "summary";
+      break;
+    case BandKind::kColumnHeader:
+      kind = "column header";
+      break;
+    case BandKind::kColumnFooter:
+      kind = "column footer";
+      break;
+    case BandKind::kData:
+      kind = "data band";
+      break;
+    case BandKind::kDataHeader:
+      kind = "data header";
+      break;
+    case BandKind::kDataFooter:
+      kind = "data footer";
+      break;
+    case BandKind::kGroupHeader:
+      kind = "group header";
+      break;
+    case BandKind::kGroupFooter:
+      kind = "group footer";
+      break;
+    case BandKind::kChild:
+      kind = "child band";
+      break;
+  }
+  return band.name.empty() ? kind : std::string(kind) + " \"" + band.name + "\"";
+}
+
 }  // namespace
+
+std::optional<Overflow> FindOverflow(const TextItem& item, const TextStyle& style,
+                                     const CompiledText& text, const CompiledBand& band) {
+  const text::BoxFit fit = text::FitInBox(item.text, style, {item.box.width, item.box.height});
+  if (fit.fits) return std::nullopt;
+  return Overflow{text.name, text.line,  BandLabel(band), 0,
+                  item.text, fit.across, fit.needed,      fit.available};
+}
 
 BandRenderer::BandRenderer(const CompiledReport& report,
                            const std::vector<TextTemplatePtr>& memo_texts, FillContext& context,
@@ -138,6 +191,8 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
   };
   std::vector<Placed> placed;
   placed.reserve(band.objects.size());
+  // Texts whose box is final once the band's height is known, to be checked then.
+  std::vector<std::pair<size_t, const CompiledText*>> checked;
 
   for (const CompiledObject& object : band.objects) {
     if (const auto* text = std::get_if<CompiledText>(&object)) {
@@ -161,7 +216,9 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       if (deferred) {
         item.text.clear();
         block.deferred.push_back({block.items.size(), source, text->format, text->hide_zero,
-                                  style.rich, context_.Take(source->fields())});
+                                  style.rich, context_.Take(source->fields()), text, &band});
+      } else {
+        checked.push_back({block.items.size(), text});
       }
       Placed p{block.items.size(), text->box.y, text->box.height};
       p.left = text->box.x;
@@ -224,7 +281,11 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
                std::abs(line->to.y - line->from.y)};
       p.left = std::min(line->from.x, line->to.x);
       p.right = std::max(line->from.x, line->to.x);
-      p.to_band = band.stretch && line->grow_with_band && line->from.x == line->to.x;
+      // A vertical line from the band's top to its foot is a column rule: it reaches the foot of
+      // a row that grows, as one marked grow-with-band does.
+      const bool spans_band = p.top <= kEpsilon && p.top + p.height >= band.height - kEpsilon;
+      p.to_band =
+          band.stretch && (line->grow_with_band || spans_band) && line->from.x == line->to.x;
       placed.push_back(p);
       block.items.emplace_back(LineItem{line->from, line->to, line->stroke});
     } else if (const auto* rect = std::get_if<CompiledRect>(&object)) {
@@ -271,6 +332,12 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
     }
   }
   block.height = height;
+  for (const auto& [index, text] : checked) {
+    const auto& item = std::get<TextItem>(block.items[index]);
+    if (auto overflow = FindOverflow(item, report_.styles[text->style], *text, band)) {
+      block.overflows.push_back(std::move(*overflow));
+    }
+  }
   return block;
 }
 
@@ -367,7 +434,10 @@ BandBlock BandRenderer::Split(BandBlock& block, float height, const Document& do
 }
 
 BlockCutter::BlockCutter(BandBlock block)
-    : deferred_(block.items.size()), height_(block.height), uses_page_(block.uses_page) {
+    : deferred_(block.items.size()),
+      height_(block.height),
+      uses_page_(block.uses_page),
+      overflows_(std::move(block.overflows)) {
   waiting_.reserve(block.items.size());
   for (size_t i = 0; i < block.items.size(); ++i) {
     waiting_.push_back({i, std::move(block.items[i])});
@@ -410,6 +480,7 @@ BandBlock BlockCutter::Cut(float height, const Document& document) {
   BandBlock part;
   part.height = height_;
   part.uses_page = uses_page_;
+  part.overflows = std::exchange(overflows_, {});
   // Which objects leave something for the rest: all but those that fit whole.
   std::vector<size_t> continuing;
   for (Entry& entry : near_) {
@@ -445,6 +516,7 @@ BandBlock BlockCutter::Rest() {
   BandBlock block;
   block.height = height_;
   block.uses_page = uses_page_;
+  block.overflows = std::exchange(overflows_, {});
   for (Entry& entry : near_) {
     if (deferred_[entry.index]) {
       block.deferred.push_back(std::move(*deferred_[entry.index]));

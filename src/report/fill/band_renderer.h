@@ -27,6 +27,8 @@ struct DeferredText {
   bool hide_zero = false;
   bool rich = false;
   std::shared_ptr<Snapshot> snapshot;
+  const CompiledText* object = nullptr;  // where it came from, for an overflow
+  const CompiledBand* band = nullptr;
 };
 
 struct BandBlock {
@@ -34,7 +36,13 @@ struct BandBlock {
   std::vector<Item> items;  // relative to the block's top left
   std::vector<DeferredText> deferred;
   bool uses_page = false;  // reads the page number: render again if it moves to another page
+  std::vector<Overflow> overflows;  // texts that do not fit their boxes; pages set when placed
 };
+
+// An Overflow of "text" in "band", when the text "item" shows does not fit its box; the page is
+// left to whoever places it.
+std::optional<Overflow> FindOverflow(const TextItem& item, const TextStyle& style,
+                                     const CompiledText& text, const CompiledBand& band);
 
 // A block taller than a page, cut into page-sized pieces one page at a time: the pieces repeated
 // BandRenderer::Split calls give. Objects below a cut wait untouched — owing the cuts made
@@ -73,6 +81,7 @@ class BlockCutter {
   std::vector<std::optional<DeferredText>> deferred_;  // by index
   float height_;
   bool uses_page_;
+  std::vector<Overflow> overflows_;  // go with the first piece
 };
 
 class BandRenderer {

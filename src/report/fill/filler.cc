@@ -217,9 +217,12 @@ class Filler {
     }
 
     NewPage(/*first=*/true);
-    for (const CompiledData& data : report_.data) FillData(data);
+    // The last row of the data goes with the summary: a grand total never sits alone on a page.
+    const bool summary_follows = report_.summary && !report_.summary->start_new_page;
+    for (const CompiledData& data : report_.data) FillData(data, summary_follows);
     tracker_->EndReport();
     if (report_.summary) PlaceBand(*report_.summary, Flow::kFullWidth);
+    ReleaseCarry();
     ClosePage(/*last=*/true);
     Finish();
     return std::move(result_);
@@ -278,16 +281,23 @@ class Filler {
 
   bool HasMoreRows(int q) const { return cursors_[static_cast<size_t>(q)].has_next(); }
 
-  void FillData(const CompiledData& data) {
+  // Fills one data band. "trailing": a footer of an outer band or the summary prints right after
+  // this band ends, so its last row is held to go with it.
+  void FillData(const CompiledData& data, bool trailing) {
     if (data.query >= 0 && !primed_[static_cast<size_t>(data.query)]) OpenQuery(data.query);
     tracker_->StartBand(data.index);
     const bool empty = data.query >= 0 ? !HasRows(data.query) : data.rows <= 0;
     if (empty) {
-      if (data.header && data.header->print_if_empty) PlaceBand(*data.header, Flow::kColumn);
+      if (data.header && data.header->print_if_empty) {
+        ReleaseCarry();
+        PlaceBand(*data.header, Flow::kColumn);
+      }
       tracker_->EndBand(data.index);
       if (data.footer && data.footer->print_if_empty) PlaceBand(*data.footer, Flow::kColumn);
       return;
     }
+    // What an earlier band held back goes out before this band's first header or row.
+    ReleaseCarry();
     const size_t repeat_mark = repeats_.size();
     // Headers wait for the first row under them, so none is left alone at the foot of a page.
     int waiting = 0;
@@ -333,45 +343,86 @@ class Filler {
         if (group.keep_together) EndBuffer();
       }
     };
+    const bool across = page_.columns > 1 && page_.columns_across;
     start_groups(0);
     while (more) {
       context_->line = ++line;
-      tracker_->Row(data.index, *context_, false);
+      tracker_->Row(data.index, *context_);
+      const bool last = data.query >= 0 ? !HasMoreRows(data.query) : static_rows >= data.rows;
+      // The groups the next row starts (from the outermost that changes); all of them after the
+      // last row.
+      const size_t changed = last ? 0 : data.query >= 0 ? NextGroupChange(data, keys) : levels;
+      ReleaseCarry();
+      // A row that footers follow waits for them, so no footer (nor the summary) begins a page
+      // without a row of its own above it.
+      const bool carried = !across && FootersFollow(data, changed, last, trailing);
+      if (carried) OpenCarry();
       if (data.band.keep_together) BeginBuffer();
-      PlaceBand(data.band, page_.columns > 1 && page_.columns_across ? Flow::kCell : Flow::kColumn);
+      PlaceBand(data.band, across ? Flow::kCell : Flow::kColumn);
       for (; waiting > 0; --waiting) EndBuffer();
-      tracker_->Row(data.index, *context_, true);
-      for (const CompiledData& detail : data.details) FillData(detail);
+      CountOnPage(data.index);
+      for (const CompiledData& detail : data.details) FillData(detail, carried);
       if (data.band.keep_together) EndBuffer();
-
-      if (data.query >= 0) {
-        if (!HasMoreRows(data.query)) break;
-        size_t changed = levels;
-        cursors_[static_cast<size_t>(data.query)].PeekNext([&] {
-          for (size_t level = 0; level < levels; ++level) {
-            const CompiledGroup& group = data.groups[level];
-            const expr::Value key =
-                group.condition ? group.condition->Evaluate(*context_) : expr::Value();
-            if (!SameKey(key, keys[level])) {
-              changed = level;
-              break;
-            }
-          }
-          return 0;
-        });
-        end_groups(changed);
-        more = NextRow(data.query);
-        start_groups(changed);
-      } else {
-        more = ++static_rows <= data.rows;
-      }
+      if (last) break;
+      end_groups(changed);
+      // Placed while their row is still current: headers repeated above them show its fields.
+      ReleaseCarry();
+      more = data.query >= 0 ? NextRow(data.query) : ++static_rows <= data.rows;
+      start_groups(changed);
     }
     end_groups(0);
     EndCellRow();
     tracker_->EndBand(data.index);
     repeats_.resize(std::min(repeats_.size(), repeat_mark));
     if (data.footer) PlaceBand(*data.footer, Flow::kColumn);
+    if (!trailing) ReleaseCarry();
     context_->line = saved_line;
+  }
+
+  // The outermost group level whose key the next row of "data" changes; the number of levels
+  // when it changes none.
+  size_t NextGroupChange(const CompiledData& data, const std::vector<expr::Value>& keys) {
+    const size_t levels = data.groups.size();
+    size_t changed = levels;
+    if (levels == 0) return changed;
+    cursors_[static_cast<size_t>(data.query)].PeekNext([&] {
+      for (size_t level = 0; level < levels; ++level) {
+        const CompiledGroup& group = data.groups[level];
+        const expr::Value key =
+            group.condition ? group.condition->Evaluate(*context_) : expr::Value();
+        if (!SameKey(key, keys[level])) {
+          changed = level;
+          break;
+        }
+      }
+      return 0;
+    });
+    return changed;
+  }
+
+  // Whether footers print right after the current row: those of the groups that end with it
+  // (from level "changed" in), and after the band's last row its own footer, or what follows
+  // the band ("trailing"). A footer that starts a page of its own needs no row with it.
+  static bool FootersFollow(const CompiledData& data, size_t changed, bool last, bool trailing) {
+    const auto prints_after = [](const std::optional<CompiledBand>& footer) {
+      return footer && !footer->start_new_page;
+    };
+    for (size_t level = changed; level < data.groups.size(); ++level) {
+      if (prints_after(data.groups[level].footer)) return true;
+    }
+    return last && (trailing || prints_after(data.footer));
+  }
+
+  // Adds the current row of "data" to the page totals of the page it lands on: now, or when
+  // the blocks held back with it are placed.
+  void CountOnPage(int data) {
+    AggregateTracker::PageRow row = tracker_->TakePageRow(data, *context_);
+    if (row.values.empty() && row.counted.empty()) return;
+    if (buffer_depth_ > 0) {
+      buffer_.push_back({BandBlock{}, Flow::kColumn, nullptr, std::move(row)});
+    } else {
+      tracker_->AddPageRow(row);
+    }
   }
 
   // --- pages ------------------------------------------------------------------------------
@@ -465,38 +516,77 @@ class Filler {
   // --- placing blocks -------------------------------------------------------------------
 
   void BeginBuffer() {
-    if (buffer_depth_++ == 0) buffer_.clear();
+    if (buffer_depth_++ == 0) {
+      buffer_.clear();
+      held_repeats_ = repeats_;
+    }
   }
 
+  // Places what was held as one: moved on together when it does not fit where it would land
+  // but does on a fresh column or page, else in order as usual. Nothing is placed until the
+  // outermost hold ends.
   void EndBuffer() {
     if (--buffer_depth_ > 0) return;
     std::vector<Held> blocks = std::move(buffer_);
     buffer_.clear();
+    // Like a single band, the last one may leave its empty foot off the page.
     float total = 0;
-    for (const Held& held : blocks) total += held.block.height;
-    // Moved on only when it fits where it lands: the next column, or a page without the title.
-    const float fresh_top = std::min(column_top_, NextPageTop());
-    if (y_ + total > BodyLimit() && page_has_body_ && total <= BodyLimit() - fresh_top) {
-      // Headers among the held blocks start the new page themselves: not repeated there too.
-      const std::vector<const CompiledBand*> repeats = repeats_;
-      std::erase_if(repeats_, [&](const CompiledBand* band) {
-        return std::any_of(blocks.begin(), blocks.end(),
-                           [&](const Held& held) { return held.band == band; });
-      });
+    float extent = 0;
+    for (const Held& held : blocks) {
+      if (held.page_row) continue;
+      extent = total + BandRenderer::ContentBottom(held.block);
+      total += held.block.height;
+    }
+    // The headers that repeat above them on a fresh page: those that repeated when the first of
+    // them was placed (a group's header above its last row and footer, the data band's header
+    // above the last rows and the summary), and any since, except headers among the held blocks,
+    // which start the page themselves.
+    std::vector<const CompiledBand*> repeats = held_repeats_;
+    for (const CompiledBand* band : repeats_) {
+      if (std::find(repeats.begin(), repeats.end(), band) == repeats.end()) repeats.push_back(band);
+    }
+    std::erase_if(repeats, [&](const CompiledBand* band) {
+      return std::any_of(blocks.begin(), blocks.end(),
+                         [&](const Held& held) { return held.band == band; });
+    });
+    float fresh_top = std::min(column_top_, NextPageTop());
+    for (const CompiledBand* band : repeats) fresh_top += band->height;
+    if (y_ + extent > BodyLimit() + 0.01f && page_has_body_ &&
+        extent <= BodyLimit() - fresh_top + 0.01f) {
+      std::swap(repeats_, repeats);
       NextColumnOrPage();
-      repeats_ = repeats;
+      std::swap(repeats_, repeats);
     }
     for (Held& held : blocks) {
+      if (held.page_row) {
+        tracker_->AddPageRow(*held.page_row);
+        continue;
+      }
       if (!held.block.items.empty() || held.block.height > 0) page_has_body_ = true;
       // Not rendered again for a page it moves to: its row is long past.
       Place(std::move(held.block), held.flow, nullptr);
     }
   }
 
+  // Holds back a row for the footers that follow it; ReleaseCarry places them all.
+  void OpenCarry() {
+    BeginBuffer();
+    carry_open_ = true;
+  }
+
+  void ReleaseCarry() {
+    if (!carry_open_) return;
+    carry_open_ = false;
+    EndBuffer();
+  }
+
   void PlaceBand(const CompiledBand& band, Flow flow, bool repeat = false) {
     std::optional<BandBlock> block = renderer_->Render(band);
     if (!block) return;
-    if (band.start_new_page && page_has_body_ && !repeat) NewPage(false);
+    if (band.start_new_page && page_has_body_ && !repeat) {
+      ReleaseCarry();
+      NewPage(false);
+    }
     // An empty band of no height (one that only walks rows) puts nothing on the page.
     const bool content = !block->items.empty() || block->height > 0;
     Place(std::move(*block), flow, &band);
@@ -623,6 +713,10 @@ class Filler {
       deferred.item += base;
       deferred_.push_back({result_.document.pages.size() - 1, std::move(deferred)});
     }
+    for (Overflow& overflow : block.overflows) {
+      overflow.page = result_.document.pages.size();
+      result_.document.overflows.push_back(std::move(overflow));
+    }
   }
 
   // --- the end ------------------------------------------------------------------------------
@@ -654,7 +748,17 @@ class Filler {
                                                              entry.text.hide_zero, entry.text.rich)
                                          : std::string();
       Item& item = document.pages[entry.page].items[entry.text.item];
-      if (auto* text_item = std::get_if<TextItem>(&item)) text_item->text = std::move(text);
+      auto* text_item = std::get_if<TextItem>(&item);
+      if (text_item == nullptr) continue;
+      text_item->text = std::move(text);
+      if (entry.text.object != nullptr && entry.text.band != nullptr) {
+        std::optional<Overflow> overflow = FindOverflow(
+            *text_item, document.styles[text_item->style], *entry.text.object, *entry.text.band);
+        if (overflow) {
+          overflow->page = entry.page + 1;
+          document.overflows.push_back(std::move(*overflow));
+        }
+      }
     }
     context_->UseSnapshot(nullptr);
   }
@@ -681,14 +785,18 @@ class Filler {
   std::pair<size_t, size_t> header_range_{0, 0};
   std::vector<std::pair<size_t, size_t>> page_headers_;
   std::vector<const CompiledBand*> repeats_;
-  // Blocks held back to be placed together (keep-together, a header with its first row).
+  // Blocks held back to be placed together (keep-together, a header with its first row, a row
+  // with the footers after it), and the page totals of their rows, added where they land.
   struct Held {
     BandBlock block;
     Flow flow;
     const CompiledBand* band;
+    std::optional<AggregateTracker::PageRow> page_row = std::nullopt;
   };
   int buffer_depth_ = 0;
   std::vector<Held> buffer_;
+  std::vector<const CompiledBand*> held_repeats_;  // the repeating headers when holding began
+  bool carry_open_ = false;
   std::vector<PlacedDeferred> deferred_;
 };
 
@@ -750,6 +858,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
     const size_t end = copy + 1 < copies ? first_pages[copy + 1] : copy_pages.size();
     return end - first_pages[copy];
   };
+  std::vector<size_t> sheet_of(copy_pages.size());  // a copy's page → the sheet it is on
   for (size_t group = 0; group < copies; group += static_cast<size_t>(per_sheet)) {
     const size_t group_end = std::min(copies, group + static_cast<size_t>(per_sheet));
     size_t sheets = 0;
@@ -759,6 +868,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
       sheet.size = sheet_size;
       for (size_t copy = group; copy < group_end; ++copy) {
         if (n >= pages_of(copy)) continue;
+        sheet_of[first_pages[copy] + n] = document.pages.size();
         std::vector<Item>& items = copy_pages[first_pages[copy] + n].items;
         ShiftDown(items, static_cast<float>(copy - group) * slot_height);
         std::move(items.begin(), items.end(), std::back_inserter(sheet.items));
@@ -766,6 +876,7 @@ void ShareSheets(Document& document, const std::vector<size_t>& first_pages, int
       document.pages.push_back(std::move(sheet));
     }
   }
+  for (Overflow& overflow : document.overflows) overflow.page = sheet_of[overflow.page - 1] + 1;
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The fast path: plain text in one font, shaped a paragraph at a time with HarfBuzz through the
 // very hb_font Pango would use, then wrapped greedily. Shaping matches Pango's exactly, and so do
 // the places a line may break: Pango's own rules (UAX #14) with the same adjustment the Pango
-// path makes (NumberJoinsAt), so a text wraps alike whichever way it goes.
+// path makes (NumberJoinsAt, FindKeptSpans), so a text wraps alike whichever way it goes.
 #include <glib.h>
 #include <hb.h>
 #include <pango/pango.h>
@@ -43,9 +43,11 @@ struct Cluster {
   bool split_before;  // a word too long for its line may be split here
 };
 
-// Marks where the paragraph "text[begin, end)" may break, by Pango's rules and our adjustment.
-// Only needed when the paragraph is wider than its line.
-void MarkBreaks(std::string_view text, size_t begin, size_t end, std::vector<Cluster>& clusters) {
+// Marks where the paragraph "text[begin, end)" may break, by Pango's rules and our adjustments:
+// never inside a number after its signs, nor inside a stretch kept whole that fits in
+// "available" units. Only needed when the paragraph is wider than its line.
+void MarkBreaks(std::string_view text, size_t begin, size_t end, int64_t available,
+                std::vector<Cluster>& clusters) {
   thread_local std::vector<PangoLogAttr> attributes;
   static PangoLanguage* const kEnglish = pango_language_from_string("en");
   const char* paragraph = text.data() + begin;
@@ -53,13 +55,28 @@ void MarkBreaks(std::string_view text, size_t begin, size_t end, std::vector<Clu
   attributes.resize(static_cast<size_t>(g_utf8_strlen(paragraph, length)) + 1);
   pango_get_log_attrs(paragraph, length, 0, kEnglish, attributes.data(),
                       static_cast<int>(attributes.size()));
+  // The kept stretches that fit on a line, measured as lines are: their clusters' widths.
+  std::vector<KeptSpan> kept = FindKeptSpans(text.substr(begin, end - begin));
+  std::erase_if(kept, [&](KeptSpan& span) {
+    span.begin += begin;
+    span.end += begin;
+    const auto first =
+        std::lower_bound(clusters.begin(), clusters.end(), span.begin,
+                         [](const Cluster& c, size_t offset) { return c.begin < offset; });
+    int64_t width = 0;
+    for (auto c = first; c != clusters.end() && c->begin < span.end; ++c) width += c->units;
+    return width > available;
+  });
   size_t k = 0;  // the cluster holding the current character
+  size_t s = 0;  // the first kept stretch not yet behind the current character
   size_t i = begin;
   for (const PangoLogAttr& attribute : attributes) {
     if (i >= end) break;
     while (k + 1 < clusters.size() && clusters[k + 1].begin <= i) ++k;
+    while (s < kept.size() && kept[s].end <= i) ++s;
     if (clusters[k].begin == i && k > 0) {
-      const bool joined = NumberJoinsAt(text, i);
+      const bool joined =
+          NumberJoinsAt(text, i) || (s < kept.size() && kept[s].begin < i && i < kept[s].end);
       clusters[k].break_before = attribute.is_line_break && !joined;
       clusters[k].split_before = attribute.is_char_break && !joined;
     }
@@ -218,7 +235,7 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
     for (const Cluster& c : clusters) natural += c.units;
     const bool fits = !wraps || natural <= available_units;
     if (!fits) {
-      MarkBreaks(text, paragraph, paragraph_end, clusters);
+      MarkBreaks(text, paragraph, paragraph_end, available_units, clusters);
       for (Cluster& c : clusters) {  // what kerning with the next character added to the last glyph
         const uint32_t last = c.first_glyph + c.glyph_count - 1;
         c.cut_units = c.units - glyph_units[last - glyph_base] +

@@ -145,7 +145,14 @@ const FontInfo& ThreadFonts::Primary(std::string_view family, bool bold, bool it
   info->ascent = static_cast<float>(extents.ascent);
   info->descent = static_cast<float>(extents.descent);
   std::tie(info->underline, info->strikeout) = Decorations(info->font.get());
-  for (uint32_t c = 0x20; c < 0x7F; ++c) info->ascii[c] = info->IsCovered(c);
+  for (uint32_t c = 0x20; c < 0x7F; ++c) {
+    info->ascii[c] = info->IsCovered(c);
+    hb_codepoint_t glyph = 0;
+    if (info->ascii[c] && hb_font_get_nominal_glyph(info->hb, c, &glyph)) {
+      info->ascii_advance[c] =
+          static_cast<float>(hb_font_get_glyph_h_advance(info->hb, glyph)) / PANGO_SCALE;
+    }
+  }
   return *fonts_.emplace(std::move(key), std::move(info)).first->second;
 }
 

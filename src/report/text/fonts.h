@@ -13,6 +13,7 @@
 #include <hb.h>
 #include <pango/pango.h>
 
+#include <array>
 #include <bitset>
 #include <memory>
 #include <string>
@@ -46,7 +47,8 @@ struct FontInfo {
   float descent = 0;  // points below it
   DecorationLine underline;
   DecorationLine strikeout;
-  std::bitset<128> ascii;  // which ASCII characters the font has, looked up once
+  std::bitset<128> ascii;                  // which ASCII characters the font has, looked up once
+  std::array<float, 128> ascii_advance{};  // their advances in points, kerning aside
   bool IsCovered(uint32_t code_point) const;
 };
 

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 #include "report/document/document.h"
 #include "report/text/fonts.h"
@@ -47,6 +48,21 @@ inline int PangoUnits(float points) {
 // after a hyphen-minus or a slash that a digit follows, so dates ("22-02-2030") and document
 // numbers ("VSI/24-25/0007") stay whole (UAX #14: HY × NU, SY × NU). Both paths apply it.
 bool NumberJoinsAt(std::string_view text, size_t i);
+
+// A stretch of "text" that no line breaks inside: bytes [begin, end). A line may still end just
+// before it and start just after it.
+struct KeptSpan {
+  size_t begin = 0;
+  size_t end = 0;
+};
+
+// The stretches of "text" kept whole when they fit on a line, in order and apart: a place name,
+// a hyphen (or an em dash) and a six-digit PIN code ("Pune - 411013": no break before or after
+// the dash), and a phrase of at most 24 characters in round brackets with no brackets and no en
+// dash inside ("(Candy Yellow)"). Both
+// paths keep them, each measuring whether a stretch fits on its line as it measures its lines;
+// one wider than its line breaks as any text would.
+std::vector<KeptSpan> FindKeptSpans(std::string_view text);
 
 // True when the fast path lays "text" out exactly as Pango would: valid UTF-8, no control
 // characters but line breaks, only scripts without shaping subtleties, every character in

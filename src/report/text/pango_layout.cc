@@ -28,9 +28,10 @@ void Insert(PangoAttrList* list, PangoAttribute* attribute, uint32_t begin, uint
   pango_attr_list_insert(list, attribute);
 }
 
-// The attributes of bytes [begin, end) of "plain", at offsets from "begin".
-PangoAttrList* Attributes(const PlainText& plain, const TextStyle& style, size_t begin,
-                          size_t end) {
+// The attributes of bytes [begin, end) of "plain", at offsets from "begin"; no line breaks
+// inside the stretches "kept" (in order).
+PangoAttrList* Attributes(const PlainText& plain, const TextStyle& style, size_t begin, size_t end,
+                          const std::vector<KeptSpan>& kept) {
   PangoAttrList* list = pango_attr_list_new();
   const auto insert = [&](PangoAttribute* attribute, size_t from, size_t to) {
     from = std::max(from, begin);
@@ -53,6 +54,12 @@ PangoAttrList* Attributes(const PlainText& plain, const TextStyle& style, size_t
     size_t digit_end = i + 1;
     NextCodePoint(plain.text, digit_end);
     insert(pango_attr_allow_breaks_new(FALSE), i, digit_end);
+  }
+  const auto first_kept =
+      std::upper_bound(kept.begin(), kept.end(), begin,
+                       [](size_t offset, const KeptSpan& span) { return offset < span.end; });
+  for (auto span = first_kept; span != kept.end() && span->begin < end; ++span) {
+    insert(pango_attr_allow_breaks_new(FALSE), span->begin, span->end);
   }
   if (style.char_spacing != 0) {
     pango_attr_list_insert(
@@ -257,9 +264,9 @@ bool WindowMayStartAt(std::string_view text, size_t at, WindowStarts starts) {
 
 // Gives "layout" bytes [begin, end) of "plain" and the style's attributes for them.
 void SetPiece(PangoLayout* layout, const PlainText& plain, const TextStyle& style, size_t begin,
-              size_t end) {
+              size_t end, const std::vector<KeptSpan>& kept) {
   const std::unique_ptr<PangoAttrList, AttrListUnref> attributes(
-      Attributes(plain, style, begin, end));
+      Attributes(plain, style, begin, end, kept));
   pango_layout_set_attributes(layout, attributes.get());
   pango_layout_set_text(layout, plain.text.data() + begin, static_cast<int>(end - begin));
 }
@@ -291,6 +298,25 @@ void AddLines(PangoLayout* layout, const PlainText& plain, size_t begin, size_t 
   }
 }
 
+// The stretches of "plain" kept whole that fit on a line of "width" points, each measured on
+// its own with its attributes, as Pango measures a line.
+std::vector<KeptSpan> KeptFitting(const PlainText& plain, const TextStyle& style,
+                                  const PangoFontDescription* description, PangoLayout* layout,
+                                  float width) {
+  std::vector<KeptSpan> kept = FindKeptSpans(plain.text);
+  if (kept.empty()) return kept;
+  PangoLayout* measure = pango_layout_new(pango_layout_get_context(layout));
+  pango_layout_set_font_description(measure, description);
+  std::erase_if(kept, [&](const KeptSpan& span) {
+    SetPiece(measure, plain, style, span.begin, span.end, {});
+    PangoRectangle logical;
+    pango_layout_get_extents(measure, nullptr, &logical);
+    return logical.width > PangoUnits(width);
+  });
+  g_object_unref(measure);
+  return kept;
+}
+
 }  // namespace
 
 LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, const FontInfo& primary,
@@ -309,6 +335,9 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
   } else {
     pango_layout_set_width(layout, -1);
   }
+  const std::vector<KeptSpan> kept =
+      wraps ? KeptFitting(plain, style, description.get(), layout, geometry.width())
+            : std::vector<KeptSpan>();
 
   LaidOutText out;
   out.underline = primary.underline;
@@ -333,7 +362,7 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
                                   ? HowWindowsStart(plain.text)
                                   : WindowStarts::kNowhere;
   if (starts == WindowStarts::kNowhere) {
-    SetPiece(layout, plain, style, 0, size);
+    SetPiece(layout, plain, style, 0, size, kept);
     AddLines(layout, plain, 0, SIZE_MAX, geometry, out);
     return out;
   }
@@ -342,7 +371,7 @@ LaidOutText LayOutWithPango(const PlainText& plain, const TextStyle& style, cons
   while (begin < size) {
     size_t end = std::min(size, begin + length);
     while (end < size && (static_cast<uint8_t>(plain.text[end]) & 0xC0) == 0x80) ++end;
-    SetPiece(layout, plain, style, begin, end);
+    SetPiece(layout, plain, style, begin, end, kept);
     // Letters and digits only: no word to keep whole, so breaking between characters straight
     // away gives the same lines without first looking for a space to the window's end.
     const bool one_word = std::all_of(plain.text.begin() + static_cast<ptrdiff_t>(begin),

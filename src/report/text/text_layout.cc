@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "report/text/fonts.h"
 #include "report/text/layout.h"
 #include "report/text/layout_paths.h"
 
@@ -111,6 +112,31 @@ LaidOutText LayOutUncached(std::string_view text, const TextStyle& style, float 
   return LayOutWithPango(markup ? ParseRichText(text) : ValidUtf8(text), style, font, geometry);
 }
 
+// True when "text" surely lays out as one line no wider than "width" and no taller than
+// "height", known without laying it out: plain text of the fast path's characters whose
+// advances, with room to spare for kerning (and 1.25 em for a character beyond ASCII, wider than
+// any glyph the fast path takes), come within the width. Most cells of a table are so, and are
+// then checked for fit at the cost of a glance rather than a layout.
+bool FitsOnOneLine(std::string_view text, const TextStyle& style, float width, float height) {
+  if (style.rich || !(style.size > 0) || text.find_first_of("\r\n") != std::string_view::npos) {
+    return false;
+  }
+  const FontInfo& font =
+      ThreadFonts::Current().Primary(style.font_family, style.bold, style.italic, style.size);
+  if (font.ascent + font.descent > height) return false;
+  float advances = 0;
+  size_t characters = 0;
+  for (const char c : text) {
+    const auto byte = static_cast<uint8_t>(c);
+    if ((byte & 0xC0) == 0x80) continue;
+    ++characters;
+    advances += byte < 0x80 ? font.ascii_advance[byte] : 1.25f * style.size;
+  }
+  const float widest = advances * 1.05f + 0.25f * style.size +
+                       static_cast<float>(characters) * std::max(0.0f, style.char_spacing);
+  return widest <= width && CanLayOutFast(text, font);
+}
+
 }  // namespace
 
 TextLine& LineGeometry::Add(LaidOutText& out, float ascent, float descent, float width,
@@ -165,6 +191,37 @@ void SetLayoutCacheBudget(size_t bytes) { Cache().SetBudget(bytes); }
 
 SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
   return LayOut(text, style, width)->size;
+}
+
+BoxFit FitInBox(std::string_view text, const TextStyle& style, SizeF size) {
+  constexpr float kSlack = 0.01f;  // float rounding, as the renderer allows
+  BoxFit fit;
+  if (text.empty()) return fit;
+  const Padding& pad = style.padding;
+  const int rotation = ((style.rotation % 360) + 360) % 360;
+  const bool sideways = rotation == 90 || rotation == 270;
+  const float pad_across = sideways ? pad.top + pad.bottom : pad.left + pad.right;
+  const float pad_down = sideways ? pad.left + pad.right : pad.top + pad.bottom;
+  const float box_across = sideways ? size.height : size.width;
+  const float box_down = sideways ? size.width : size.height;
+  const float frame_width = std::max(0.0f, box_across - pad_across);
+  const float room_down = rotation == 0 ? box_down - pad.top : box_down - pad_down;
+  if (FitsOnOneLine(text, style, frame_width, room_down)) return fit;
+  const auto laid_out = LayOut(text, style, frame_width);
+  if (laid_out->size.height > room_down + kSlack) {
+    return {false, false, laid_out->size.height + pad_down, box_down};
+  }
+  float left = 0, right = 0;
+  for (const TextLine& line : laid_out->lines) {
+    left = std::min(left, line.left);
+    right = std::max(right, line.left + line.width);
+  }
+  const float room_left = rotation == 0 ? pad.left : 0;
+  const float room_right = rotation == 0 ? frame_width + pad.right : frame_width;
+  if (left < -room_left - kSlack || right > room_right + kSlack) {
+    return {false, true, right - left + pad_across, box_across};
+  }
+  return fit;
 }
 
 size_t FitText(std::string_view text, const TextStyle& style, float width, float height) {

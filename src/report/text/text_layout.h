@@ -21,6 +21,18 @@ namespace vantorel::report::text {
 // height less padding). Height is the sum of the line heights; width the widest line.
 SizeF MeasureText(std::string_view text, const TextStyle& style, float width);
 
+// Whether "text" fits in a box of "size" drawn with "style", judged as the renderer draws it:
+// lines as long as the box less its padding (along its height when rotated); text taller than
+// its box starts at the top. Upright text may use the box's padding before any of it is cut;
+// rotated text is cut at its padded frame.
+struct BoxFit {
+  bool fits = true;
+  bool across = false;  // it does not fit for a line too long, rather than too many lines
+  float needed = 0;     // the box's height (width when "across") the text needs, padding included
+  float available = 0;  // the box's height (width) as it is
+};
+BoxFit FitInBox(std::string_view text, const TextStyle& style, SizeF size);
+
 // For a text too tall for "height": the byte offset in "text" where the first part ends, at a
 // line boundary, so that text[0, offset) fits. Returns text.size() when everything fits and 0
 // when not even one line fits.

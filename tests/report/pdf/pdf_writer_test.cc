@@ -20,6 +20,7 @@
 #include "report/barcode/barcode.h"
 #include "report/image/image_loader.h"
 #include "report/pdf/resource_filter.h"
+#include "report/text/text_layout.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
@@ -185,6 +186,29 @@ TEST_F(PdfWriterTest, TextExtractsExactly) {
   EXPECT_NE(text.text.find(kWords), std::string::npos) << text.text;
   EXPECT_NE(text.text.find(kAmount), std::string::npos) << text.text;
   EXPECT_NE(text.text.find(kDealer), std::string::npos) << text.text;
+}
+
+TEST_F(PdfWriterTest, TextKeptWholeAtALineBreakExtractsAsWritten) {
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  Document document;
+  TextStyle style;
+  const uint32_t index = document.InternStyle(style);
+  const float padding = style.padding.left + style.padding.right;
+  // Boxes too narrow for the PIN code or the colour after the words before them.
+  const float address = text::MeasureText("Wanowrie, Pune - 4110", style, 0).width + padding;
+  const float model = text::MeasureText("Vayu Sakhi (Candy Yel", style, 0).width + padding;
+  Page page{{400, 200}, {}};
+  page.items.push_back(TextItem{{10, 10, address, 40}, index, "Wanowrie, Pune - 411013"});
+  page.items.push_back(TextItem{{10, 100, model, 40}, index, "Vayu Sakhi (Candy Yellow)"});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "kept.pdf";
+  WritePdf(document, path.string());
+  const Output text = RunTool("pdftotext -enc UTF-8 '" + path.string() + "' -");
+  ASSERT_EQ(text.status, 0) << text.text;
+  EXPECT_NE(text.text.find("Wanowrie,\nPune - 411013\n"), std::string::npos) << text.text;
+  EXPECT_NE(text.text.find("Vayu Sakhi\n(Candy Yellow)\n"), std::string::npos) << text.text;
+  EXPECT_EQ(text.text.find("\u00a0"), std::string::npos) << "plain spaces: " << text.text;
 }
 
 TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {

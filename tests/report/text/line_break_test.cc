@@ -1,5 +1,6 @@
 // Where lines break: the same places on both ways of laying text out, and never inside a date or
-// a document number after its hyphens and slashes.
+// a document number after its hyphens and slashes, a PIN code after its dash or a short phrase in
+// brackets.
 #include <gtest/gtest.h>
 #include <pango/pangocairo.h>
 
@@ -84,6 +85,137 @@ TEST(LineBreakTest, DatesAndNumbersStayWhole) {
       }
     }
   }
+}
+
+std::vector<std::string> KeptTexts(std::string_view text) {
+  std::vector<std::string> kept;
+  for (const KeptSpan& span : FindKeptSpans(text)) {
+    kept.emplace_back(text.substr(span.begin, span.end - span.begin));
+  }
+  return kept;
+}
+
+TEST(LineBreakTest, PinCodesAndShortBracketsAreKeptWhole) {
+  using Kept = std::vector<std::string>;
+  EXPECT_EQ(KeptTexts("Flat 206, Wanowrie, Pune - 411013"), Kept{"Pune - 411013"});
+  EXPECT_EQ(KeptTexts("Pune-411013, Maharashtra"), Kept{"Pune-411013"});
+  EXPECT_EQ(KeptTexts("Nashik \u2014 422001"), Kept{"Nashik \u2014 422001"});
+  EXPECT_EQ(KeptTexts("Dist. Satara  -  415001."), Kept{"Satara  -  415001"});
+  EXPECT_EQ(KeptTexts("- 411013"), Kept{"- 411013"});
+  EXPECT_EQ(KeptTexts("Vayu Sakhi 110 (Candy Yellow)"), Kept{"(Candy Yellow)"});
+  EXPECT_EQ(KeptTexts("(Matt Grey) and (Pearl White)"), (Kept{"(Matt Grey)", "(Pearl White)"}));
+  EXPECT_EQ(KeptTexts("Colour (Pune - 411013)"), Kept{"(Pune - 411013)"}) << "one stretch";
+  EXPECT_EQ(KeptTexts("(24 characters, at most)"), Kept{"(24 characters, at most)"});
+  EXPECT_EQ(KeptTexts("(\u0936\u094d\u0930\u0940 \u0917\u0923\u0947\u0936)").size(), 1u)
+      << "characters, not bytes, count";
+  // Not PIN codes, nor short bracketed phrases.
+  EXPECT_EQ(KeptTexts("Plot 12 - 4110"), Kept{});
+  EXPECT_EQ(KeptTexts("Ref 12 - 4110134"), Kept{});
+  EXPECT_EQ(KeptTexts("Code - 011013"), Kept{});
+  EXPECT_EQ(KeptTexts("Pune - 411013A"), Kept{});
+  EXPECT_EQ(KeptTexts("(25 characters, not fewer.)"), Kept{});
+  EXPECT_EQ(KeptTexts("Nashik \u2013 422001"), Kept{}) << "Pango breaks after an en dash";
+  EXPECT_EQ(KeptTexts("(Mon \u2013 Sat)"), Kept{});
+  EXPECT_EQ(KeptTexts("(a (b) c)"), Kept{"(b)"});
+  EXPECT_EQ(KeptTexts("(unclosed"), Kept{});
+  EXPECT_EQ(KeptTexts("()"), Kept{});
+  EXPECT_EQ(KeptTexts("(two\nlines)"), Kept{});
+}
+
+TEST(LineBreakTest, NarrowBoxesKeepPinCodesAndShortBracketsWhole) {
+  const TextStyle style = Style();
+  const auto width = [&](std::string_view text) { return MeasureText(text, style, 0).width; };
+  for (const bool fast : {true, false}) {
+    const auto lines = [&](std::string_view text, float box) {
+      return fast ? FastLines(text, style, box) : PangoLines(text, style, box);
+    };
+    SCOPED_TRACE(fast ? "fast path" : "Pango");
+    // Room for "Wanowrie, Pune - " but not the code: the place and its code go down together.
+    const std::string address = "Wanowrie, Pune - 411013";
+    EXPECT_EQ(lines(address, width("Wanowrie, Pune - 4110")),
+              (std::vector<std::string>{"Wanowrie, ", "Pune - 411013"}));
+    // Room for "Wanowrie, Pune " only: the dash does not start a line either.
+    EXPECT_EQ(lines(address, width("Wanowrie, Pune ") + 1),
+              (std::vector<std::string>{"Wanowrie, ", "Pune - 411013"}));
+    // Room for the opening word of the colour only.
+    const std::string model = "Vayu Sakhi 110 (Candy Yellow)";
+    EXPECT_EQ(lines(model, width("Vayu Sakhi 110 (Candy Yel")),
+              (std::vector<std::string>{"Vayu Sakhi 110 ", "(Candy Yellow)"}));
+    EXPECT_EQ(lines("Shine (Matt Grey)", width("Shine (Matt ") + 1),
+              (std::vector<std::string>{"Shine ", "(Matt Grey)"}));
+    // A stretch wider than its line breaks as any text would, at its blank.
+    EXPECT_EQ(lines("(Candy Yellow)", width("(Candy Yel")),
+              (std::vector<std::string>{"(Candy ", "Yellow)"}));
+    const float narrow = std::max(width("Wanowrie, "), width("Pune - ")) + 1;
+    ASSERT_LT(narrow, width("Pune - 411013"));
+    EXPECT_EQ(lines(address, narrow),
+              (std::vector<std::string>{"Wanowrie, ", "Pune - ", "411013"}));
+    // Rich text goes through Pango and keeps them as well.
+    if (!fast) {
+      TextStyle rich = style;
+      rich.rich = true;
+      const std::string markup = "<b>Shine</b> (Matt Grey)";
+      EXPECT_EQ(LinesOf(*LayOut(markup, rich, width("Shine (Matt ") + 1), markup),
+                (std::vector<std::string>{"<b>Shine</b> ", "(Matt Grey)"}));
+    }
+  }
+}
+
+// Both ways keep the same stretches whole, whichever fonts and widths.
+TEST(LineBreakTest, FastPathAndPangoKeepTheSameStretchesWhole) {
+  const char* kWords[] = {"Pune - 411013",
+                          "(Candy Yellow)",
+                          "(Matt Grey)",
+                          "Nashik \u2014 422001",
+                          "Flat",
+                          "No.",
+                          "206,",
+                          "Gulmohar",
+                          "Park,",
+                          "Shine",
+                          "110",
+                          "Pune-411013",
+                          "- 411013",
+                          "(Net)",
+                          "a",
+                          "Wanowrie,",
+                          "(A-1 b)",
+                          "(x/y z)",
+                          "(22-02-2030)",
+                          "(Mon \u2013 Sat)",
+                          "(\u00e9t\u00e9 b)",
+                          "Satara -",
+                          "411013",
+                          "(no 1)"};
+  uint32_t seed = 4242;
+  const auto next = [&] {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 16) & 0x7fff;
+  };
+  int compared = 0;
+  for (const char* family : {"Arial", "Times New Roman", "Courier New"}) {
+    for (const bool bold : {false, true}) {
+      TextStyle style = Style(bold ? 11.5f : 9);
+      style.font_family = family;
+      style.bold = bold;
+      for (int n = 0; n < 100; ++n) {
+        std::string text;
+        const int words = 2 + static_cast<int>(next() % 8);
+        for (int w = 0; w < words; ++w) {
+          if (w > 0) text += " ";
+          text += kWords[next() % std::size(kWords)];
+        }
+        const float natural = MeasureText(text, style, 0).width;
+        for (const float share : {0.2f, 0.35f, 0.5f, 0.7f}) {
+          const float width = std::max(3 * style.size, std::round(natural * share));
+          EXPECT_EQ(FastLines(text, style, width), PangoLines(text, style, width))
+              << family << (bold ? " bold" : "") << " at " << width << ": " << text;
+          ++compared;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(compared, 3 * 2 * 100 * 4);
 }
 
 // Rich text and font fallback go through Pango; the number stays whole there too.

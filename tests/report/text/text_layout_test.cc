@@ -280,6 +280,65 @@ TEST(LayOutTest, SurvivesBadInput) {
   EXPECT_EQ(MeasureText("zero size", Style(0), 100).height, 0);
 }
 
+TEST(FitInBoxTest, TextTallerThanItsBoxNeedsItsLinesAndPadding) {
+  TextStyle style = Style();
+  const float line = LineHeight(style);
+  const float pad = style.padding.top + style.padding.bottom;
+  EXPECT_TRUE(FitInBox("Tax Invoice", style, {100, line + pad}).fits);
+  const BoxFit two = FitInBox("first line\nsecond line", style, {100, line + pad});
+  EXPECT_FALSE(two.fits);
+  EXPECT_FALSE(two.across);
+  EXPECT_FLOAT_EQ(two.needed, 2 * line + pad);
+  EXPECT_FLOAT_EQ(two.available, line + pad);
+  EXPECT_TRUE(FitInBox("Tax Invoice", style, {100, line + style.padding.top}).fits)
+      << "the bottom padding may take text before any of it is cut";
+}
+
+TEST(FitInBoxTest, LineThatDoesNotWrapIsTooWide) {
+  TextStyle style = Style();
+  style.wrap = false;
+  const float width = MeasureText(kPangram, style, 0).width;
+  const BoxFit fit = FitInBox(kPangram, style, {width / 2, 40});
+  EXPECT_FALSE(fit.fits);
+  EXPECT_TRUE(fit.across);
+  EXPECT_FLOAT_EQ(fit.needed, width + style.padding.left + style.padding.right);
+  EXPECT_TRUE(
+      FitInBox(kPangram, style, {width + style.padding.left + style.padding.right, 40}).fits);
+}
+
+// Short plain texts are judged without a layout; the judgement must be the layout's.
+TEST(FitInBoxTest, QuickJudgementAgreesWithTheLayout) {
+  const char* kTexts[] = {"1",      "99",         "Pune",        "MDVSR1SDXRH159477",
+                          "WWWWWW", "Mmm, mmm!",  "1,05,630.00", "Жук",
+                          "₹ 500",  "@@@ %%% —…", "a b c d e f", "Helmet"};
+  int compared = 0;
+  for (const char* family : {"Liberation Sans", "Liberation Mono", "DejaVu Sans"}) {
+    for (const float size : {6.0f, 9.0f, 14.0f}) {
+      TextStyle style = Style(size);
+      style.font_family = family;
+      const float line = LineHeight(style);
+      for (const char* text : kTexts) {
+        const SizeF natural = MeasureText(text, style, 0);
+        for (const float share : {0.5f, 0.9f, 1.0f, 1.1f, 1.3f, 2.0f}) {
+          for (const float tall : {0.8f, 1.0f, 1.5f}) {
+            const float frame = natural.width * share;
+            const SizeF box{frame + style.padding.left + style.padding.right,
+                            line * tall + style.padding.top + style.padding.bottom};
+            const SizeF laid_out = MeasureText(text, style, frame);
+            const bool expected = laid_out.height <= box.height - style.padding.top + 0.01f &&
+                                  laid_out.width <= frame + style.padding.right + 0.01f;
+            EXPECT_EQ(FitInBox(text, style, box).fits, expected)
+                << family << " " << size << " \"" << text << "\" in " << box.width << "x"
+                << box.height;
+            ++compared;
+          }
+        }
+      }
+    }
+  }
+  EXPECT_EQ(compared, 3 * 3 * 12 * 6 * 3);
+}
+
 TEST(FitTextTest, SplitsAtALineBoundary) {
   const TextStyle style = Style();
   const std::string text = "first line\nsecond line\nthird line\nfourth line";
