@@ -333,8 +333,8 @@ int Check(const std::vector<std::string>& templates, bool contracts) {
       const auto report = report::CompileTemplateFile(path);
       std::vector<report::Problem> problems;
       if (contracts) {
-        if (const TemplateContract* contract = FindContract(TemplateName(path))) {
-          problems = CheckContract(*report, *contract);
+        if (const PrintMethodFacts* method = FindTemplateUser(TemplateName(path))) {
+          problems = CheckContract(*report, *method);
         }
       }
       if (problems.empty()) {
