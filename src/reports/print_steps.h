@@ -84,7 +84,7 @@ class TemplatePokes {
   // The same with a text made after the memo is found, as when it reads the database: a failing
   // read then fails after the lookup, as the document's steps have it.
   template <typename MakeText>
-    requires std::is_invocable_r_v<std::string, MakeText>
+  requires std::is_invocable_r_v<std::string, MakeText>
   void RequireMemo(const char* memo, MakeText make_text) {
     if (skipped_) return;
     run_.memo = run_.LocateMemo(memo);

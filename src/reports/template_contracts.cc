@@ -26,8 +26,8 @@ std::vector<report::Problem> CheckContract(const report::CompiledReport& report,
   auto missing = [&](const std::string& what, Lookup lookup, const std::string& hint) {
     const char* effect = lookup == Lookup::kRequired ? " (without it the method fails)"
                                                      : " (without it the method prints nothing)";
-    problems.push_back({report.file, 0, std::string(method.method) + " needs " + what + effect,
-                        hint});
+    problems.push_back(
+        {report.file, 0, std::string(method.method) + " needs " + what + effect, hint});
   };
   if (report.FindDatabase("DMSDB") < 0) {
     problems.push_back({report.file, 0,

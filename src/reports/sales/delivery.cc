@@ -133,11 +133,10 @@ void CRepoter::VehHSRP(int16_t ID) {
 
 void CRepoter::VehTempCertificate(int16_t Tline, const std::string& A4Single) {
   // "Y" exactly chooses the single form on A4; the name is set even when the line is refused.
-  PrintQueryTextDocument(
-      *this, Tline,
-      {.template_name = A4Single == "Y" ? "tempcertsingle" : "tempcert",
-       .sql = "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + Digits(Tline),
-       .named_before_guard = true});
+  PrintQueryTextDocument(*this, Tline,
+                         {.template_name = A4Single == "Y" ? "tempcertsingle" : "tempcert",
+                          .sql = "SELECT * FROM VU_TEMPNUMBER WHERE TLINE=" + Digits(Tline),
+                          .named_before_guard = true});
 }
 
 }  // namespace vantorel

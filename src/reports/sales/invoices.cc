@@ -17,8 +17,8 @@ struct InvoiceForm {
   const char* template_name;
   const char* amount_sql = kNetAmount;  // followed by the id
   const char* words_prefix = kIndented;
-  bool two_copies = false;              // the words twice, in "WAMT" and "WAMT1"
-  const std::string* logo = nullptr;    // picture "logo", when the form has one
+  bool two_copies = false;               // the words twice, in "WAMT" and "WAMT1"
+  const std::string* logo = nullptr;     // picture "logo", when the form has one
   const std::string* qr_code = nullptr;  // picture "qrcode", right after the logo
 };
 
@@ -83,10 +83,9 @@ void CRepoter::VehInvoiceHeroSubdealer(int16_t ID) {
                      {.template_name = "vehinvoiceherosubdealer", .words_prefix = kRupees});
 }
 void CRepoter::GSTVehInvoiceSingle(int16_t ID, const std::string& LogoFile) {
-  PrintDealerInvoice(*this, ID,
-                     {.template_name = "gstvehinvoicesingle",
-                      .amount_sql = kNetLessSubsidy,
-                      .logo = &LogoFile});
+  PrintDealerInvoice(
+      *this, ID,
+      {.template_name = "gstvehinvoicesingle", .amount_sql = kNetLessSubsidy, .logo = &LogoFile});
 }
 void CRepoter::CycleInvoice(int16_t ID, const std::string& LogoFile) {
   PrintDealerInvoice(*this, ID, {.template_name = "cycleinvoice", .logo = &LogoFile});
@@ -118,8 +117,8 @@ void CRepoter::VehSubDealerPackingList(int16_t ID) {
   PrintSubDealerInvoice(*this, ID, {.template_name = "vehsubpackinglist"});
 }
 void CRepoter::EInvoiceVehicle(int16_t ID, const std::string& LogoFile, const std::string& QrFile) {
-  PrintSubDealerInvoice(*this, ID,
-                        {.template_name = "einvoicevehicle", .logo = &LogoFile, .qr_code = &QrFile});
+  PrintSubDealerInvoice(
+      *this, ID, {.template_name = "einvoicevehicle", .logo = &LogoFile, .qr_code = &QrFile});
 }
 
 }  // namespace vantorel

@@ -56,8 +56,8 @@ void CRepoter::VehPurBillGST(int16_t Xid) {
 }
 
 void CRepoter::VinTrf(int16_t Xid) {
-  PrintTransferDocument(*this, Xid,
-                        {.template_name = "vintrf", .id_accepted = Xid > 0, .by_tid_parameter = true});
+  PrintTransferDocument(
+      *this, Xid, {.template_name = "vintrf", .id_accepted = Xid > 0, .by_tid_parameter = true});
 }
 
 void CRepoter::VehBtPrint(int16_t Xid) {
