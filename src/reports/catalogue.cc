@@ -276,4 +276,38 @@ std::vector<std::string> ExampleArguments(const ExampleCall& call,
   return arguments;
 }
 
+namespace {
+
+std::string Named(const char* name, Lookup lookup) {
+  return std::string("`") + name + "`" + (lookup == Lookup::kChecked ? " (checked)" : "");
+}
+
+template <typename T, typename F>
+std::string Joined(const std::vector<T>& items, F text) {
+  std::string joined;
+  for (const T& item : items) joined += (joined.empty() ? "" : ", ") + text(item);
+  return joined;
+}
+
+}  // namespace
+
+std::string CatalogueTable() {
+  std::string table =
+      "| Method | Templates | Memos | Queries | Pictures |\n"
+      "|---|---|---|---|---|\n";
+  for (const PrintMethodFacts& method : Catalogue()) {
+    auto use = [](const Use& u) { return Named(u.name, u.lookup); };
+    auto query = [&](const QueryUse& q) {
+      std::string text = Named(q.name, q.lookup) + (q.sql ? " SQL" : "");
+      if (!q.parameters.empty()) text += ": " + Joined(q.parameters, use);
+      return text;
+    };
+    table += std::string("| `") + method.method + "` | " +
+             Joined(method.templates, [](const char* t) { return std::string(t); }) + " | " +
+             Joined(method.memos, use) + " | " + Joined(method.queries, query) + " | " +
+             Joined(method.pictures, use) + " |\n";
+  }
+  return table;
+}
+
 }  // namespace vantorel

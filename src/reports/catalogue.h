@@ -73,6 +73,9 @@ const PrintMethodFacts* FindTemplateUser(std::string_view template_name);
 std::vector<std::string> ExampleArguments(const ExampleCall& call,
                                           const std::map<std::string, std::string>& values);
 
+// The catalogue as a Markdown table, one row per method, as docs/print-methods.md shows it.
+std::string CatalogueTable();
+
 }  // namespace vantorel
 
 #endif  // VANTOREL_REPORTS_CATALOGUE_H_

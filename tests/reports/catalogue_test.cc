@@ -202,6 +202,21 @@ TEST(Catalogue, EveryTemplateIsShipped) {
   }
 }
 
+// The table of docs/print-methods.md, between its markers, is the catalogue's.
+TEST(Catalogue, DocsShowTheCatalogue) {
+  std::ifstream in(std::string(VANTOREL_SOURCE_DIR) + "/docs/print-methods.md");
+  const std::string doc((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const std::string begin = "<!-- catalogue table: begin -->\n";
+  const std::string end = "<!-- catalogue table: end -->";
+  const size_t from = doc.find(begin);
+  const size_t to = doc.find(end);
+  ASSERT_NE(from, std::string::npos);
+  ASSERT_NE(to, std::string::npos);
+  EXPECT_EQ(doc.substr(from + begin.size(), to - from - begin.size()), CatalogueTable())
+      << "paste this table between the markers of docs/print-methods.md:\n"
+      << CatalogueTable();
+}
+
 std::vector<const PrintMethodFacts*> Methods() {
   std::vector<const PrintMethodFacts*> methods;
   for (const PrintMethodFacts& method : PrintMethodCatalogue()) methods.push_back(&method);
