@@ -419,12 +419,12 @@ int Check(const std::vector<std::string>& templates, bool contracts, bool house_
     try {
       const auto report = report::CompileTemplateFile(path);
       std::vector<report::Problem> problems;
-      const TemplateContract* contract = FindContract(TemplateName(path));
-      if (contracts && contract != nullptr) problems = CheckContract(*report, *contract);
+      const PrintMethodFacts* method = FindTemplateUser(TemplateName(path));
+      if (contracts && method != nullptr) problems = CheckContract(*report, *method);
       // The texts its print method sets may run long whatever the template holds there.
       report::HouseRuleOptions options;
-      if (contract != nullptr) {
-        options.run_time_texts.assign(contract->memos.begin(), contract->memos.end());
+      if (method != nullptr) {
+        for (const Use& memo : method->memos) options.run_time_texts.emplace_back(memo.name);
       }
       std::vector<report::Problem> findings = report::CheckHouseRules(*report, options);
       if (house_rules) {

@@ -5,8 +5,11 @@
 #include <fstream>
 #include <stdexcept>
 
+#include "component/dispatch.h"
+
 #include "report/barcode/barcode.h"
 #include "report/raster/png_writer.h"
+#include "reports/catalogue.h"
 
 namespace vantorel::demo {
 namespace {
@@ -53,8 +56,22 @@ void WriteQrPicture(const Context& c) {
   std::ofstream(QrPicture(c), std::ios::binary) << PagePng(document, 0, 300);
 }
 
-Date Day(const Context& c, const char* key) {
-  return Date::FromIso(c.Fact(key)).value_or(Date::FromYmd(2024, 4, 1));
+// The facts and the pictures a print's arguments name.
+std::map<std::string, std::string> ArgumentValues(const Context& c) {
+  std::map<std::string, std::string> values = c.facts;
+  values["logo"] = c.logo;
+  values["qr"] = QrPicture(c);
+  return values;
+}
+
+// What a print needs first, by its output's name: the customer challan's template follows a
+// setting, so the two challans set it and the receipt after them puts back the demo's own "Y";
+// the e-invoice is handed its QR picture as a file.
+void (*Preparation(const std::string& output))(const Context&) {
+  if (output == "challan-gatepass" || output == "receipt") return GatePassYes;
+  if (output == "challan") return GatePassNo;
+  if (output == "einvoice") return WriteQrPicture;
+  return nullptr;
 }
 
 }  // namespace
@@ -82,151 +99,33 @@ int16_t PrintContext::Id(const std::string& key) const {
 }
 
 std::string Arguments(const DemoPrint& print, const PrintContext& context) {
-  std::string text = print.arguments;
-  for (size_t open = text.find('{'); open != std::string::npos; open = text.find('{', open)) {
-    const size_t close = text.find('}', open);
-    if (close == std::string::npos) break;
-    const std::string& fact = context.Fact(text.substr(open + 1, close - open - 1));
-    text.replace(open, close - open + 1, fact);
-    open += fact.size();
+  std::string text;
+  for (const std::string& argument : ExampleArguments(
+           {print.name, print.template_name, print.arguments}, ArgumentValues(context))) {
+    text += (text.empty() ? "" : " ") + argument;
   }
   return text;
 }
 
 const std::vector<DemoPrint>& DemoPrints() {
-  // The customer challan's template follows a setting, so the two challans set it first and
-  // the receipt after them puts back the demo's own "Y".
-  static const std::vector<DemoPrint> prints = {
-      {"challan-gatepass", "chlgatepass", "Challan_Customer", "{challan_customer_id}", GatePassYes,
-       [](CRepoter& rep, const Context& c) {
-         rep.Challan_Customer(c.Id("challan_customer_id"), c.logo);
-       }},
-      {"challan", "challancus", "Challan_Customer", "{challan_customer_id}", GatePassNo,
-       [](CRepoter& rep, const Context& c) {
-         rep.Challan_Customer(c.Id("challan_customer_id"), c.logo);
-       }},
-      {"receipt", "receipt", "ReceiptPrint", "{receipt_id}", GatePassYes,
-       [](CRepoter& rep, const Context& c) { rep.ReceiptPrint(c.Id("receipt_id")); }},
-      {"enquiry-groupwise", "enqgroupwise", "EnqGroupwise", "{enquiry_from} {enquiry_to}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.EnqGroupwise(Day(c, "enquiry_from"), Day(c, "enquiry_to"));
-       }},
-      {"enquiry-matured", "enqpending", "EnqPending", "{enquiry_from} {enquiry_to} 1", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.EnqPending(Day(c, "enquiry_from"), Day(c, "enquiry_to"), 1);
-       }},
-      {"enquiry-pending", "enqpending", "EnqPending", "{enquiry_from} {enquiry_to} 0", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.EnqPending(Day(c, "enquiry_from"), Day(c, "enquiry_to"), 0);
-       }},
-      {"enquiry-booking", "enqbooking", "EnqBooking", "{enquiry_from} {enquiry_to}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.EnqBooking(Day(c, "enquiry_from"), Day(c, "enquiry_to"));
-       }},
-      {"receipt-register", "recregister", "RecRegister", "{receipt_from} {receipt_to}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.RecRegister(Day(c, "receipt_from"), Day(c, "receipt_to"));
-       }},
-      {"purchase-bill", "vehpurbill", "VehPurBill", "{purchase_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehPurBill(c.Id("purchase_id")); }},
-      {"purchase-bill-gst", "vehpurbillgst", "VehPurBillGST", "{purchase_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehPurBillGST(c.Id("purchase_id")); }},
-      {"vehicle-transfer", "vintrf", "VinTrf", "{vintrf_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VinTrf(c.Id("vintrf_id")); }},
-      {"branch-transfer", "vehbtprint", "VehBtPrint", "{branch_transfer_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehBtPrint(c.Id("branch_transfer_id")); }},
-      {"challan-subdealer", "challansub", "ChallanSub", "{challan_sub_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.ChallanSub(c.Id("challan_sub_id"), c.logo); }},
-      {"invoice-2in1", "vehinvoice", "VehInvoice2in1", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehInvoice2in1(c.Id("invoice_id")); }},
-      {"invoice-with21", "vehinvoicewith21", "VehInvoicewith21", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehInvoicewith21(c.Id("invoice_id")); }},
-      {"invoice-single", "vehinvoicesingle", "VehInvoiceSingle", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehInvoiceSingle(c.Id("invoice_id")); }},
-      {"invoice-hero", "vehinvoicehero", "VehInvoiceHero", "{hero_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehInvoiceHero(c.Id("hero_invoice_id")); }},
-      {"invoice-hero-subdealer", "vehinvoiceherosubdealer", "VehInvoiceHeroSubdealer",
-       "{hero_subdealer_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.VehInvoiceHeroSubdealer(c.Id("hero_subdealer_invoice_id"));
-       }},
-      {"provisional-rc", "prorc", "ProVisionalRc", "{prorc_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.ProVisionalRc(c.Id("prorc_invoice_id")); }},
-      {"gate-pass", "vehgatepass", "VehGatePass", "{gatepass_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehGatePass(c.Id("gatepass_invoice_id")); }},
-      {"cycle-gate-pass", "cyclegatepass", "CycleGatePass", "{cycle_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.CycleGatePass(c.Id("cycle_invoice_id"), c.logo);
-       }},
-      {"declaration", "decform", "DecForm", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.DecForm(c.Id("invoice_id")); }},
-      {"stickers", "vehsticker", "VehSticker", "{sticker_invoice_id} 4", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehSticker(c.Id("sticker_invoice_id"), 4); }},
-      {"sale-letter", "vehsaleletter", "VehSaleLetter", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehSaleLetter(c.Id("invoice_id")); }},
-      {"cycle-sale-letter", "cyclesaleletter", "CycleSaleLetter", "{cycle_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.CycleSaleLetter(c.Id("cycle_invoice_id"), c.logo);
-       }},
-      {"form22", "form22", "VehForm22", "{form22_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehForm22(c.Id("form22_invoice_id")); }},
-      {"hsrp", "hsrp", "VehHSRP", "{hsrp_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehHSRP(c.Id("hsrp_invoice_id")); }},
-      {"temp-certificate-single", "tempcertsingle", "VehTempCertificate", "{temp_tline} Y", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehTempCertificate(c.Id("temp_tline"), "Y"); }},
-      {"temp-certificate", "tempcert", "VehTempCertificate", "{temp_tline} N", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.VehTempCertificate(c.Id("temp_tline"), "N"); }},
-      {"invoice-subdealer", "vehinvoicesub", "VehInvoiceSubDealer", "{subdealer_invoice_id}",
-       nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.VehInvoiceSubDealer(c.Id("subdealer_invoice_id"));
-       }},
-      {"firm", "wrc", "Wrc", "", nullptr, [](CRepoter& rep, const Context&) { rep.Wrc(); }},
-      {"bulk-receipt", "bulkreceipt", "BulkReceiptPrint", "{bulk_receipt_id} R", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.BulkReceiptPrint(c.Id("bulk_receipt_id"), "R"); }},
-      {"bulk-receipt-detail", "bulkreceiptdetail", "BulkReceiptPrint", "{bulk_receipt_id} D",
-       nullptr,
-       [](CRepoter& rep, const Context& c) { rep.BulkReceiptPrint(c.Id("bulk_receipt_id"), "D"); }},
-      {"gst-invoice-single", "gstvehinvoicesingle", "GSTVehInvoiceSingle", "{invoice_subsidy_id}",
-       nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.GSTVehInvoiceSingle(c.Id("invoice_subsidy_id"), c.logo);
-       }},
-      {"cycle-invoice", "cycleinvoice", "CycleInvoice", "{cycle_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.CycleInvoice(c.Id("cycle_invoice_id"), c.logo); }},
-      {"gst-invoice-hero", "gstvehinvoicehero", "GSTVehInvoiceHero", "{hero_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.GSTVehInvoiceHero(c.Id("hero_invoice_id")); }},
-      {"gst-invoice-hero-subdealer", "gstvehinvoiceherosubdealer", "GSTVehInvoiceHeroSubdealer",
-       "{hero_subdealer_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.GSTVehInvoiceHeroSubdealer(c.Id("hero_subdealer_invoice_id"));
-       }},
-      {"gst-invoice-2in1", "gstvehinvoice", "GSTVehInvoice2in1", "{invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) { rep.GSTVehInvoice2in1(c.Id("invoice_id"), c.logo); }},
-      {"gst-invoice-with21", "gstvehinvoicewith21", "GSTVehInvoicewith21",
-       "{invoice_after_revision_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.GSTVehInvoicewith21(c.Id("invoice_after_revision_id"), c.logo);
-       }},
-      {"gst-invoice-subdealer", "gstvehinvoicesub", "GSTVehInvoiceSubDealer",
-       "{subdealer_igst_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.GSTVehInvoiceSubDealer(c.Id("subdealer_igst_invoice_id"), c.logo);
-       }},
-      {"cycle-invoice-subdealer", "cycleinvoicesub", "CycleInvoiceSubDealer",
-       "{cycle_subdealer_invoice_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.CycleInvoiceSubDealer(c.Id("cycle_subdealer_invoice_id"), c.logo);
-       }},
-      {"packing-list", "vehsubpackinglist", "VehSubDealerPackingList", "{packing_list_id}", nullptr,
-       [](CRepoter& rep, const Context& c) {
-         rep.VehSubDealerPackingList(c.Id("packing_list_id"));
-       }},
-      {"einvoice", "einvoicevehicle", "EInvoiceVehicle", "{einvoice_id}", WriteQrPicture,
-       [](CRepoter& rep, const Context& c) {
-         rep.EInvoiceVehicle(c.Id("einvoice_id"), c.logo, QrPicture(c));
-       }},
-  };
+  static const std::vector<DemoPrint> prints = [] {
+    std::vector<DemoPrint> all;
+    for (const PrintMethodFacts& method : PrintMethodCatalogue()) {
+      for (const ExampleCall& example : method.examples) {
+        const char* name = method.method;
+        all.push_back(
+            {example.output, example.template_name, name, example.arguments,
+             Preparation(example.output), [name, example](CRepoter& rep, const Context& c) {
+               std::vector<Variant> args;
+               for (const std::string& argument : ExampleArguments(example, ArgumentValues(c))) {
+                 args.push_back(Variant::String(argument));
+               }
+               InvokeByName(rep, name, kDispatchMethod, args);
+             }});
+      }
+    }
+    return all;
+  }();
   return prints;
 }
 

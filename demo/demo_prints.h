@@ -1,13 +1,15 @@
-// The demo dealership's documents as a host prints them: one entry per print, naming the
-// template it prints, the print method with its arguments, and the call on a CRepoter. The demo
-// printer (make demo) writes each to a PDF, and the layout golden tests print each template
-// through the same entries, so the list of template → method call exists once.
+// The demo dealership's documents as a host prints them: one entry per example call of the
+// print-method catalogue (src/reports/catalogue.h), naming the template it prints, the print
+// method with its arguments, and the call on a CRepoter. The demo printer (make demo) writes each
+// to a PDF, and the layout golden tests print each template through the same entries, so a method
+// added to the catalogue is printed by both without a line here.
 //
 // Thread-safety: the table is immutable; a print runs on the thread of the CRepoter it is given.
 #ifndef VANTOREL_DEMO_DEMO_PRINTS_H_
 #define VANTOREL_DEMO_DEMO_PRINTS_H_
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -39,17 +41,20 @@ struct DemoPrint {
   const char* name;           // the output's file stem: "challan-gatepass"
   const char* template_name;  // the template the print chooses: "chlgatepass"
   const char* method;         // the print method
-  const char* arguments;      // as text, facts in braces: "{sticker_invoice_id} 4"
+  const char* arguments;      // as text, facts in braces: "{sticker_invoice_id} 4", and "{logo}"
+                              // and "{qr}" for the context's logo and QR picture
   // A setting or a file the print needs first; null when it needs none.
   void (*prepare)(const PrintContext& context);
-  void (*print)(CRepoter& rep, const PrintContext& context);
+  // Calls the method by name with the arguments, as a late-binding host does.
+  std::function<void(CRepoter& rep, const PrintContext& context)> print;
 };
 
 // Every print of the demo, in the order make demo prints them. Together they print every
 // shipped template; a template that a setting or an argument chooses has a print of its own.
 const std::vector<DemoPrint>& DemoPrints();
 
-// The print's arguments with each {key} replaced by its fact.
+// The print's arguments with each {key} replaced by its fact ("logo" and "qr": the context's
+// pictures).
 std::string Arguments(const DemoPrint& print, const PrintContext& context);
 
 }  // namespace vantorel::demo

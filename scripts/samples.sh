@@ -2,7 +2,8 @@
 # Pictures of demo documents before and after a change, for docs/samples/:
 #   scripts/samples.sh BEFORE_DIR AFTER_DIR NAME[:PAGE]...
 # BEFORE_DIR and AFTER_DIR hold the PDFs `make demo` writes (out/); each NAME is a PDF's stem.
-# Writes docs/samples/NAME-before.png and NAME-after.png at 60 dpi.
+# PAGE is a number or "last" (default 1). Writes docs/samples/NAME-before.png and
+# NAME-after.png (NAME-before-pPAGE.png… for other pages) at 60 dpi.
 set -euo pipefail
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 before=$1 after=$2
@@ -13,7 +14,11 @@ for item in "$@"; do
   for side in before after; do
     dir=$before
     [[ $side == after ]] && dir=$after
-    pdftoppm -r 60 -f "$page" -l "$page" -png -singlefile "$dir/$name.pdf" \
-      "$ROOT/docs/samples/$name-$side"
+    at=$page
+    [[ $at == last ]] && at=$(pdfinfo "$dir/$name.pdf" | awk '/^Pages:/ {print $2}')
+    suffix=$side
+    [[ $page != 1 ]] && suffix=$side-p$page
+    pdftoppm -r 60 -f "$at" -l "$at" -png -singlefile "$dir/$name.pdf" \
+      "$ROOT/docs/samples/$name-$suffix"
   done
 done

@@ -8,13 +8,16 @@
 namespace vantorel::engine {
 namespace {
 
+constexpr bool kAskForLogin = false;        // the host's connection strings carry the login
+constexpr bool kClearPreviousPages = true;  // every output builds the pages afresh
+
 // Binds one named connection of the template; "status" is written before binding when given.
 void BindConnection(ReportRun& run, const std::string& name, const std::string& connection,
                     std::string* last_msg) {
   run.database = run.LocateDatabase(name);
   if (run.database) {
     if (last_msg != nullptr) SetLastMsg(*last_msg, "setting logon parameters");
-    run.database.SetLoginPrompt(false);
+    run.database.SetLoginPrompt(kAskForLogin);
     run.database.SetConnected(false);
     run.database.SetConnectionString(connection);
     run.database.SetConnected(true);
@@ -66,11 +69,11 @@ bool PrepareTemplate(ReportRun& run, const ReportState& state, std::string& last
 void RenderReport(ReportRun& run, ReportState& state) {
   if (IsExactlyTrue(state.DesigbeMode)) run.OpenDesigner();
   if (IsExactlyTrue(state.RptPrint)) {
-    run.PrepareReport(true);
+    run.PrepareReport(kClearPreviousPages);
     run.PrintPrepared();
   } else if (IsExactlyTrue(state.RptPDF)) {
     if (state.PDFPath.empty()) state.PDFPath = state.AppPath + "\\export.pdf";
-    run.PrepareReport(true);
+    run.PrepareReport(kClearPreviousPages);
     run.ExportPdf(state.PDFPath);
   } else {
     run.ShowPreview();

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <type_traits>
 
 #include "component/report_state.h"
 #include "data/open_rs.h"
@@ -27,21 +28,11 @@ struct PrintSteps {
   static void Release(CRepoter& r) { r.ReleaseRun(); }
 };
 
-// The documents whose SQL the component writes: prepare, set the picture "logo" when given, give
-// query "query" the SQL, render, release. The query is not tested for presence.
-inline void PrintWithSql(CRepoter& rep, const char* query, const std::string& sql,
-                         const std::string* logo = nullptr);
-
 // An id as SQL text: plain decimal digits, a minus sign for negatives, no blanks.
 inline std::string Digits(int64_t id) { return std::to_string(id); }
 
 // A picture path as a template variable value: between quote characters, as it is.
 inline std::string Quoted(const std::string& path) { return "\"" + path + "\""; }
-
-// Sets the picture variable "Company"/"name" ("logo", "qrcode", "picpath").
-inline void SetPicture(engine::ReportRun& run, const char* name, const std::string& path) {
-  run.SetTemplateVariable("Company", name, Quoted(path));
-}
 
 // A settings flag: blanks trimmed, upper-cased, equal to "Y". A NULL is never "Y".
 inline bool IsYes(const data::Value& value) {
@@ -67,20 +58,90 @@ inline std::string DateText(Date date, const char* picture) {
 // The process's "temp" environment variable, empty when unset.
 inline std::string TempFolder() { return CurrentPlatform()->Environment("temp").value_or(""); }
 
-inline void PrintWithSql(CRepoter& rep, const char* query, const std::string& sql,
-                         const std::string* logo) {
-  engine::ReportRun& run = PrintSteps::Run(rep);
-  std::string& buffer = PrintSteps::TextBuffer(rep);
-  if (!PrintSteps::Prepare(rep)) return;
-  if (logo != nullptr) SetPicture(run, "logo", *logo);
-  run.query = run.LocateQuery(query);
-  buffer = sql;
-  run.query.SetQueryText(buffer);
-  run.database = {};
-  run.query = {};
-  PrintSteps::Render(rep);
-  PrintSteps::Release(rep);
-}
+// The pokes of one print run, from the prepared template to its release. Each verb's name says
+// what a template without the component does to the method:
+//  - Require…: the component is used without a test, so its absence is the engine's error; it
+//    reaches the host, and nothing is rendered or released.
+//  - …OrSkip: the component is tested for; when it is absent, the pokes after it and the rendering
+//    are skipped without a word, and the method still releases.
+// The references a verb takes are dropped by the verb itself or before rendering.
+class TemplatePokes {
+ public:
+  explicit TemplatePokes(CRepoter& rep) : rep_(rep), run_(PrintSteps::Run(rep)) {}
+
+  // PrepareTemplate on the template the report state names. False when it failed and showed
+  // why; the method then returns at once, without release.
+  bool Prepare() { return PrintSteps::Prepare(rep_); }
+
+  // Sets the text of memo "memo".
+  void RequireMemo(const char* memo, const std::string& text) {
+    if (skipped_) return;
+    run_.memo = run_.LocateMemo(memo);
+    run_.memo.SetMemoText(text);
+    run_.memo = {};
+  }
+
+  // The same with a text made after the memo is found, as when it reads the database: a failing
+  // read then fails after the lookup, as the document's steps have it.
+  template <typename MakeText>
+  requires std::is_invocable_r_v<std::string, MakeText>
+  void RequireMemo(const char* memo, MakeText make_text) {
+    if (skipped_) return;
+    run_.memo = run_.LocateMemo(memo);
+    run_.memo.SetMemoText(make_text());
+    run_.memo = {};
+  }
+
+  // Gives query "query" its SQL.
+  void RequireQuerySql(const char* query, const std::string& sql) {
+    if (skipped_) return;
+    run_.query = run_.LocateQuery(query);
+    run_.query.SetQueryText(sql);
+  }
+
+  // Sets the picture variable "Company"/"name" ("logo", "qrcode", "picpath") to the quoted path.
+  void RequirePicture(const char* name, const std::string& path) {
+    if (skipped_) return;
+    run_.SetTemplateVariable("Company", name, Quoted(path));
+  }
+
+  // Finds query "query", whose parameters the next verbs set.
+  void QueryOrSkip(const char* query) {
+    if (skipped_) return;
+    run_.query = run_.LocateQuery(query);
+    skipped_ = !run_.query;
+  }
+
+  // Sets parameter "name" of the query found last.
+  void RequireParameter(const char* name, const engine::ParameterValue& value) {
+    if (skipped_) return;
+    run_.param = run_.query.GetQueryParameter(name);
+    run_.param.SetParameterValue(value);
+  }
+
+  void ParameterOrSkip(const char* name, const engine::ParameterValue& value) {
+    if (skipped_) return;
+    run_.param = run_.query.GetQueryParameter(name);
+    skipped_ = !run_.param;
+    if (!skipped_) run_.param.SetParameterValue(value);
+  }
+
+  // Drops the component references and renders, unless a lookup skipped.
+  void RenderUnlessSkipped() {
+    if (skipped_) return;
+    run_.param = {};
+    run_.database = {};
+    run_.query = {};
+    PrintSteps::Render(rep_);
+  }
+
+  void Release() { PrintSteps::Release(rep_); }
+
+ private:
+  CRepoter& rep_;
+  engine::ReportRun& run_;
+  bool skipped_ = false;
+};
 
 // Closes a recordset the method opened, when it is open.
 inline void CloseIfOpen(data::Recordset& rs) {

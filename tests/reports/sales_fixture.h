@@ -1,5 +1,6 @@
 // A print-method test bench: a real SQLite database, a template folder, a scripted engine that
-// knows every template the sales methods load, the recording platform and the trace.
+// knows every template of the catalogue, each with every component the catalogue names, the
+// recording platform and the trace.
 #ifndef VANTOREL_TESTS_REPORTS_SALES_FIXTURE_H_
 #define VANTOREL_TESTS_REPORTS_SALES_FIXTURE_H_
 
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "engine/scripted_engine.h"
+#include "reports/catalogue.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
@@ -19,63 +21,26 @@ namespace vantorel::testing {
 
 using engine::ComponentKind;
 
-inline const char* const kSalesTemplates[] = {"challancus",
-                                              "chlgatepass",
-                                              "receipt",
-                                              "enqgroupwise",
-                                              "enqpending",
-                                              "enqbooking",
-                                              "recregister",
-                                              "vehpurbill",
-                                              "vehpurbillgst",
-                                              "vintrf",
-                                              "vehbtprint",
-                                              "vehinvoice",
-                                              "vehinvoicewith21",
-                                              "vehinvoicesingle",
-                                              "vehinvoicehero",
-                                              "vehinvoiceherosubdealer",
-                                              "gstvehinvoicesingle",
-                                              "cycleinvoice",
-                                              "gstvehinvoicehero",
-                                              "gstvehinvoiceherosubdealer",
-                                              "gstvehinvoice",
-                                              "gstvehinvoicewith21",
-                                              "vehinvoicesub",
-                                              "gstvehinvoicesub",
-                                              "cycleinvoicesub",
-                                              "vehsubpackinglist",
-                                              "einvoicevehicle",
-                                              "challansub",
-                                              "prorc",
-                                              "vehgatepass",
-                                              "cyclegatepass",
-                                              "decform",
-                                              "vehsticker",
-                                              "vehsaleletter",
-                                              "cyclesaleletter",
-                                              "form22",
-                                              "hsrp",
-                                              "tempcert",
-                                              "tempcertsingle",
-                                              "wrc",
-                                              "bulkreceipt",
-                                              "bulkreceiptdetail"};
+// Every template the catalogued print methods load.
+inline std::vector<std::string> CatalogueTemplates() {
+  std::vector<std::string> names;
+  for (const PrintMethodFacts& method : PrintMethodCatalogue()) {
+    names.insert(names.end(), method.templates.begin(), method.templates.end());
+  }
+  return names;
+}
 
-// Every component any sales method pokes.
+// Every component any catalogued method pokes, and the database every template has.
 inline engine::ScriptedEngine::Template FullTemplate() {
   engine::ScriptedEngine::Template t;
-  for (const char* memo : {"WORDS", "WAMT", "WAMT1", "AMT", "inwords", "Memo2"}) {
-    t.components[memo] = ComponentKind::kMemo;
-  }
-  for (const char* query : {"Q_CHL", "Q_INV", "Q_PM", "q_pm", "q_rt", "enq", "mst"}) {
-    t.components[query] = ComponentKind::kQuery;
+  for (const PrintMethodFacts& method : PrintMethodCatalogue()) {
+    for (const Use& memo : method.memos) t.components[memo.name] = ComponentKind::kMemo;
+    for (const QueryUse& query : method.queries) {
+      t.components[query.name] = ComponentKind::kQuery;
+      for (const Use& param : query.parameters) t.parameters[query.name].insert(param.name);
+    }
   }
   t.components["DMSDB"] = ComponentKind::kDatabase;
-  t.parameters["Q_INV"] = {"ID", "XNO", "xid"};
-  t.parameters["q_pm"] = {"tid", "fromdate", "todate"};
-  t.parameters["q_rt"] = {"id"};
-  t.parameters["mst"] = {"coid"};
   return t;
 }
 
@@ -95,9 +60,9 @@ class SalesTest : public ::testing::Test {
       insert into purdata values (21, null, 1, 60000, 5000, null), (22, null, 1, 45000, null, null),
                                  (-5, null, 1, 100, null, null), (0, 31, 1, null, null, 2500.75);
     )");
-    for (const char* name : kSalesTemplates) {
+    for (const std::string& name : CatalogueTemplates()) {
       engine_->AddTemplate(name, FullTemplate());
-      dir_.Write(std::string("reports/") + name + ".fr3", "template");
+      dir_.Write("reports/" + name + ".fr3", "template");
     }
     rep_.put_ReportPath(dir_.folder() + "reports/");
     rep_.put_DbConnectstring(db_);

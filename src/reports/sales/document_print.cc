@@ -1,5 +1,5 @@
 // The customer delivery challan and the money receipt: the two documents every other print
-// method is modelled on.
+// method is modelled on, each its own procedure.
 #include "reports/print_steps.h"
 
 namespace vantorel {
@@ -12,7 +12,7 @@ constexpr const char* kGatePassSetting =
 
 void CRepoter::Challan_Customer(int16_t Cid, const std::string& LogoFile) {
   ReportState& state = ThreadReportState();
-  engine::ReportRun& run = PrintSteps::Run(*this);
+  TemplatePokes pokes(*this);
   state.RptName = "challancus";
   if (!(Cid > 0)) return;
   data::Recordset rs;
@@ -21,26 +21,24 @@ void CRepoter::Challan_Customer(int16_t Cid, const std::string& LogoFile) {
   if (rs.RecordCount() > 0 && IsYes(rs.Fields(0).Value())) state.RptName = "chlgatepass";
   data::OpenRs("select * from challan where id=" + Digits(Cid), rs, state.DbConnectstring);
   if (rs.RecordCount() >= 1) {
-    if (!PrintSteps::Prepare(*this)) return;
-    run.memo = run.LocateMemo("WORDS");
-    run.memo.SetMemoText("RUPEES : " + AmountInWords(LeadingAmount(rs.Fields("Amt").Value())));
-    SetPicture(run, "logo", LogoFile);
-    run.memo = {};
-    run.query = run.LocateQuery("Q_CHL");
-    run.query.SetQueryText("SELECT * FROM VU_CHALLAN WHERE id=" + Digits(Cid) + " AND TYPE='C'");
-    run.database = {};
-    run.query = {};
-    PrintSteps::Render(*this);
+    if (!pokes.Prepare()) return;
+    pokes.RequireMemo("WORDS", [&] {
+      return "RUPEES : " + AmountInWords(LeadingAmount(rs.Fields("Amt").Value()));
+    });
+    pokes.RequirePicture("logo", LogoFile);
+    pokes.RequireQuerySql("Q_CHL",
+                          "SELECT * FROM VU_CHALLAN WHERE id=" + Digits(Cid) + " AND TYPE='C'");
+    pokes.RenderUnlessSkipped();
   } else {
     ShowMessage("Challan Id [" + Digits(Cid) + "] not found", MessageIcon::kCritical);
   }
   CloseIfOpen(rs);
-  PrintSteps::Release(*this);
+  pokes.Release();
 }
 
 void CRepoter::ReceiptPrint(int16_t RecId) {
   ReportState& state = ThreadReportState();
-  engine::ReportRun& run = PrintSteps::Run(*this);
+  TemplatePokes pokes(*this);
   std::string& words = PrintSteps::TextBuffer(*this);
   // The amount is read before the id is looked at, for every id.
   data::Recordset rs;
@@ -48,22 +46,12 @@ void CRepoter::ReceiptPrint(int16_t RecId) {
   words = AmountInWords(data::ToDouble(rs.Fields(0).Value()));
   state.RptName = "receipt";
   if (!(RecId > 0)) return;
-  if (!PrintSteps::Prepare(*this)) return;
-  run.memo = run.LocateMemo("inwords");
-  run.memo.SetMemoText("(AMOUNT IN WORDS RUPEES " + words + ")");
-  run.memo = {};
-  run.query = run.LocateQuery("q_rt");
-  if (run.query) {
-    run.param = run.query.GetQueryParameter("id");
-    if (run.param) {
-      run.param.SetParameterValue({RecId});
-      run.param = {};
-      run.database = {};
-      run.query = {};
-      PrintSteps::Render(*this);
-    }
-  }
-  PrintSteps::Release(*this);
+  if (!pokes.Prepare()) return;
+  pokes.RequireMemo("inwords", "(AMOUNT IN WORDS RUPEES " + words + ")");
+  pokes.QueryOrSkip("q_rt");
+  pokes.ParameterOrSkip("id", {RecId});
+  pokes.RenderUnlessSkipped();
+  pokes.Release();
 }
 
 }  // namespace vantorel

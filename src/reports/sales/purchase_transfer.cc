@@ -3,51 +3,71 @@
 #include "reports/print_steps.h"
 
 namespace vantorel {
+namespace {
+
+// What one of these documents differs in.
+struct TransferDocument {
+  const char* template_name;
+  bool id_accepted;                 // the document's id guard, evaluated
+  bool named_before_guard = false;  // a refused call still leaves the template name
+  std::string sql;                  // the SQL of "q_pm", when the document writes it
+  bool by_tid_parameter = false;    // else: the id goes to the parameter "tid" of "q_pm"
+};
+
+void PrintTransferDocument(CRepoter& rep, int16_t xid, const TransferDocument& document) {
+  ReportState& state = ThreadReportState();
+  if (document.named_before_guard) state.RptName = document.template_name;
+  if (!document.id_accepted) return;
+  state.RptName = document.template_name;
+  TemplatePokes pokes(rep);
+  if (!pokes.Prepare()) return;
+  if (document.by_tid_parameter) {
+    pokes.QueryOrSkip("q_pm");
+    pokes.ParameterOrSkip("tid", {xid});
+  } else {
+    std::string& sql = PrintSteps::TextBuffer(rep);
+    sql = document.sql;
+    pokes.RequireQuerySql("q_pm", sql);
+  }
+  pokes.RenderUnlessSkipped();
+  pokes.Release();
+}
+
+}  // namespace
 
 void CRepoter::VehPurBill(int16_t Xid) {
-  if (!(Xid > 0)) return;
-  ThreadReportState().RptName = "vehpurbill";
-  PrintWithSql(*this, "q_pm",
-               std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town from purchase p,"
-                           "fa_acmaster ") +
-                   "Where p.supid = am_id and p.id=" + Digits(Xid));
+  PrintTransferDocument(
+      *this, Xid,
+      {.template_name = "vehpurbill",
+       .id_accepted = Xid > 0,
+       .sql = std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town from purchase p,"
+                          "fa_acmaster ") +
+              "Where p.supid = am_id and p.id=" + Digits(Xid)});
 }
 
 void CRepoter::VehPurBillGST(int16_t Xid) {
-  if (!(Xid > 0)) return;
-  ThreadReportState().RptName = "vehpurbillgst";
-  PrintWithSql(*this, "q_pm",
-               std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town,am_gst from "
-                           "purchase p,fa_acmaster ") +
-                   "Where p.supid = am_id and p.id=" + Digits(Xid));
+  PrintTransferDocument(
+      *this, Xid,
+      {.template_name = "vehpurbillgst",
+       .id_accepted = Xid > 0,
+       .sql = std::string("select p.*,am_name,am_add1,am_add2,am_add3,am_town,am_gst from "
+                          "purchase p,fa_acmaster ") +
+              "Where p.supid = am_id and p.id=" + Digits(Xid)});
 }
 
 void CRepoter::VinTrf(int16_t Xid) {
-  if (!(Xid > 0)) return;
-  engine::ReportRun& run = PrintSteps::Run(*this);
-  ThreadReportState().RptName = "vintrf";
-  if (!PrintSteps::Prepare(*this)) return;
-  run.query = run.LocateQuery("q_pm");
-  if (run.query) {
-    run.param = run.query.GetQueryParameter("tid");
-    if (run.param) {
-      run.param.SetParameterValue({Xid});
-      run.param = {};
-      run.database = {};
-      PrintSteps::Render(*this);
-    }
-  }
-  PrintSteps::Release(*this);
+  PrintTransferDocument(
+      *this, Xid, {.template_name = "vintrf", .id_accepted = Xid > 0, .by_tid_parameter = true});
 }
 
 void CRepoter::VehBtPrint(int16_t Xid) {
-  // The name is set before the guard: a refused call still leaves it.
-  ThreadReportState().RptName = "vehbtprint";
-  if (Xid == 0) return;
-  PrintWithSql(*this, "q_pm",
-               "select BV.*,am_name,am_town from btmstveh bv ,fa_acmaster where bv.btto=am_id "
-               "and id=" +
-                   Digits(Xid));
+  PrintTransferDocument(*this, Xid,
+                        {.template_name = "vehbtprint",
+                         .id_accepted = Xid != 0,
+                         .named_before_guard = true,
+                         .sql = "select BV.*,am_name,am_town from btmstveh bv ,fa_acmaster where "
+                                "bv.btto=am_id and id=" +
+                                Digits(Xid)});
 }
 
 }  // namespace vantorel

@@ -9,69 +9,67 @@ namespace {
 std::string TitleDate(Date date) { return FormatDate(date, "dd-mm-yyyy", '-'); }
 std::string SqlDate(Date date) { return DateText(date, "YYYY/MM/DD"); }
 
-std::string EnquiryRange(Date from, Date to) {
-  return "select * from enqdata where  enq_date>='" + SqlDate(from) + "' " + "and enq_date<='" +
-         SqlDate(to) + "'";
+std::string DateRangeTitle(Date from, Date to) {
+  return " from " + TitleDate(from) + " TO " + TitleDate(to);
 }
 
-// The three enquiry registers: a title in "Memo2", the rows by the SQL of query "enq".
-void PrintEnquiryRegister(CRepoter& rep, Date from, Date to, const char* template_name,
-                          const std::string& title, const std::string& sql_tail) {
+// What one enquiry register differs in.
+struct EnquiryRegister {
+  const char* template_name;
+  std::string title;     // the title of memo "Memo2", before its date range
+  std::string sql_tail;  // what the SQL of query "enq" adds to the date range
+};
+
+void PrintEnquiryRegister(CRepoter& rep, Date from, Date to, const EnquiryRegister& form) {
   if (!from.IsValid() || !to.IsValid()) return;
-  engine::ReportRun& run = PrintSteps::Run(rep);
+  TemplatePokes pokes(rep);
   std::string& sql = PrintSteps::TextBuffer(rep);
-  ThreadReportState().RptName = template_name;
-  if (!PrintSteps::Prepare(rep)) return;
-  run.memo = run.LocateMemo("Memo2");
-  run.memo.SetMemoText(title + " from " + TitleDate(from) + " TO " + TitleDate(to));
-  run.memo = {};
-  run.query = run.LocateQuery("enq");
-  sql = EnquiryRange(from, to) + sql_tail;
-  run.query.SetQueryText(sql);
-  run.database = {};
-  run.query = {};
-  PrintSteps::Render(rep);
-  PrintSteps::Release(rep);
+  ThreadReportState().RptName = form.template_name;
+  if (!pokes.Prepare()) return;
+  pokes.RequireMemo("Memo2", form.title + DateRangeTitle(from, to));
+  sql = "select * from enqdata where  enq_date>='" + SqlDate(from) + "' " + "and enq_date<='" +
+        SqlDate(to) + "'" + form.sql_tail;
+  pokes.RequireQuerySql("enq", sql);
+  pokes.RenderUnlessSkipped();
+  pokes.Release();
 }
 
 }  // namespace
 
 void CRepoter::EnqGroupwise(Date FoDate, Date Tdate) {
-  PrintEnquiryRegister(*this, FoDate, Tdate, "enqgroupwise", "Enquiry Register Group wise",
-                       " order by enq_model,enq_date,enq_id ");
+  PrintEnquiryRegister(*this, FoDate, Tdate,
+                       {.template_name = "enqgroupwise",
+                        .title = "Enquiry Register Group wise",
+                        .sql_tail = " order by enq_model,enq_date,enq_id "});
 }
 
 void CRepoter::EnqPending(Date FoDate, Date Tdate, int16_t Yn) {
   // Status 1 is a matured enquiry; every other code is titled pending and filtered as given.
-  PrintEnquiryRegister(*this, FoDate, Tdate, "enqpending",
-                       std::string(Yn == 1 ? "Matured" : "Pending") + " Enquiry Register",
-                       " and enq_status=" + Digits(Yn) + " order by enq_id ");
+  PrintEnquiryRegister(*this, FoDate, Tdate,
+                       {.template_name = "enqpending",
+                        .title = std::string(Yn == 1 ? "Matured" : "Pending") + " Enquiry Register",
+                        .sql_tail = " and enq_status=" + Digits(Yn) + " order by enq_id "});
 }
 
 void CRepoter::EnqBooking(Date FoDate, Date Tdate) {
-  PrintEnquiryRegister(*this, FoDate, Tdate, "enqbooking", "Enquiry Booking Register",
-                       " and enq_booking=1 order by enq_id ");
+  PrintEnquiryRegister(*this, FoDate, Tdate,
+                       {.template_name = "enqbooking",
+                        .title = "Enquiry Booking Register",
+                        .sql_tail = " and enq_booking=1 order by enq_id "});
 }
 
+// Named before its date test, and selected by two date parameters of a query it tests for.
 void CRepoter::RecRegister(Date Fdate, Date Tdate) {
-  engine::ReportRun& run = PrintSteps::Run(*this);
+  TemplatePokes pokes(*this);
   ThreadReportState().RptName = "recregister";
   if (!Fdate.IsValid() || !Tdate.IsValid()) return;
-  if (!PrintSteps::Prepare(*this)) return;
-  run.memo = run.LocateMemo("Memo2");
-  run.memo.SetMemoText("Receipts Register from " + TitleDate(Fdate) + " TO " + TitleDate(Tdate));
-  run.memo = {};
-  run.query = run.LocateQuery("q_pm");
-  if (run.query) {
-    run.param = run.query.GetQueryParameter("fromdate");
-    run.param.SetParameterValue({Fdate});
-    run.param = run.query.GetQueryParameter("todate");
-    run.param.SetParameterValue({Tdate});
-    run.database = {};
-    run.query = {};
-    PrintSteps::Render(*this);
-  }
-  PrintSteps::Release(*this);
+  if (!pokes.Prepare()) return;
+  pokes.RequireMemo("Memo2", "Receipts Register" + DateRangeTitle(Fdate, Tdate));
+  pokes.QueryOrSkip("q_pm");
+  pokes.RequireParameter("fromdate", {Fdate});
+  pokes.RequireParameter("todate", {Tdate});
+  pokes.RenderUnlessSkipped();
+  pokes.Release();
 }
 
 }  // namespace vantorel

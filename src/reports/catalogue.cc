@@ -1,0 +1,313 @@
+#include "reports/catalogue.h"
+
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+namespace vantorel {
+namespace {
+
+constexpr Lookup kChecked = Lookup::kChecked;
+
+// The queries the families share: the SQL of an invoice in "Q_INV" (dealer forms, delivery
+// documents) or "Q_PM" (sub-dealer forms); delivery documents selected by parameters of "Q_INV"
+// when the template has it.
+std::vector<QueryUse> Sql(const char* query) { return {{.name = query, .sql = true}}; }
+
+std::vector<QueryUse> DeliveryParameters(std::vector<Use> parameters) {
+  return {{.name = "Q_INV", .lookup = Lookup::kChecked, .parameters = std::move(parameters)}};
+}
+
+// A function's static, so that tests instantiated before main() find it built.
+const std::vector<PrintMethodFacts>& Catalogue() {
+  static const std::vector<PrintMethodFacts> catalogue = {
+      // The two model documents.
+      {.method = "Challan_Customer",
+       .templates = {"challancus", "chlgatepass"},
+       .memos = {"WORDS"},
+       .queries = {{.name = "Q_CHL", .sql = true}},
+       .pictures = {"logo"},
+       .examples = {{"challan-gatepass", "chlgatepass", "{challan_customer_id} {logo}"},
+                    {"challan", "challancus", "{challan_customer_id} {logo}"}}},
+      {.method = "ReceiptPrint",
+       .templates = {"receipt"},
+       .memos = {"inwords"},
+       .queries = {{.name = "q_rt", .lookup = kChecked, .parameters = {{"id", kChecked}}}},
+       .examples = {{"receipt", "receipt", "{receipt_id}"}}},
+
+      // Registers.
+      {.method = "EnqGroupwise",
+       .templates = {"enqgroupwise"},
+       .memos = {"Memo2"},
+       .queries = {{.name = "enq", .sql = true}},
+       .examples = {{"enquiry-groupwise", "enqgroupwise", "{enquiry_from} {enquiry_to}"}}},
+      {.method = "EnqPending",
+       .templates = {"enqpending"},
+       .memos = {"Memo2"},
+       .queries = {{.name = "enq", .sql = true}},
+       .examples = {{"enquiry-matured", "enqpending", "{enquiry_from} {enquiry_to} 1"},
+                    {"enquiry-pending", "enqpending", "{enquiry_from} {enquiry_to} 0"}}},
+      {.method = "EnqBooking",
+       .templates = {"enqbooking"},
+       .memos = {"Memo2"},
+       .queries = {{.name = "enq", .sql = true}},
+       .examples = {{"enquiry-booking", "enqbooking", "{enquiry_from} {enquiry_to}"}}},
+      {.method = "RecRegister",
+       .templates = {"recregister"},
+       .memos = {"Memo2"},
+       .queries = {{.name = "q_pm", .lookup = kChecked, .parameters = {"fromdate", "todate"}}},
+       .examples = {{"receipt-register", "recregister", "{receipt_from} {receipt_to}"}}},
+
+      // Purchases and transfers.
+      {.method = "VehPurBill",
+       .templates = {"vehpurbill"},
+       .queries = {{.name = "q_pm", .sql = true}},
+       .examples = {{"purchase-bill", "vehpurbill", "{purchase_id}"}}},
+      {.method = "VehPurBillGST",
+       .templates = {"vehpurbillgst"},
+       .queries = {{.name = "q_pm", .sql = true}},
+       .examples = {{"purchase-bill-gst", "vehpurbillgst", "{purchase_id}"}}},
+      {.method = "VinTrf",
+       .templates = {"vintrf"},
+       .queries = {{.name = "q_pm", .lookup = kChecked, .parameters = {{"tid", kChecked}}}},
+       .examples = {{"vehicle-transfer", "vintrf", "{vintrf_id}"}}},
+      {.method = "VehBtPrint",
+       .templates = {"vehbtprint"},
+       .queries = {{.name = "q_pm", .sql = true}},
+       .examples = {{"branch-transfer", "vehbtprint", "{branch_transfer_id}"}}},
+
+      // Invoices.
+      {.method = "VehInvoice2in1",
+       .templates = {"vehinvoice"},
+       .memos = {"WAMT", "WAMT1"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"invoice-2in1", "vehinvoice", "{invoice_id}"}}},
+      {.method = "VehInvoicewith21",
+       .templates = {"vehinvoicewith21"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"invoice-with21", "vehinvoicewith21", "{invoice_id}"}}},
+      {.method = "VehInvoiceSingle",
+       .templates = {"vehinvoicesingle"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"invoice-single", "vehinvoicesingle", "{invoice_id}"}}},
+      {.method = "VehInvoiceHero",
+       .templates = {"vehinvoicehero"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"invoice-hero", "vehinvoicehero", "{hero_invoice_id}"}}},
+      {.method = "VehInvoiceHeroSubdealer",
+       .templates = {"vehinvoiceherosubdealer"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"invoice-hero-subdealer", "vehinvoiceherosubdealer",
+                     "{hero_subdealer_invoice_id}"}}},
+      {.method = "GSTVehInvoiceSingle",
+       .templates = {"gstvehinvoicesingle"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"gst-invoice-single", "gstvehinvoicesingle", "{invoice_subsidy_id} {logo}"}}},
+      {.method = "CycleInvoice",
+       .templates = {"cycleinvoice"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"cycle-invoice", "cycleinvoice", "{cycle_invoice_id} {logo}"}}},
+      {.method = "GSTVehInvoiceHero",
+       .templates = {"gstvehinvoicehero"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"gst-invoice-hero", "gstvehinvoicehero", "{hero_invoice_id}"}}},
+      {.method = "GSTVehInvoiceHeroSubdealer",
+       .templates = {"gstvehinvoiceherosubdealer"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"gst-invoice-hero-subdealer", "gstvehinvoiceherosubdealer",
+                     "{hero_subdealer_invoice_id}"}}},
+      {.method = "GSTVehInvoice2in1",
+       .templates = {"gstvehinvoice"},
+       .memos = {"WAMT", "WAMT1"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"gst-invoice-2in1", "gstvehinvoice", "{invoice_id} {logo}"}}},
+      {.method = "GSTVehInvoicewith21",
+       .templates = {"gstvehinvoicewith21"},
+       .memos = {"WAMT"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"gst-invoice-with21", "gstvehinvoicewith21",
+                     "{invoice_after_revision_id} {logo}"}}},
+      {.method = "VehInvoiceSubDealer",
+       .templates = {"vehinvoicesub"},
+       .memos = {"AMT"},
+       .queries = Sql("Q_PM"),
+       .examples = {{"invoice-subdealer", "vehinvoicesub", "{subdealer_invoice_id}"}}},
+      {.method = "GSTVehInvoiceSubDealer",
+       .templates = {"gstvehinvoicesub"},
+       .memos = {"AMT"},
+       .queries = Sql("Q_PM"),
+       .pictures = {"logo"},
+       .examples = {{"gst-invoice-subdealer", "gstvehinvoicesub",
+                     "{subdealer_igst_invoice_id} {logo}"}}},
+      {.method = "CycleInvoiceSubDealer",
+       .templates = {"cycleinvoicesub"},
+       .memos = {"AMT"},
+       .queries = Sql("Q_PM"),
+       .pictures = {"logo"},
+       .examples = {{"cycle-invoice-subdealer", "cycleinvoicesub",
+                     "{cycle_subdealer_invoice_id} {logo}"}}},
+      {.method = "VehSubDealerPackingList",
+       .templates = {"vehsubpackinglist"},
+       .memos = {"AMT"},
+       .queries = Sql("Q_PM"),
+       .examples = {{"packing-list", "vehsubpackinglist", "{packing_list_id}"}}},
+      {.method = "EInvoiceVehicle",
+       .templates = {"einvoicevehicle"},
+       .memos = {"AMT"},
+       .queries = Sql("Q_PM"),
+       .pictures = {"logo", "qrcode"},
+       .examples = {{"einvoice", "einvoicevehicle", "{einvoice_id} {logo} {qr}"}}},
+
+      // Delivery documents.
+      {.method = "ChallanSub",
+       .templates = {"challansub"},
+       .memos = {"AMT"},
+       .queries = {{.name = "q_pm", .sql = true}},
+       .pictures = {"logo"},
+       .examples = {{"challan-subdealer", "challansub", "{challan_sub_id} {logo}"}}},
+      {.method = "ProVisionalRc",
+       .templates = {"prorc"},
+       .queries = DeliveryParameters({"ID"}),
+       .examples = {{"provisional-rc", "prorc", "{prorc_invoice_id}"}}},
+      {.method = "VehGatePass",
+       .templates = {"vehgatepass"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"gate-pass", "vehgatepass", "{gatepass_invoice_id}"}}},
+      {.method = "CycleGatePass",
+       .templates = {"cyclegatepass"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"cycle-gate-pass", "cyclegatepass", "{cycle_invoice_id} {logo}"}}},
+      {.method = "DecForm",
+       .templates = {"decform"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"declaration", "decform", "{invoice_id}"}}},
+      {.method = "VehSticker",
+       .templates = {"vehsticker"},
+       .queries = DeliveryParameters({"ID", "XNO"}),
+       .pictures = {"picpath"},
+       .examples = {{"stickers", "vehsticker", "{sticker_invoice_id} 4"}}},
+      {.method = "VehSaleLetter",
+       .templates = {"vehsaleletter"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"sale-letter", "vehsaleletter", "{invoice_id}"}}},
+      {.method = "CycleSaleLetter",
+       .templates = {"cyclesaleletter"},
+       .queries = Sql("Q_INV"),
+       .pictures = {"logo"},
+       .examples = {{"cycle-sale-letter", "cyclesaleletter", "{cycle_invoice_id} {logo}"}}},
+      {.method = "VehForm22",
+       .templates = {"form22"},
+       .queries = DeliveryParameters({"xid"}),
+       .examples = {{"form22", "form22", "{form22_invoice_id}"}}},
+      {.method = "VehHSRP",
+       .templates = {"hsrp"},
+       .queries = DeliveryParameters({"xid"}),
+       .examples = {{"hsrp", "hsrp", "{hsrp_invoice_id}"}}},
+      {.method = "VehTempCertificate",
+       .templates = {"tempcert", "tempcertsingle"},
+       .queries = Sql("Q_INV"),
+       .examples = {{"temp-certificate-single", "tempcertsingle", "{temp_tline} Y"},
+                    {"temp-certificate", "tempcert", "{temp_tline} N"}}},
+
+      // Firm document and bulk receipts.
+      {.method = "Wrc",
+       .templates = {"wrc"},
+       .queries = {{.name = "mst", .lookup = kChecked, .parameters = {"coid"}}},
+       .examples = {{"firm", "wrc", ""}}},
+      {.method = "BulkReceiptPrint",
+       .templates = {"bulkreceipt", "bulkreceiptdetail"},
+       .queries = {{.name = "q_rt", .lookup = kChecked, .parameters = {{"id", kChecked}}}},
+       .examples = {{"bulk-receipt", "bulkreceipt", "{bulk_receipt_id} R"},
+                    {"bulk-receipt-detail", "bulkreceiptdetail", "{bulk_receipt_id} D"}}},
+  };
+  return catalogue;
+}
+
+}  // namespace
+
+std::span<const PrintMethodFacts> PrintMethodCatalogue() { return Catalogue(); }
+
+const PrintMethodFacts* FindPrintMethod(std::string_view method) {
+  for (const PrintMethodFacts& facts : Catalogue()) {
+    if (method == facts.method) return &facts;
+  }
+  return nullptr;
+}
+
+const PrintMethodFacts* FindTemplateUser(std::string_view template_name) {
+  for (const PrintMethodFacts& facts : Catalogue()) {
+    for (const char* name : facts.templates) {
+      if (template_name == name) return &facts;
+    }
+  }
+  return nullptr;
+}
+
+std::vector<std::string> ExampleArguments(const ExampleCall& call,
+                                          const std::map<std::string, std::string>& values) {
+  std::vector<std::string> arguments;
+  std::istringstream words(call.arguments);
+  std::string word;
+  while (words >> word) {
+    for (size_t open = word.find('{'); open != std::string::npos; open = word.find('{', open)) {
+      const size_t close = word.find('}', open);
+      if (close == std::string::npos) break;
+      const std::string key = word.substr(open + 1, close - open - 1);
+      const auto value = values.find(key);
+      if (value == values.end()) throw std::out_of_range("no value for {" + key + "}");
+      word.replace(open, close - open + 1, value->second);
+      open += value->second.size();
+    }
+    arguments.push_back(word);
+  }
+  return arguments;
+}
+
+namespace {
+
+std::string Named(const char* name, Lookup lookup) {
+  return std::string("`") + name + "`" + (lookup == Lookup::kChecked ? " (checked)" : "");
+}
+
+template <typename T, typename F>
+std::string Joined(const std::vector<T>& items, F text) {
+  std::string joined;
+  for (const T& item : items) joined += (joined.empty() ? "" : ", ") + text(item);
+  return joined;
+}
+
+}  // namespace
+
+std::string CatalogueTable() {
+  std::string table =
+      "| Method | Templates | Memos | Queries | Pictures |\n"
+      "|---|---|---|---|---|\n";
+  for (const PrintMethodFacts& method : Catalogue()) {
+    auto use = [](const Use& u) { return Named(u.name, u.lookup); };
+    auto query = [&](const QueryUse& q) {
+      std::string text = Named(q.name, q.lookup) + (q.sql ? " SQL" : "");
+      if (!q.parameters.empty()) text += ": " + Joined(q.parameters, use);
+      return text;
+    };
+    table += std::string("| `") + method.method + "` | " +
+             Joined(method.templates, [](const char* t) { return std::string(t); }) + " | " +
+             Joined(method.memos, use) + " | " + Joined(method.queries, query) + " | " +
+             Joined(method.pictures, use) + " |\n";
+  }
+  return table;
+}
+
+}  // namespace vantorel
