@@ -11,6 +11,9 @@
 namespace vantorel::report {
 namespace {
 
+// The tallest band the rules treat as a table row.
+constexpr double kMaxRowHeightMm = 20;
+
 // "points" in millimetres, to one decimal.
 std::string Millimetres(float points) {
   char text[32];
@@ -31,7 +34,9 @@ std::string_view Trimmed(std::string_view text) {
 // A numeric display pattern and the widest value it writes.
 struct NumberFormat {
   std::string pattern;
-  bool amount = false;  // two decimals; otherwise a quantity
+  // Two decimals with digit grouping: an amount; two decimals without: a rate in per cent;
+  // otherwise a quantity.
+  enum class Kind { kAmount, kRate, kQuantity } kind = Kind::kQuantity;
   std::string widest;   // the widest value as the pattern writes it
 };
 
@@ -53,10 +58,16 @@ std::optional<NumberFormat> NumericPattern(std::string_view pattern) {
       ++decimals;
     }
   }
-  NumberFormat format{std::string(pattern), decimals == 2, {}};
-  format.widest = expr::FormatValue(
-      expr::Value::Number(*expr::Decimal::Parse(format.amount ? kWidestAmount : kWidestQuantity)),
-      pattern);
+  NumberFormat format{std::string(pattern), NumberFormat::Kind::kQuantity, {}};
+  const char* widest = kWidestQuantity;
+  if (decimals == 2 && shown.find(',') != std::string::npos) {
+    format.kind = NumberFormat::Kind::kAmount;
+    widest = kWidestAmount;
+  } else if (decimals == 2) {
+    format.kind = NumberFormat::Kind::kRate;
+    widest = kWidestRate;
+  }
+  format.widest = expr::FormatValue(expr::Value::Number(*expr::Decimal::Parse(widest)), pattern);
   return format;
 }
 
@@ -271,7 +282,9 @@ class HouseRules {
       if (needed <= available + 0.01f) continue;
       too_narrow = true;
       Add(text,
-          (number.amount ? "the amount in " : "the quantity in ") + Named(text) + " (\"" +
+          (number.kind == NumberFormat::Kind::kAmount ? "the amount in "
+           : number.kind == NumberFormat::Kind::kRate ? "the rate in "
+                                                      : "the quantity in ") + Named(text) + " (\"" +
               number.pattern + "\") is too narrow for " + number.widest + ": needs " +
               Millimetres(needed) + " mm, has " + Millimetres(available) + " mm",
           "make it at least " + Millimetres(needed) + " mm wide, or its font smaller");
@@ -286,14 +299,22 @@ class HouseRules {
     const bool set_at_run_time =
         !text.name.empty() && std::find(run_time_texts_.begin(), run_time_texts_.end(),
                                         expr::AsciiUpper(text.name)) != run_time_texts_.end();
-    if (set_at_run_time || !longest.known) {
+    // A field in a table row holds whatever the data brings, so the row must grow with it; in a
+    // form's fixed block (a title, a summary) a field has the room its layout gives it, and the
+    // fill reports a value that does not fit (Document::overflows).
+    // A row is a band printed once per record and no taller than a few lines; a data band that
+    // prints a whole page per record (a sale letter, a certificate) is a form.
+    const bool row = (band.kind == BandKind::kData ||
+                      (band.kind == BandKind::kChild && band.place.kind == BandKind::kChild)) &&
+                     band.height <= static_cast<float>(Mm(kMaxRowHeightMm));
+    if (set_at_run_time || (!longest.known && row)) {
       Add(text,
           Named(text) + " can wrap but its box cannot grow: a long " +
               (set_at_run_time ? "text set at run time" : "value") + " is cut off",
           how_to_grow + ", or wrap=\"false\" to keep it on one line");
       return;
     }
-    if (too_narrow) return;
+    if (too_narrow || !longest.known) return;
     const text::BoxFit fit = text::FitInBox(longest.text, style, box);
     if (fit.fits) return;
     Add(text,

@@ -40,10 +40,13 @@ double NeededMm(const std::string& text, float size) {
 
 std::string Mm(double mm) { return std::to_string(mm) + "mm"; }
 
+constexpr const char* kRow = "<data name=\"Rows\" query=\"Q\" height=\"10mm\">";
+
 TEST(HouseRulesTest, WrappingFieldInABoxThatCannotGrowIsReported) {
   const std::vector<Problem> problems = Check(
       "<text name=\"Party\" width=\"40mm\" height=\"5mm\">[Q.name]</text>\n"
-      "<text top=\"5mm\" width=\"40mm\" height=\"5mm\" stretch=\"band\">[Q.city], [Q.pin]</text>");
+      "<text top=\"5mm\" width=\"40mm\" height=\"5mm\" stretch=\"band\">[Q.city], [Q.pin]</text>",
+      {}, kRow);
   ASSERT_EQ(Lines(problems), (std::vector<int>{5, 6}));
   EXPECT_EQ(problems[0].file, "t.fr3");
   EXPECT_EQ(problems[0].message,
@@ -53,6 +56,14 @@ TEST(HouseRulesTest, WrappingFieldInABoxThatCannotGrowIsReported) {
             "it on one line");
   EXPECT_EQ(problems[1].message,
             "a text can wrap but its box cannot grow: a long value is cut off");
+}
+
+TEST(HouseRulesTest, AFieldInAFormsFixedBlockIsLeftToTheFill) {
+  const std::string field = "<text width=\"40mm\" height=\"5mm\">[Q.name]</text>";
+  EXPECT_TRUE(Check(field).empty()) << "a title";
+  EXPECT_TRUE(Check(field, {}, "<data name=\"Letter\" query=\"Q\" height=\"120mm\">").empty())
+      << "a data band that prints a page per record";
+  EXPECT_EQ(Check(field, {}, kRow).size(), 1u) << "a table row";
 }
 
 TEST(HouseRulesTest, TextsThatGrowOrDoNotWrapAreNotReported) {
@@ -65,7 +76,7 @@ TEST(HouseRulesTest, TextsThatGrowOrDoNotWrapAreNotReported) {
 TEST(HouseRulesTest, BandThatDoesNotStretchKeepsItsTextsFromGrowing) {
   const std::vector<Problem> problems =
       Check("<text width=\"40mm\" height=\"5mm\" stretch=\"grow\">[Q.name]</text>", {},
-            "<title height=\"40mm\" stretch=\"false\">");
+            "<data name=\"Rows\" query=\"Q\" height=\"10mm\" stretch=\"false\">");
   ASSERT_EQ(Lines(problems), std::vector<int>{5});
   EXPECT_NE(problems[0].hint.find("its band has stretch=\"false\""), std::string::npos)
       << problems[0].hint;
@@ -122,8 +133,8 @@ TEST(HouseRulesTest, AmountBoxesHoldNineCroreWithTheirFontAndPadding) {
       << "Format() in the text counts too: " << problems[1].message;
 }
 
-TEST(HouseRulesTest, QuantityBoxesHoldNinetyNineThousand) {
-  const double needed = NeededMm("99,999 nos", 8);
+TEST(HouseRulesTest, QuantityBoxesHoldNineThousand) {
+  const double needed = NeededMm("9,999 nos", 8);
   const std::vector<Problem> problems = Check(
       "<text width=\"" + Mm(needed - 0.3) +
       "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.qty, \"#,##0\")] nos</text>\n"
@@ -134,7 +145,21 @@ TEST(HouseRulesTest, QuantityBoxesHoldNinetyNineThousand) {
       Mm(needed - 0.3) +
       "\" height=\"5mm\" size=\"8\" wrap=\"false\">[FormatDate(Q.dt, \"dd-mm-yy\")] nos</text>");
   ASSERT_EQ(Lines(problems), std::vector<int>{5});
-  EXPECT_NE(problems[0].message.find("the quantity in a text (\"#,##0\") is too narrow for 99,999"),
+  EXPECT_NE(problems[0].message.find("the quantity in a text (\"#,##0\") is too narrow for 9,999"),
+            std::string::npos)
+      << problems[0].message;
+}
+
+TEST(HouseRulesTest, TwoDecimalsWithoutGroupingAreARateOfAHundredPerCent) {
+  const double needed = NeededMm("100.00%", 8);
+  const std::vector<Problem> problems = Check(
+      "<text width=\"" + Mm(needed - 0.3) +
+      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>\n"
+      "<text width=\"" +
+      Mm(needed + 0.3) +
+      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>");
+  ASSERT_EQ(Lines(problems), std::vector<int>{5});
+  EXPECT_NE(problems[0].message.find("the rate in a text (\"0.00\") is too narrow for 100.00"),
             std::string::npos)
       << problems[0].message;
 }
