@@ -196,8 +196,14 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
   const std::string layout = testing::ReadFile(layout_file);
   ASSERT_NE(layout.find("\npage 1 "), std::string::npos) << layout;
 
+  // No text is cut off by a box that cannot grow.
+  for (size_t at = layout.find("\noverflow "); at != std::string::npos;
+       at = layout.find("\noverflow ", at + 1)) {
+    ADD_FAILURE() << print.template_name << " cuts a text off: "
+                  << layout.substr(at + 1, layout.find('\n', at + 1) - at - 1);
+  }
   // Wording that reads like a test print, which no document may carry.
-  for (const char* phrase : {"line(s)", "no(s)", "Finance: nil", "Finance: Nil", "Certificate TR-", "IGST @ 0%",
+  for (const char* phrase : {"line(s)", "no(s)", "Finance: nil", "Finance: Nil", "\"Nil\"", "\"nil\"", "Certificate TR-", "IGST @ 0%",
                              "S/W/D of", "By: Cash", "By: CASH", "full payment"}) {
     EXPECT_EQ(layout.find(phrase), std::string::npos)
         << print.template_name << " prints \"" << phrase << "\"";

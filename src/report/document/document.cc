@@ -295,6 +295,17 @@ std::string Serialize(const Document& document, const LineStarts& line_starts) {
     out += '\n';
     Items(out, document, page.items, 1, line_starts);
   }
+  // Texts cut off by a box that cannot grow: a layout with none has no such line.
+  for (const Overflow& overflow : document.overflows) {
+    out += "overflow page " + std::to_string(overflow.page) + " line " +
+           std::to_string(overflow.line) + (overflow.across ? " width " : " height ");
+    Number(out, overflow.needed);
+    out += '>';
+    Number(out, overflow.available);
+    out += ' ';
+    Quoted(out, overflow.text);
+    out += '\n';
+  }
   return out;
 }
 
