@@ -208,6 +208,9 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
     EXPECT_EQ(layout.find(phrase), std::string::npos)
         << print.template_name << " prints \"" << phrase << "\"";
   }
+  // The amount in words never leaves its "ONLY" alone on a line.
+  static const std::regex kLoneOnly(R"(\n\s*\| "ONLY[).]*"\n)");
+  EXPECT_FALSE(std::regex_search(layout, kLoneOnly)) << print.template_name << " wraps ONLY alone";
   // A place written twice in a row: "Jejuri, Jejuri".
   static const std::regex kRepeatedPlace(R"(\b([A-Z][a-z]+), \1\b)");
   std::smatch repeat;

@@ -1,5 +1,6 @@
 // Stretches of text that read wrong when a line breaks inside them: a PIN code with the dash
-// before it and the place name before that, and a short phrase in round brackets.
+// before it and the place name before that, a short phrase in round brackets, and the "ONLY"
+// that closes an amount in words with the word before it.
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -66,6 +67,25 @@ KeptSpan BracketedAt(std::string_view text, size_t open) {
   return {};
 }
 
+// The "ONLY" closing an amount in words ("… NINETY ONLY", "… FIVE THOUSAND ONLY)") with the word
+// before it, so that it never stands alone on the last line; an empty span when the text does
+// not end so.
+KeptSpan ClosingOnly(std::string_view text) {
+  size_t end = text.size();
+  while (end > 0 && std::string_view(" .)").find(text[end - 1]) != std::string_view::npos) --end;
+  constexpr std::string_view kOnly = "ONLY";
+  if (end < kOnly.size() + 2 || text.substr(end - kOnly.size(), kOnly.size()) != kOnly ||
+      text[end - kOnly.size() - 1] != ' ') {
+    return {};
+  }
+  size_t begin = end - kOnly.size() - 1;
+  while (begin > 0 && text[begin - 1] == ' ') --begin;
+  const size_t word_end = begin;
+  while (begin > 0 && text[begin - 1] != ' ' && text[begin - 1] != '\n') --begin;
+  if (begin == word_end) return {};
+  return {begin, text.size()};
+}
+
 }  // namespace
 
 std::vector<KeptSpan> FindKeptSpans(std::string_view text) {
@@ -79,6 +99,7 @@ std::vector<KeptSpan> FindKeptSpans(std::string_view text) {
     }
     if (span.end > span.begin) found.push_back(span);
   }
+  if (const KeptSpan only = ClosingOnly(text); only.end > only.begin) found.push_back(only);
   // In order, spans that overlap made one.
   std::sort(found.begin(), found.end(),
             [](const KeptSpan& a, const KeptSpan& b) { return a.begin < b.begin; });

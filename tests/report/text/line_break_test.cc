@@ -122,6 +122,28 @@ TEST(LineBreakTest, PinCodesAndShortBracketsAreKeptWhole) {
   EXPECT_EQ(KeptTexts("(two\nlines)"), Kept{});
 }
 
+TEST(LineBreakTest, TheOnlyClosingAnAmountInWordsKeepsTheWordBeforeIt) {
+  using Kept = std::vector<std::string>;
+  EXPECT_EQ(KeptTexts("AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY ONLY"),
+            Kept{"NINETY ONLY"});
+  EXPECT_EQ(KeptTexts("(AMOUNT IN WORDS RUPEES FIVE THOUSAND ONLY)"), Kept{"THOUSAND ONLY)"});
+  EXPECT_EQ(KeptTexts("RUPEES : TEN ONLY."), Kept{"TEN ONLY."});
+  EXPECT_EQ(KeptTexts("ONLY"), Kept{}) << "no word before it";
+  EXPECT_EQ(KeptTexts("FOR OFFICE USE ONLY, PLEASE"), Kept{}) << "not the closing word";
+  // In a box that fits all but the last word, the last line holds two words.
+  TextStyle style;
+  style.size = 9;
+  const std::string words = "AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY ONLY";
+  const float width = text::MeasureText("AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY",
+                                        style, 0).width + 1;
+  for (const bool fast : {true, false}) {
+    const std::vector<std::string> lines =
+        fast ? FastLines(words, style, width) : PangoLines(words, style, width);
+    ASSERT_EQ(lines.size(), 2u) << (fast ? "fast" : "pango");
+    EXPECT_EQ(lines.back(), "NINETY ONLY") << (fast ? "fast" : "pango");
+  }
+}
+
 TEST(LineBreakTest, NarrowBoxesKeepPinCodesAndShortBracketsWhole) {
   const TextStyle style = Style();
   const auto width = [&](std::string_view text) { return MeasureText(text, style, 0).width; };
