@@ -529,7 +529,8 @@ TEST_F(DemoDatabase, DocumentTotalsAreTheirLinesPlusTheRoundOff) {
   // methods word the sum of the lines, so a document that needed rounding off would print words
   // a few paise off its total.
   EXPECT_EQ(rounded, 0);
-  for (const auto& row : Query("select netprice from purdata union all select amount from purveh")) {
+  for (const auto& row :
+       Query("select netprice from purdata union all select amount from purveh")) {
     EXPECT_EQ(Paise(row[0]) % 100, 0) << "every line comes to whole rupees";
   }
 }

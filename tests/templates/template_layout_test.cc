@@ -12,8 +12,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <regex>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -203,8 +203,9 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
                   << layout.substr(at + 1, layout.find('\n', at + 1) - at - 1);
   }
   // Wording that reads like a test print, which no document may carry.
-  for (const char* phrase : {"line(s)", "no(s)", "Finance: nil", "Finance: Nil", "\"Nil\"", "\"nil\"", "Certificate TR-", "IGST @ 0%",
-                             "S/W/D of", "By: Cash", "By: CASH", "full payment"}) {
+  for (const char* phrase :
+       {"line(s)", "no(s)", "Finance: nil", "Finance: Nil", "\"Nil\"", "\"nil\"", "Certificate TR-",
+        "IGST @ 0%", "S/W/D of", "By: Cash", "By: CASH", "full payment"}) {
     EXPECT_EQ(layout.find(phrase), std::string::npos)
         << print.template_name << " prints \"" << phrase << "\"";
   }
@@ -218,7 +219,8 @@ TEST_P(TemplateLayout, MatchesItsGoldenFile) {
       << print.template_name << " prints \"" << repeat.str() << "\"";
 
   // The e-invoice QR must scan from a 150 dpi copy: 25 mm or more wherever an IRN prints.
-  if (layout.find("\"IRN") != std::string::npos || layout.find("\"e-Invoice") != std::string::npos) {
+  if (layout.find("\"IRN") != std::string::npos ||
+      layout.find("\"e-Invoice") != std::string::npos) {
     static const std::regex kBarcode(R"(\n\s*barcode [0-9.]+,[0-9.]+ ([0-9.]+)x([0-9.]+))");
     int codes = 0;
     for (std::sregex_iterator it(layout.begin(), layout.end(), kBarcode), end; it != end; ++it) {

@@ -37,7 +37,7 @@ struct NumberFormat {
   // Two decimals with digit grouping: an amount; two decimals without: a rate in per cent;
   // otherwise a quantity.
   enum class Kind { kAmount, kRate, kQuantity } kind = Kind::kQuantity;
-  std::string widest;   // the widest value as the pattern writes it
+  std::string widest;  // the widest value as the pattern writes it
 };
 
 std::optional<NumberFormat> NumericPattern(std::string_view pattern) {
@@ -284,9 +284,9 @@ class HouseRules {
       Add(text,
           (number.kind == NumberFormat::Kind::kAmount ? "the amount in "
            : number.kind == NumberFormat::Kind::kRate ? "the rate in "
-                                                      : "the quantity in ") + Named(text) + " (\"" +
-              number.pattern + "\") is too narrow for " + number.widest + ": needs " +
-              Millimetres(needed) + " mm, has " + Millimetres(available) + " mm",
+                                                      : "the quantity in ") +
+              Named(text) + " (\"" + number.pattern + "\") is too narrow for " + number.widest +
+              ": needs " + Millimetres(needed) + " mm, has " + Millimetres(available) + " mm",
           "make it at least " + Millimetres(needed) + " mm wide, or its font smaller");
     }
     const bool grows =

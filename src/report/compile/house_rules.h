@@ -26,7 +26,7 @@ struct HouseRuleOptions {
 // The widest values a box with a numeric display format must hold: amounts (formats that always
 // show two decimals) and quantities (any other format, whole numbers mostly).
 inline constexpr const char* kWidestAmount = "99999999.99";  // 9,99,99,999.99
-inline constexpr const char* kWidestRate = "100.00";          // a tax rate, in per cent
+inline constexpr const char* kWidestRate = "100.00";         // a tax rate, in per cent
 inline constexpr const char* kWidestQuantity = "9999";       // 9,999
 
 // Every text of "report" that breaks a house rule, in template order, each with its line and a

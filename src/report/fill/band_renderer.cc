@@ -207,9 +207,10 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
       if (source) item.text = TextOf(*source, text->format, text->hide_zero, style.rich);
       if (text->trim) {
         const size_t first = item.text.find_first_not_of(" \t\r\n");
-        item.text = first == std::string::npos
-                        ? std::string()
-                        : item.text.substr(first, item.text.find_last_not_of(" \t\r\n") + 1 - first);
+        item.text =
+            first == std::string::npos
+                ? std::string()
+                : item.text.substr(first, item.text.find_last_not_of(" \t\r\n") + 1 - first);
       }
       const bool deferred = context_.deferred;
       context_.deferred = false;

@@ -44,12 +44,23 @@ std::string Escaped(std::string_view text) {
   std::string out;
   for (const char c : text) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&apos;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&apos;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -241,7 +252,8 @@ class Expander {
 
   // The part's XML with each ${name} replaced by its value: escaped, or as it is inside a CDATA
   // section.
-  std::string PutArguments(const PartSource& part, const std::map<std::string, std::string>& values) {
+  std::string PutArguments(const PartSource& part,
+                           const std::map<std::string, std::string>& values) {
     const std::string_view xml = part.xml;
     std::string out;
     bool in_cdata = false;
@@ -259,7 +271,8 @@ class Expander {
         size_t end = i + 2;
         while (end < xml.size() && IsNameChar(xml[end])) ++end;
         const std::string name(xml.substr(i + 2, end - i - 2));
-        const int line = part.line + static_cast<int>(std::count(xml.begin(), xml.begin() + i, '\n'));
+        const int line =
+            part.line + static_cast<int>(std::count(xml.begin(), xml.begin() + i, '\n'));
         const size_t close = xml.find('}', end);
         std::string_view offset;
         if (close != std::string_view::npos && close > end && close - end < 32 &&
@@ -280,8 +293,8 @@ class Expander {
           moved = Offset(value->second, offset);
           if (!moved) {
             Add(Place{library_.file, line},
-                "${" + name + std::string(offset) + "} needs a length, and " + Quoted(value->second) +
-                    " is not one",
+                "${" + name + std::string(offset) + "} needs a length, and " +
+                    Quoted(value->second) + " is not one",
                 "give the parameter a length such as 190mm");
             i = end + 1;
             continue;
@@ -353,12 +366,13 @@ bool UsesParts(const Band& band) {
 }
 
 bool UsesParts(const DataBand& data) {
-  const auto optional_uses = [](const std::optional<Band>& band) { return band && UsesParts(*band); };
+  const auto optional_uses = [](const std::optional<Band>& band) {
+    return band && UsesParts(*band);
+  };
   return UsesParts(data.band) || optional_uses(data.header) || optional_uses(data.footer) ||
-         std::any_of(data.groups.begin(), data.groups.end(),
-                     [&](const Group& g) {
-                       return optional_uses(g.header) || optional_uses(g.footer);
-                     }) ||
+         std::any_of(
+             data.groups.begin(), data.groups.end(),
+             [&](const Group& g) { return optional_uses(g.header) || optional_uses(g.footer); }) ||
          std::any_of(data.details.begin(), data.details.end(),
                      [](const DataBand& d) { return UsesParts(d); });
 }
@@ -391,11 +405,11 @@ Template ExpandParts(const Template& design, const std::string& file,
     xml = ReadTemplateFile(path.string());
   } catch (const TemplateError& error) {
     const std::string why = error.problems().empty() ? "" : ": " + error.problems()[0].message;
-    problems.push_back({file, design.library.line,
-                        "the house library " + Quoted(design.library.file) + " cannot be read" + why,
-                        "it lives in the template's folder, " +
-                            (path.parent_path().empty() ? std::string(".")
-                                                        : path.parent_path().string())});
+    problems.push_back(
+        {file, design.library.line,
+         "the house library " + Quoted(design.library.file) + " cannot be read" + why,
+         "it lives in the template's folder, " +
+             (path.parent_path().empty() ? std::string(".") : path.parent_path().string())});
     return design;
   }
   if (xml.size() > kMaxLibraryBytes) {

@@ -262,8 +262,9 @@ class Reader {
       } else if (name == "variable") {
         body.variables.push_back(ReadVariable(node));
       } else if (name != "param") {
-        Unknown(node, "<part>",
-                {"param", "query", "variable", "text", "picture", "barcode", "line", "rect", "use"});
+        Unknown(
+            node, "<part>",
+            {"param", "query", "variable", "text", "picture", "barcode", "line", "rect", "use"});
       }
     }
     body.queries = std::move(scratch.queries);
@@ -312,9 +313,10 @@ class Reader {
       if (part.FindParam(declared.name) != nullptr) {
         Add(declared.line, "parameter \"" + declared.name + "\" is declared twice");
       }
-      if (UseAttributes().end() !=
-          std::find_if(UseAttributes().begin(), UseAttributes().end(),
-                       [&](const AttributeSpec<PartUse>& spec) { return declared.name == spec.name; })) {
+      if (UseAttributes().end() != std::find_if(UseAttributes().begin(), UseAttributes().end(),
+                                                [&](const AttributeSpec<PartUse>& spec) {
+                                                  return declared.name == spec.name;
+                                                })) {
         Add(declared.line, "a part cannot have a parameter called \"" + declared.name + "\"",
             "part, name, left, top and print-when are the attributes of <use> itself");
       }
@@ -322,7 +324,8 @@ class Reader {
     }
     // From "<part" to just past its end tag: the markup that opens it, then everything up to the
     // end tag that closes it.
-    const size_t begin = xml_.rfind('<', static_cast<size_t>(std::max<ptrdiff_t>(node.offset_debug(), 0)));
+    const size_t begin =
+        xml_.rfind('<', static_cast<size_t>(std::max<ptrdiff_t>(node.offset_debug(), 0)));
     size_t at = begin;
     int depth = 0;
     while (at != std::string_view::npos && at < xml_.size()) {
@@ -1186,8 +1189,8 @@ class Reader {
       } else {
         Unknown(node, "<report>",
                 {"info", "page", "copies", "library", "database", "query", "variable", "style",
-                 "page-header",
-                 "page-footer", "title", "summary", "column-header", "column-footer", "data"});
+                 "page-header", "page-footer", "title", "summary", "column-header", "column-footer",
+                 "data"});
       }
     }
   }
@@ -1382,8 +1385,8 @@ Library ParseLibrary(std::string_view xml, const std::string& file,
 PartBody ParsePartBody(std::string_view xml, const std::string& file, int first_line,
                        const std::vector<Style>& styles, std::vector<Problem>& problems) {
   // Blank lines before the part put its lines where they are in the library.
-  const std::string placed = std::string(static_cast<size_t>(std::max(first_line - 1, 0)), '\n') +
-                             std::string(xml);
+  const std::string placed =
+      std::string(static_cast<size_t>(std::max(first_line - 1, 0)), '\n') + std::string(xml);
   Reader reader(placed, file);
   reader.KnowStyles(styles);
   PartBody body = reader.ReadPartBody();

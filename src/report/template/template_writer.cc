@@ -127,7 +127,8 @@ class Writer {
                        Empty(1, "page", PageAttributes(), design_.page, design_.page_written);
                      }});
     kinds.push_back({{"copies"}, has_copies ? 1u : 0u, [&](size_t) { Copies(1); }});
-    kinds.push_back({{"library"}, design_.library.line != 0 || !design_.library.file.empty() ? 1u : 0u,
+    kinds.push_back({{"library"},
+                     design_.library.line != 0 || !design_.library.file.empty() ? 1u : 0u,
                      [&](size_t) {
                        Empty(1, "library", LibraryAttributes(), design_.library,
                              design_.library.written);
@@ -323,9 +324,9 @@ class Writer {
     for (const WrittenAttribute& given : use.written.attributes) {
       if (std::count(done.begin(), done.end(), given.name)) continue;
       done.push_back(given.name);
-      const auto spec = std::find_if(table.begin(), table.end(), [&](const AttributeSpec<PartUse>& s) {
-        return given.name == s.name;
-      });
+      const auto spec =
+          std::find_if(table.begin(), table.end(),
+                       [&](const AttributeSpec<PartUse>& s) { return given.name == s.name; });
       if (spec != table.end()) {
         const std::optional<std::string> value = spec->write(use, given.text);
         if (!value) continue;

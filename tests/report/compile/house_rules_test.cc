@@ -152,12 +152,12 @@ TEST(HouseRulesTest, QuantityBoxesHoldNineThousand) {
 
 TEST(HouseRulesTest, TwoDecimalsWithoutGroupingAreARateOfAHundredPerCent) {
   const double needed = NeededMm("100.00%", 8);
-  const std::vector<Problem> problems = Check(
-      "<text width=\"" + Mm(needed - 0.3) +
-      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>\n"
-      "<text width=\"" +
-      Mm(needed + 0.3) +
-      "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>");
+  const std::vector<Problem> problems =
+      Check("<text width=\"" + Mm(needed - 0.3) +
+            "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>\n"
+            "<text width=\"" +
+            Mm(needed + 0.3) +
+            "\" height=\"5mm\" size=\"8\" wrap=\"false\">[Format(Q.rate, \"0.00\")]%</text>");
   ASSERT_EQ(Lines(problems), std::vector<int>{5});
   EXPECT_NE(problems[0].message.find("the rate in a text (\"0.00\") is too narrow for 100.00"),
             std::string::npos)

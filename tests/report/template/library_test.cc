@@ -42,8 +42,8 @@ std::string Template(const std::string& body, const std::string& extra = {}) {
 <report format="vantorel-template" version="1">
   <library file="house.xml"/>
   <database name="DMSDB"/>
-)" + extra + "  <title height=\"30mm\">\n" +
-         body + "\n  </title>\n</report>\n";
+)" + extra +
+         "  <title height=\"30mm\">\n" + body + "\n  </title>\n</report>\n";
 }
 
 struct Expanded {

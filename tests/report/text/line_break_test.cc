@@ -134,8 +134,10 @@ TEST(LineBreakTest, TheOnlyClosingAnAmountInWordsKeepsTheWordBeforeIt) {
   TextStyle style;
   style.size = 9;
   const std::string words = "AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY ONLY";
-  const float width = text::MeasureText("AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY",
-                                        style, 0).width + 1;
+  const float width =
+      text::MeasureText("AMOUNT IN WORDS EIGHTY FOUR THOUSAND NINE HUNDRED NINETY", style, 0)
+          .width +
+      1;
   for (const bool fast : {true, false}) {
     const std::vector<std::string> lines =
         fast ? FastLines(words, style, width) : PangoLines(words, style, width);
