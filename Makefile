@@ -12,7 +12,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 export CCACHE_MAXSIZE ?= 5G
 
-.PHONY: all deps configure build demo test goldens sanitize tsan fuzz lint format clean
+.PHONY: all deps configure build demo test goldens sanitize tsan fuzz lint tidy format clean
 
 all: build
 
@@ -82,6 +82,14 @@ tsan: deps
 # Formatting check (clang-format) of every source file.
 lint: deps
 	@git ls-files '*.cc' '*.h' '*.c' | xargs clang-format --dry-run --Werror
+
+# clang-tidy with the checks .clang-tidy configures, over the library and the command-line tool.
+# GCC's own warning options in the compile commands are no news to clang.
+tidy: build
+	@run-clang-tidy -p $(BUILD) -j $(JOBS) -quiet -extra-arg=-Wno-unknown-warning-option \
+	  '$(CURDIR)/(src|cli)/.*\.cc$$' >$(BUILD)/tidy.log 2>&1 \
+	  || { grep -E "(error|warning): " $(BUILD)/tidy.log | sort -u | head -60; exit 1; }
+	@echo "tidy: $$(grep -c '^clang-tidy' $(BUILD)/tidy.log) files, no finding"
 
 format:
 	@git ls-files '*.cc' '*.h' '*.c' | xargs clang-format -i

@@ -89,8 +89,8 @@ class LinuxPlatform final : public Platform {
   RegionalDateSettings RegionalDates() override {
     // The user's locale from the environment, not the process's C locale a library must not
     // change; the C and POSIX locales and forms with month names fall back to dd/mm/yyyy.
-    locale_t locale = ::newlocale(LC_TIME_MASK, "", static_cast<locale_t>(0));
-    if (locale == static_cast<locale_t>(0)) return RegionalDateSettings{};
+    locale_t locale = ::newlocale(LC_TIME_MASK, "", nullptr);
+    if (locale == nullptr) return RegionalDateSettings{};
     std::optional<RegionalDateSettings> settings;
     const char* name = ::nl_langinfo_l(_NL_LOCALE_NAME(LC_TIME), locale);
     const bool plain_c = name == nullptr || std::strcmp(name, "C") == 0 ||

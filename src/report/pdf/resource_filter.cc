@@ -35,10 +35,11 @@ void BlankRepeats(std::string& entries) {
     end = cursor + 1;
     std::string key;
     for (size_t i = at; i < end; ++i) {
-      if (!IsBlank(entries[i]))
+      if (!IsBlank(entries[i])) {
         key += entries[i];
-      else if (key.back() != ' ')
+      } else if (key.back() != ' ') {
         key += ' ';
+      }
     }
     if (!seen.insert(key).second) {
       for (size_t i = at; i < end; ++i) entries[i] = ' ';

@@ -107,7 +107,7 @@ std::optional<std::pair<uint32_t, size_t>> ReadEntity(std::string_view s, size_t
 
 // The characters ProtectFromMarkup stands in for, from U+E000 on.
 constexpr int32_t kProtected = 0xE000;
-constexpr char kProtectedAs[] = {'&', '<', '>'};
+constexpr int32_t kProtectedAs[] = {'&', '<', '>'};
 
 struct FontState {
   bool has_color = false;
