@@ -1,7 +1,7 @@
-// The fill: bands in order (title, data bands with their groups, headers, footers and details,
-// summary) placed on pages with page headers and footers, repeated headers, keep-together,
-// columns, page breaks and texts completed at the end (total pages, totals printed above their
-// rows).
+// The fill: the bands in order — title, data bands row by row with their groups, headers,
+// footers and details, summary — over the report's queries (report_queries.h), with group breaks
+// followed by a GroupTracker and the blocks placed on pages by a PageBuilder; then the copies of
+// the report, each a document of its own, and the sheets they share.
 #include <algorithm>
 #include <cstdio>
 #include <map>
@@ -175,14 +175,7 @@ class Filler {
     tracker_->StartBand(data.index);
     const bool empty = data.query >= 0 ? !queries_.HasRows(data.query) : data.rows <= 0;
     if (empty) {
-      if (data.header && data.header->print_if_empty) {
-        pages_->ReleaseCarry();
-        pages_->PlaceBand(*data.header, Flow::kColumn);
-      }
-      tracker_->EndBand(data.index);
-      if (data.footer && data.footer->print_if_empty) {
-        pages_->PlaceBand(*data.footer, Flow::kColumn);
-      }
+      FillEmptyData(data);
       return;
     }
     // What an earlier band held back goes out before this band's first header or row.
@@ -239,6 +232,18 @@ class Filler {
     if (data.footer) pages_->PlaceBand(*data.footer, Flow::kColumn);
     if (!trailing) pages_->ReleaseCarry();
     context_->line = saved_line;
+  }
+
+  // A data band without rows: only its header and footer, and those only when they print so.
+  void FillEmptyData(const CompiledData& data) {
+    if (data.header && data.header->print_if_empty) {
+      pages_->ReleaseCarry();
+      pages_->PlaceBand(*data.header, Flow::kColumn);
+    }
+    tracker_->EndBand(data.index);
+    if (data.footer && data.footer->print_if_empty) {
+      pages_->PlaceBand(*data.footer, Flow::kColumn);
+    }
   }
 
   const CompiledReport& report_;

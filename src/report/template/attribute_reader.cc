@@ -132,9 +132,10 @@ std::optional<double> AttributeReader::Number(const pugi::xml_node& node, const 
   const pugi::xml_attribute attribute = node.attribute(name);
   if (!attribute) return std::nullopt;
   const std::optional<double> number = ParseNumber(attribute.value());
-  if (!number)
+  if (!number) {
     source_.Add(node,
                 "\"" + std::string(name) + "\" is not a number: \"" + attribute.value() + "\"");
+  }
   return number;
 }
 
