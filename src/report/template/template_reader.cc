@@ -1,6 +1,8 @@
 // Reads the ".fr3" XML into the design model. Every element and attribute is checked; unknown
 // ones, bad values and missing required values are collected with their line and a hint, and
-// reported together.
+// reported together. The file's characters are an XmlSource's, attribute values an
+// AttributeReader's and bands a BandReader's; here are the report-wide elements, libraries and
+// parts, and the entry points of template_io.h and library.h.
 #include <pugixml.hpp>
 
 #include <algorithm>
