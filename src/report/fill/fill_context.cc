@@ -31,11 +31,10 @@ Value ToExprValue(const data::Value& value) {
   return Value();
 }
 
-FillContext::FillContext(const CompiledReport& report, const RunTables& tables,
-                         std::vector<QueryCursor>& cursors, const AggregateTracker& aggregates,
-                         const FillServices& services, std::vector<expr::Value> variables)
-    : report_(report),
-      tables_(tables),
+FillContext::FillContext(const RunTables& tables, std::vector<QueryCursor>& cursors,
+                         const AggregateTracker& aggregates, const FillServices& services,
+                         std::vector<expr::Value> variables)
+    : tables_(tables),
       cursors_(cursors),
       aggregates_(aggregates),
       services_(services),

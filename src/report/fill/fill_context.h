@@ -28,9 +28,9 @@ struct Snapshot {
 
 class FillContext final : public expr::Context {
  public:
-  FillContext(const CompiledReport& report, const RunTables& tables,
-              std::vector<QueryCursor>& cursors, const AggregateTracker& aggregates,
-              const FillServices& services, std::vector<expr::Value> variables);
+  FillContext(const RunTables& tables, std::vector<QueryCursor>& cursors,
+              const AggregateTracker& aggregates, const FillServices& services,
+              std::vector<expr::Value> variables);
 
   expr::Value Field(int id) const override;
   expr::Value Variable(int id) const override;
@@ -56,7 +56,6 @@ class FillContext final : public expr::Context {
  private:
   const data::Value& Raw(int id) const;
 
-  const CompiledReport& report_;
   const RunTables& tables_;
   std::vector<QueryCursor>& cursors_;
   const AggregateTracker& aggregates_;

@@ -147,17 +147,16 @@ class Filler {
       variable_expressions[v] = CompileRunExpression(report_, variable_texts[v], tables_);
     }
     tracker_ = std::make_unique<AggregateTracker>(tables_.aggregates, report_.data_count);
-    context_ =
-        std::make_unique<FillContext>(report_, tables_, queries_.cursors(), *tracker_, services_,
-                                      std::vector<expr::Value>(report_.variables.size()));
+    context_ = std::make_unique<FillContext>(tables_, queries_.cursors(), *tracker_, services_,
+                                             std::vector<expr::Value>(report_.variables.size()));
     // Variables are constants of the run: evaluated once, before any row is read.
     std::vector<expr::Value> variables(report_.variables.size());
     for (size_t v = 0; v < variables.size(); ++v) {
       variables[v] = variable_expressions[v] ? variable_expressions[v]->Evaluate(*context_)
                                              : expr::Value::Text(variable_texts[v]);
     }
-    context_ = std::make_unique<FillContext>(report_, tables_, queries_.cursors(), *tracker_,
-                                             services_, std::move(variables));
+    context_ = std::make_unique<FillContext>(tables_, queries_.cursors(), *tracker_, services_,
+                                             std::move(variables));
     context_->total_pages = total_pages;
     renderer_ = std::make_unique<BandRenderer>(report_, memo_texts_, *context_, result_.document,
                                                result_.warnings);

@@ -126,16 +126,13 @@ std::vector<std::pair<size_t, size_t>> ExpressionSpans(std::string_view text) {
   std::vector<std::pair<size_t, size_t>> spans;
   size_t i = 0;
   while (i < text.size()) {
-    if (text[i] != '[') {
-      ++i;
-    } else if (i + 1 < text.size() && text[i + 1] == '[') {
+    if (text[i] == '[' && i + 1 < text.size() && text[i + 1] == '[') {
       i += 2;  // "[[" is a literal "["
-    } else if (const auto close = ClosingBracket(text, i)) {
-      spans.emplace_back(i, *close + 1);
-      i = *close + 1;
-    } else {
-      ++i;
+      continue;
     }
+    const auto close = text[i] == '[' ? ClosingBracket(text, i) : std::nullopt;
+    if (close) spans.emplace_back(i, *close + 1);
+    i = close ? *close + 1 : i + 1;
   }
   return spans;
 }
