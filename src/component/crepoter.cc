@@ -6,7 +6,7 @@
 #include "component/report_state.h"
 #include "engine/port.h"
 #include "engine/steps.h"
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 
 namespace vantorel {
 
