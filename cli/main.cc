@@ -31,7 +31,7 @@
 #include "report/print/printer.h"
 #include "report/raster/png_writer.h"
 #include "report/template/template_io.h"
-#include "reports/template_contracts.h"
+#include "template_contracts.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
