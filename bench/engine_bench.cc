@@ -11,7 +11,7 @@
 #include <iostream>
 #include <string>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "vantorel/error.h"
 

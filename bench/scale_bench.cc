@@ -17,7 +17,7 @@
 #include <string>
 #include <system_error>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/text/layout.h"
 #include "report/text/text_layout.h"

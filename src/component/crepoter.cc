@@ -3,19 +3,19 @@
 #include <mutex>
 #include <utility>
 
+#include "component/built_in_engine.h"
 #include "component/report_state.h"
 #include "engine/port.h"
 #include "engine/steps.h"
-#include "report/engine/report_engine.h"
 
 namespace vantorel {
 
 namespace {
 
-// Our report engine is what prints unless a host or test installs another default.
+// The built-in engine is what prints unless a host or test installs another default.
 std::shared_ptr<engine::Engine> DefaultEngineOrOurs() {
   static std::once_flag once;
-  std::call_once(once, [] { engine::SetBuiltInEngineFactory(&report::MakeReportEngine); });
+  std::call_once(once, [] { engine::SetBuiltInEngineFactory(&MakeBuiltInEngine); });
   return engine::DefaultEngine();
 }
 

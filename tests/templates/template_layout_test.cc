@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "demo/demo_prints.h"
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
 #include "vantorel/report_state.h"

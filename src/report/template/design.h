@@ -15,7 +15,9 @@
 #include <variant>
 #include <vector>
 
-#include "report/document/document.h"
+#include "report/values/geometry.h"
+#include "report/values/metadata.h"
+#include "report/values/style.h"
 
 namespace vantorel::report {
 

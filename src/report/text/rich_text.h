@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "report/document/geometry.h"
+#include "report/values/geometry.h"
 
 namespace vantorel::report::text {
 

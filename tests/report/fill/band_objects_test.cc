@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "support/test_support.h"
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/fill/fill.h"
 #include "report/text/rich_text.h"
 #include "support/test_support.h"

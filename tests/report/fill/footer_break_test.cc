@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "support/test_support.h"
 
 namespace vantorel::report {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/text/text_layout.h"
 #include "support/test_support.h"
 

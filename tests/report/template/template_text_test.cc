@@ -7,8 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "report/binding/report_engine.h"
 #include "report/compile/compiled_report.h"
-#include "report/engine/report_engine.h"
 #include "report/template/template_io.h"
 #include "report/text/rich_text.h"
 #include "support/test_support.h"

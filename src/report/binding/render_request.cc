@@ -1,6 +1,6 @@
 #include <cctype>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/expr/text_util.h"
 #include "report/fill/fill.h"
 #include "vantorel/error.h"

@@ -1,4 +1,4 @@
-#include "reports/template_contracts.h"
+#include "template_contracts.h"
 
 #include <cctype>
 #include <string_view>

@@ -4,7 +4,7 @@
 #include <mutex>
 
 #include "host/native_path.h"
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/template/template_io.h"
 #include "vantorel/error.h"
 

@@ -8,7 +8,7 @@
 #include "engine/run.h"
 #include "engine/steps.h"
 #include "engine_fixture.h"
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "vantorel/error.h"
 #include "vantorel/report_state.h"
 

@@ -1,7 +1,8 @@
-// Lengths, points, rectangles and colours of the prepared document. Lengths are in points
-// (1/72 inch), the unit of PDF and of our 72-dpi layout; templates speak millimetres and convert.
-#ifndef VANTOREL_REPORT_DOCUMENT_GEOMETRY_H_
-#define VANTOREL_REPORT_DOCUMENT_GEOMETRY_H_
+// Lengths, points, rectangles and colours, shared by the design model and the prepared document.
+// Lengths are in points (1/72 inch), the unit of PDF and of our 72-dpi layout; templates speak
+// millimetres and convert.
+#ifndef VANTOREL_REPORT_VALUES_GEOMETRY_H_
+#define VANTOREL_REPORT_VALUES_GEOMETRY_H_
 
 #include <cstdint>
 
@@ -40,4 +41,4 @@ struct Color {
 
 }  // namespace vantorel::report
 
-#endif  // VANTOREL_REPORT_DOCUMENT_GEOMETRY_H_
+#endif  // VANTOREL_REPORT_VALUES_GEOMETRY_H_

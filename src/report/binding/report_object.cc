@@ -10,7 +10,7 @@
 #include "host/atomic_file.h"
 #include "host/native_path.h"
 #include "host/trace.h"
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/expr/text_util.h"
 #include "report/fill/fill.h"
 #include "report/pdf/pdf_writer.h"

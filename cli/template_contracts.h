@@ -4,8 +4,8 @@
 // `vantorel check --contracts` finds that beforehand.
 //
 // Thread-safety: stateless.
-#ifndef VANTOREL_REPORTS_TEMPLATE_CONTRACTS_H_
-#define VANTOREL_REPORTS_TEMPLATE_CONTRACTS_H_
+#ifndef VANTOREL_CLI_TEMPLATE_CONTRACTS_H_
+#define VANTOREL_CLI_TEMPLATE_CONTRACTS_H_
 
 #include <vector>
 
@@ -22,4 +22,4 @@ std::vector<report::Problem> CheckContract(const report::CompiledReport& report,
 
 }  // namespace vantorel
 
-#endif  // VANTOREL_REPORTS_TEMPLATE_CONTRACTS_H_
+#endif  // VANTOREL_CLI_TEMPLATE_CONTRACTS_H_

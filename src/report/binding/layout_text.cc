@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/render/text_lines.h"
 
 namespace vantorel::report {

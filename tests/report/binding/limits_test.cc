@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "report/engine/report_engine.h"
+#include "report/binding/report_engine.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/template/template_io.h"
 #include "report/text/rich_text.h"

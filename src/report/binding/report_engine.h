@@ -5,8 +5,8 @@
 //
 // Thread-safety: a report object and its components belong to the thread that created them; the
 // template cache is shared and thread-safe.
-#ifndef VANTOREL_REPORT_ENGINE_REPORT_ENGINE_H_
-#define VANTOREL_REPORT_ENGINE_REPORT_ENGINE_H_
+#ifndef VANTOREL_REPORT_BINDING_REPORT_ENGINE_H_
+#define VANTOREL_REPORT_BINDING_REPORT_ENGINE_H_
 
 #include <map>
 #include <memory>
@@ -73,4 +73,4 @@ Rendered RenderTemplate(const RenderRequest& request);
 
 }  // namespace vantorel::report
 
-#endif  // VANTOREL_REPORT_ENGINE_REPORT_ENGINE_H_
+#endif  // VANTOREL_REPORT_BINDING_REPORT_ENGINE_H_

@@ -1,7 +1,7 @@
 // A component printing with our report engine: a template folder, a real SQLite database, the
 // recording platform, and helpers that read PDFs back with poppler.
-#ifndef VANTOREL_TESTS_REPORT_ENGINE_ENGINE_FIXTURE_H_
-#define VANTOREL_TESTS_REPORT_ENGINE_ENGINE_FIXTURE_H_
+#ifndef VANTOREL_TESTS_REPORT_BINDING_ENGINE_FIXTURE_H_
+#define VANTOREL_TESTS_REPORT_BINDING_ENGINE_FIXTURE_H_
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -63,4 +63,4 @@ class EngineTest : public ::testing::Test {
 
 }  // namespace vantorel::testing
 
-#endif  // VANTOREL_TESTS_REPORT_ENGINE_ENGINE_FIXTURE_H_
+#endif  // VANTOREL_TESTS_REPORT_BINDING_ENGINE_FIXTURE_H_

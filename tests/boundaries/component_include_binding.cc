@@ -1,0 +1,2 @@
+// Must not compile: the component knows engines only through the port.
+#include "report/binding/report_engine.h"
