@@ -248,14 +248,7 @@ const AttributeTable<PageSetup>& PageAttributes() {
          SizeF size = p.size;
          if (p.landscape && !p.roll) std::swap(size.width, size.height);
          if (p.roll) return FormatLength(size.width, as) + " auto";
-         struct Named {
-           const char* name;
-           double width, height;
-         };
-         static constexpr Named kSizes[] = {
-             {"A3", 297, 420},         {"A4", 210, 297},        {"A5", 148, 210}, {"A6", 105, 148},
-             {"Letter", 215.9, 279.4}, {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
-         for (const Named& named : kSizes) {
+         for (const PaperSize& named : kPaperSizes) {
            if (std::fabs(size.width - Mm(named.width)) < 0.01 &&
                std::fabs(size.height - Mm(named.height)) < 0.01) {
              return named.name;

@@ -38,6 +38,15 @@ inline constexpr std::pair<const char*, ImageFit> kImageFitNames[] = {
     {"center", ImageFit::kCenter},
     {"cover", ImageFit::kCover}};
 
+// The paper sizes a page's "size" may name, in millimetres, portrait.
+struct PaperSize {
+  const char* name;
+  double width, height;
+};
+inline constexpr PaperSize kPaperSizes[] = {
+    {"A3", 297, 420},         {"A4", 210, 297},        {"A5", 148, 210}, {"A6", 105, 148},
+    {"Letter", 215.9, 279.4}, {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
+
 // The name "names" gives "value"; the first name when none does.
 template <typename T, size_t N>
 const char* NameOf(const std::pair<const char*, T> (&names)[N], T value) {

@@ -154,15 +154,8 @@ class TemplateReader {
   // A paper name, "<width> <height>", or "<width> auto" for roll paper.
   void ReadPageSize(const pugi::xml_node& node, PageSetup& page) {
     const std::string size = node.attribute("size").value();
-    struct Named {
-      const char* name;
-      double width, height;
-    };
-    static constexpr Named kSizes[] = {
-        {"A3", 297, 420},         {"A4", 210, 297},        {"A5", 148, 210}, {"A6", 105, 148},
-        {"Letter", 215.9, 279.4}, {"Legal", 215.9, 355.6}, {"B5", 176, 250}};
     bool known = false;
-    for (const Named& named : kSizes) {
+    for (const PaperSize& named : kPaperSizes) {
       if (expr::EqualsIgnoreCase(size, named.name)) {
         page.size = {static_cast<float>(Mm(named.width)), static_cast<float>(Mm(named.height))};
         known = true;
