@@ -26,6 +26,13 @@ struct Options {
   // The para_setup value of ('CHALLAN', 'GATEPASS'): "Y" prints customer challans on the
   // gate-pass layout. Default: "Y".
   std::string gatepass = "Y";
+  // The para_setup value of ('WS_PO', 'PO'): "Y" prints purchase orders on the view layout.
+  // Default: "N".
+  std::string po_view = "N";
+  // The size of the parts master; 0 keeps the demo's own. A large dealer's, for benchmarks.
+  int parts = 0;
+  // The cash book's entries in the year; 0 keeps the demo's own. A busy dealer's, for benchmarks.
+  int ledger_entries = 0;
 };
 
 struct DemoData {

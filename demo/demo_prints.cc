@@ -16,18 +16,20 @@ namespace {
 
 using Context = PrintContext;
 
-void SetGatePass(const std::string& db, const char* value) {
+void SetSetting(const std::string& db, const char* flag, const char* type, const char* value) {
   sqlite3* handle = nullptr;
   if (sqlite3_open(db.c_str(), &handle) == SQLITE_OK) {
     const std::string sql = std::string("update para_setup set para_value='") + value +
-                            "' where para_flag='CHALLAN' and para_type='GATEPASS'";
+                            "' where para_flag='" + flag + "' and para_type='" + type + "'";
     sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr);
   }
   sqlite3_close(handle);
 }
 
-void GatePassYes(const Context& c) { SetGatePass(c.db, "Y"); }
-void GatePassNo(const Context& c) { SetGatePass(c.db, "N"); }
+void GatePassYes(const Context& c) { SetSetting(c.db, "CHALLAN", "GATEPASS", "Y"); }
+void GatePassNo(const Context& c) { SetSetting(c.db, "CHALLAN", "GATEPASS", "N"); }
+void PurchaseOrderView(const Context& c) { SetSetting(c.db, "WS_PO", "PO", "Y"); }
+void PurchaseOrderPlain(const Context& c) { SetSetting(c.db, "WS_PO", "PO", "N"); }
 
 std::string QrPicture(const Context& c) { return c.folder + "/einvoice-qr.png"; }
 
@@ -66,11 +68,14 @@ std::map<std::string, std::string> ArgumentValues(const Context& c) {
 
 // What a print needs first, by its output's name: the customer challan's template follows a
 // setting, so the two challans set it and the receipt after them puts back the demo's own "Y";
-// the e-invoice is handed its QR picture as a file.
+// the purchase order's layout follows a setting too; the e-invoice is handed its QR picture as a
+// file.
 void (*Preparation(const std::string& output))(const Context&) {
   if (output == "challan-gatepass" || output == "receipt") return GatePassYes;
   if (output == "challan") return GatePassNo;
   if (output == "einvoice") return WriteQrPicture;
+  if (output == "purchase-order-view") return PurchaseOrderView;
+  if (output == "purchase-order") return PurchaseOrderPlain;
   return nullptr;
 }
 

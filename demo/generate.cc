@@ -1,6 +1,7 @@
 // demo_gen: writes the demo dealership database.
 //
-//   demo_gen [--seed N] [--gatepass Y|N] [--sqlite FILE] [--sql FILE] [--facts FILE]
+//   demo_gen [--seed N] [--gatepass Y|N] [--po-view Y|N] [--parts N] [--ledger-entries N]
+//            [--sqlite FILE] [--sql FILE] [--facts FILE]
 //
 //   --sqlite FILE   a new SQLite database: demo/schema.sql and the data, in one transaction
 //   --sql FILE      the data alone as INSERT statements, for PostgreSQL after schema.sql:
@@ -9,6 +10,10 @@
 //   --seed N        the random seed; the same seed always writes the same bytes
 //   --gatepass Y|N  the ('CHALLAN', 'GATEPASS') setting; Y prints customer challans as gate
 //                   passes (default Y)
+//   --po-view Y|N   the ('WS_PO', 'PO') setting; Y prints purchase orders on the view layout
+//                   (default N)
+//   --parts N       a parts master of N parts (default: the demo's own)
+//   --ledger-entries N  a cash book of N entries in the year (default: the demo's own)
 #include <sqlite3.h>
 
 #include <charconv>
@@ -34,7 +39,8 @@ struct Arguments {
 };
 
 constexpr char kUsage[] =
-    "usage: demo_gen [--seed N] [--gatepass Y|N] [--sqlite FILE] [--sql FILE] [--facts FILE]\n";
+    "usage: demo_gen [--seed N] [--gatepass Y|N] [--po-view Y|N] [--parts N]\n"
+    "                [--ledger-entries N] [--sqlite FILE] [--sql FILE] [--facts FILE]\n";
 
 Arguments Parse(const std::vector<std::string>& args) {
   Arguments parsed;
@@ -55,6 +61,18 @@ Arguments Parse(const std::vector<std::string>& args) {
     } else if (flag == "--gatepass") {
       if (value != "Y" && value != "N") throw std::invalid_argument("--gatepass takes Y or N");
       parsed.options.gatepass = value;
+    } else if (flag == "--po-view") {
+      if (value != "Y" && value != "N") throw std::invalid_argument("--po-view takes Y or N");
+      parsed.options.po_view = value;
+    } else if (flag == "--parts" || flag == "--ledger-entries") {
+      int count = 0;
+      const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), count);
+      if (error != std::errc() || end != value.data() + value.size() || count < 1 ||
+          count > 1000000) {
+        throw std::invalid_argument(flag + " needs a count from 1 to 1000000, not \"" + value +
+                                    "\"");
+      }
+      (flag == "--parts" ? parsed.options.parts : parsed.options.ledger_entries) = count;
     } else if (flag == "--sqlite") {
       parsed.sqlite_path = value;
     } else if (flag == "--sql") {

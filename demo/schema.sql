@@ -792,3 +792,16 @@ left join branch b on b.br_id = t.br_id
 join vehicle v on v.veh_id = d.veh_id
 join vehmodel m on m.model_id = v.model_id
 join color k on k.color_id = v.color_id;
+
+-- ===== Workshop: the spare-parts store (parts master, purchases, transfers, orders, estimates,
+-- returns, stock) =====
+
+
+-- ===== Workshop: job cards, job and counter invoices, e-invoices, mechanics, follow-ups =====
+
+
+-- ===== Accounts: the chart of accounts and the vouchers =====
+
+
+-- ===== Accounts: the VAT year, C forms, quotations, the top list, labels =====
+

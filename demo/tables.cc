@@ -9,6 +9,7 @@
 #include "demo/entities.h"
 #include "demo/gst.h"
 #include "demo/random.h"
+#include "demo/workshop.h"
 
 namespace vantorel::demo {
 namespace {
@@ -52,7 +53,12 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
   Table& settings = out.Create("para_setup", {"para_flag", "para_type", "para_value", "para_desc"});
   for (const Setting& s : d.settings) {
     const bool gatepass = s.flag == "CHALLAN" && s.type == "GATEPASS";
-    settings.Add({s.flag, s.type, gatepass ? options.gatepass : s.value, s.description});
+    const bool po_view = s.flag == "WS_PO" && s.type == "PO";
+    settings.Add({s.flag, s.type,
+                  gatepass  ? options.gatepass
+                  : po_view ? options.po_view
+                            : s.value,
+                  s.description});
   }
 
   Table& accounts = out.Create(
@@ -714,6 +720,12 @@ DemoData GenerateDealership(const Options& options) {
   AddSalesRows(dealership, data.tables);
   AddFrontOfficeRows(dealership, data.tables);
   data.facts = ChooseFacts(dealership, options);
+  Random workshop_random(options.seed ^ 0x776f726b73686f70ULL);
+  Workshop workshop;
+  AddSpares(dealership, options, workshop_random, workshop, data.tables, data.facts);
+  AddJobs(dealership, options, workshop_random, workshop, data.tables, data.facts);
+  AddBooks(dealership, options, workshop_random, workshop, data.tables, data.facts);
+  AddReturns(dealership, options, workshop_random, workshop, data.tables, data.facts);
   return data;
 }
 

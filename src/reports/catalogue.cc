@@ -232,6 +232,15 @@ const std::vector<PrintMethodFacts>& Catalogue() {
        .queries = {{.name = "q_rt", .lookup = kChecked, .parameters = {{"id", kChecked}}}},
        .examples = {{"bulk-receipt", "bulkreceipt", "{bulk_receipt_id} R"},
                     {"bulk-receipt-detail", "bulkreceiptdetail", "{bulk_receipt_id} D"}}},
+
+      // Spares purchase and stock documents, parts stock reports.
+
+      // Job cards, job invoices, counter invoices, service and technician lists.
+
+      // Ledgers, trial balances, vouchers, cheques and notes.
+
+      // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+
   };
   return catalogue;
 }

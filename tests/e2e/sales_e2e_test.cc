@@ -303,6 +303,15 @@ const std::map<std::string, Expected>& Expectations() {
       SHOWS("EInvoiceVehicle",
             return InvoiceShows(db, Id(f, "einvoice_id"),
                                 InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+
+      // Spares purchase and stock documents, parts stock reports.
+
+      // Job cards, job invoices, counter invoices, service and technician lists.
+
+      // Ledgers, trial balances, vouchers, cheques and notes.
+
+      // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+
   };
   return expectations;
 }
