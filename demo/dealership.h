@@ -37,8 +37,9 @@ struct Options {
 
 struct DemoData {
   Dataset tables;  // in load order
-  // key, value: one id per kind of document, date ranges with rows. Keys are lower_snake_case,
-  // values have no blanks.
+  // key, value: one id per kind of document, date ranges with rows, and the texts a host
+  // passes (names, SQL it builds). Keys are lower_snake_case; a value is one argument of a call
+  // and may hold blanks, but no line break.
   std::vector<std::pair<std::string, std::string>> facts;
 };
 
