@@ -796,6 +796,36 @@ join color k on k.color_id = v.color_id;
 -- ===== Workshop: the spare-parts store (parts master, purchases, transfers, orders, estimates,
 -- returns, stock) =====
 
+drop table if exists ws_partmaster;
+
+-- The parts master: every part the store keeps, with its prices, GST rate and stock. Rates are
+-- before GST except part_mrp (GST included); the stock reports read part_ followed by PP, DP or
+-- MRP as their rate. part_balance1 is the stock now: part_op1 (the opening on 1 April 2024)
+-- plus purchases, less purchase returns and transfers out, plus transfers in, less part_issue
+-- (issued to jobs and over the counter). The first letter of part_type classes the part: S
+-- spares, L lubricants, A accessories, T tyres and tubes, B batteries.
+create table ws_partmaster (
+  part_id integer primary key,
+  part_no varchar(20) not null unique,
+  part_desc varchar(60) not null,
+  part_type varchar(10) not null,
+  part_source varchar(10) not null,
+  part_location varchar(12),
+  part_bincard varchar(10),
+  part_hsncode varchar(8) not null,
+  part_uqc varchar(3) not null,
+  part_mrp numeric(12,2) not null,
+  part_dp numeric(12,2) not null,
+  part_pp numeric(12,2) not null,
+  part_igstrate numeric(5,2) not null,
+  part_cgstrate numeric(5,2) not null,
+  part_sgstrate numeric(5,2) not null,
+  part_op1 integer not null,
+  part_balance1 integer not null,
+  part_issue integer not null,
+  part_reorder integer not null
+);
+
 
 -- ===== Workshop: job cards, job and counter invoices, e-invoices, mechanics, follow-ups =====
 
