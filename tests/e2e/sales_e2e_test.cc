@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -193,6 +194,20 @@ std::string Title(const Facts& f, const char* from, const char* to) {
   return date(from) + " TO " + date(to);
 }
 
+// An amount as the store's documents print it: Indian grouping, two decimals ("1,11,587.00").
+std::string IndianAmount(double amount) {
+  const long long paise = std::llround(amount * 100);
+  std::string digits = std::to_string((paise < 0 ? -paise : paise) / 100);
+  std::string grouped = digits.size() > 3 ? digits.substr(digits.size() - 3) : digits;
+  for (size_t end = digits.size() > 3 ? digits.size() - 3 : 0; end > 0;
+       end = end > 2 ? end - 2 : 0) {
+    grouped = digits.substr(end > 2 ? end - 2 : 0, end > 2 ? 2 : end) + "," + grouped;
+  }
+  const long long cents = (paise < 0 ? -paise : paise) % 100;
+  return std::string(paise < 0 ? "-" : "") + grouped + "." + (cents < 10 ? "0" : "") +
+         std::to_string(cents);
+}
+
 // What each method's first example call of the catalogue must show. A method without an entry
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
@@ -305,6 +320,87 @@ const std::map<std::string, Expected>& Expectations() {
                                 InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
 
       // Spares purchase and stock documents, parts stock reports.
+      SHOWS("w_purchaseCheck",
+            const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                      "p.am_id where p.pu_id=" +
+                                      f.at("spares_purchase_id");
+            return {"PURCHASE CHECK SHEET", One(db, "select a.am_name" + where),
+                    One(db, "select p.bill_no" + where), One(db, "select p.pu_no" + where),
+                    IndianAmount(Amount(db, "select p.total" + where))}),
+      SHOWS("w_purchaseCheckGST",
+            const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                      "p.am_id where p.pu_id=" +
+                                      f.at("spares_purchase_igst_id");
+            return {"(INWARD SUPPLY UNDER GST)", One(db, "select a.am_gst" + where),
+                    One(db, "select p.bill_no" + where),
+                    IndianAmount(Amount(db, "select p.igst" + where)),
+                    IndianAmount(Amount(db, "select p.total" + where))}),
+      SHOWS("w_partPlacementList",
+            return {"PART PLACEMENT LIST",
+                    One(db, "select pu_no from ws_purchase where pu_id=" +
+                                f.at("spares_purchase_id")),
+                    "Total: " +
+                        One(db, "select count(*) from ws_purchasedet where qty_accepted > 0 and "
+                                "pu_id=" +
+                                    f.at("spares_purchase_id")) +
+                        " parts to place"}),
+      SHOWS("w_stocktransfer",
+            const std::string where = " from ws_stktrf t join branch b on b.br_id = t.to_br "
+                                      "where t.stk_id=" +
+                                      f.at("stock_transfer_id");
+            return {"STOCK TRANSFER NOTE", One(db, "select t.stk_no" + where),
+                    One(db, "select b.br_name" + where),
+                    IndianAmount(Amount(db, "select t.stk_value" + where))}),
+      SHOWS("w_purchaseorder",
+            const std::string where = " from ws_po o join fa_acmaster a on a.am_id = o.am_id "
+                                      "where o.od_id=" +
+                                      f.at("purchase_order_id");
+            return {"PURCHASE ORDER", One(db, "select o.od_no" + where),
+                    One(db, "select a.am_name" + where),
+                    IndianAmount(Amount(db, "select o.od_value" + where))}),
+      SHOWS("w_estimate",
+            const std::string where = " from ws_estimate e join customer c on c.cust_id = "
+                                      "e.cust_id where e.em_id=" +
+                                      f.at("estimate_id");
+            return {"ESTIMATE", One(db, "select e.em_no" + where),
+                    One(db, "select c.cname" + where), One(db, "select e.regno" + where),
+                    Words(Amount(db, "select e.total" + where))}),
+      SHOWS("Apro_WsPrintPurRet",
+            const std::string where = " from ws_purret r join fa_acmaster a on a.am_id = "
+                                      "r.am_id where r.pr_id=" +
+                                      f.at("purchase_return_id");
+            return {"PURCHASE RETURN", One(db, "select r.pr_no" + where),
+                    One(db, "select a.am_name" + where),
+                    "RUPEES : " + Words(Amount(db, "select r.total" + where))}),
+      SHOWS("w_OpeningParts",
+            return {"OPENING STOCK OF SPARE PARTS",
+                    "GRAND TOTAL: " +
+                        One(db, "select count(*) from ws_partmaster where part_op1 <> 0") +
+                        " parts",
+                    One(db, "select sum(part_op1) from ws_partmaster")}),
+      SHOWS("w_ClosingParts",
+            return {"CLOSING STOCK AS ON " +
+                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                    "GRAND TOTAL: " +
+                        One(db, "select count(*) from ws_partmaster where part_balance1 <> 0") +
+                        " parts",
+                    One(db, "select sum(part_balance1) from ws_partmaster")}),
+      SHOWS("w_Stockvaluation",
+            return {"STOCK VALUATION AS ON " +
+                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                    "(RATES: DP)",
+                    IndianAmount(Amount(db, "select sum(part_balance1 * part_pp) from "
+                                            "ws_partmaster where part_balance1 <> 0"))}),
+      SHOWS("w_Negativepart",
+            return {"NEGATIVE STOCK AS ON " +
+                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                    One(db, "select min(part_no) from ws_partmaster where part_balance1 < 0"),
+                    "GRAND TOTAL: " +
+                        One(db, "select count(*) from ws_partmaster where part_balance1 < 0")}),
+      SHOWS("Apro_StockSummary",
+            return {"Vehicle Stock Summary as on " +
+                        FormatDate(*Date::FromIso(f.at("stock_summary_date")), "dd/mm/yyyy", '/'),
+                    "GRAND TOTAL"}),
 
       // Job cards, job invoices, counter invoices, service and technician lists.
 
