@@ -99,11 +99,10 @@ TEST(SparesGenerator, MakesAPartsMasterOfTheSizeAsked) {
   TempFolder folder;
   ASSERT_EQ(RunGenerator("--parts 20000 --sqlite " + folder.File("big.db")), 0);
   auto db = data::Connection::Open(folder.File("big.db"));
-  EXPECT_EQ(Rows(*db, "select count(*), count(distinct part_no) from ws_partmaster")[0][0]
-                .integer(),
-            20000);
-  EXPECT_EQ(Rows(*db, "select count(distinct part_no) from ws_partmaster")[0][0].integer(),
-            20000);
+  EXPECT_EQ(
+      Rows(*db, "select count(*), count(distinct part_no) from ws_partmaster")[0][0].integer(),
+      20000);
+  EXPECT_EQ(Rows(*db, "select count(distinct part_no) from ws_partmaster")[0][0].integer(), 20000);
 }
 
 // Each taxed line of the store's documents: qty × rate = amount, amount - discount = taxable,
@@ -114,12 +113,11 @@ TEST_F(SparesDatabase, EveryLineTaxIsItsRateOnItsTaxableValue) {
        {std::string("ws_purchasedet d join ws_purchase h on h.pu_id = d.pu_id"),
         std::string("ws_purretdet d join ws_purret h on h.pr_id = d.pr_id"),
         std::string("ws_estimatedet d join ws_estimate h on h.em_id = d.em_id")}) {
-    const auto lines =
-        Query("select d.qty, d.rate, d.amount, d.discount, d.taxable, d.gst_rate, d.cgst_rate, "
-              "d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt, d.netamt, " +
-              std::string(source.find("ws_estimate ") != std::string::npos ? "'N'"
-                                                                           : "h.inter_state") +
-              " from " + source);
+    const auto lines = Query(
+        "select d.qty, d.rate, d.amount, d.discount, d.taxable, d.gst_rate, d.cgst_rate, "
+        "d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt, d.netamt, " +
+        std::string(source.find("ws_estimate ") != std::string::npos ? "'N'" : "h.inter_state") +
+        " from " + source);
     EXPECT_GT(lines.size(), 50u) << source;
     for (const auto& l : lines) {
       const int64_t qty = l[0].integer();
@@ -172,12 +170,14 @@ TEST_F(SparesDatabase, DocumentTotalsAreTheirLinesPlusTheRoundOff) {
   // Orders and transfers are valued at the purchase price.
   EXPECT_EQ(Count("select count(*) from (select o.od_id from ws_po o join ws_podet d on d.od_id "
                   "= o.od_id group by o.od_id, o.od_value, o.od_qty, o.od_items having "
-                  "round(o.od_value * 100) <> round(sum(d.amount) * 100) or o.od_qty <> sum(d.qty) or o.od_items <> "
+                  "round(o.od_value * 100) <> round(sum(d.amount) * 100) or o.od_qty <> sum(d.qty) "
+                  "or o.od_items <> "
                   "count(*)) x"),
             0);
   EXPECT_EQ(Count("select count(*) from (select t.stk_id from ws_stktrf t join ws_stktrfdet d "
                   "on d.stk_id = t.stk_id group by t.stk_id, t.stk_value, t.stk_qty, "
-                  "t.stk_items having round(t.stk_value * 100) <> round(sum(d.amount) * 100) or t.stk_qty <> sum(d.qty) "
+                  "t.stk_items having round(t.stk_value * 100) <> round(sum(d.amount) * 100) or "
+                  "t.stk_qty <> sum(d.qty) "
                   "or t.stk_items <> count(*)) x"),
             0);
   EXPECT_EQ(Count("select count(*) from ws_podet d join ws_partmaster m on m.part_id = d.part_id "
@@ -222,9 +222,9 @@ TEST_F(SparesDatabase, CheckSheetQuantitiesAndClaimsAgree) {
       "ws_purret r join ws_purretdet l on l.pr_id = r.pr_id where r.pr_type = 'D' group by "
       "r.pu_id, l.part_id) n on n.pu_id = c.pu_id and n.part_id = c.part_id";
   EXPECT_EQ(Count("select count(*) from " + claims + " where n.qty <> c.claimed"), 0);
-  EXPECT_EQ(Count("select count(*) from " + claims +
-                  " where n.qty is null and c.pu_date < '2025-12-24'"),
-            0);
+  EXPECT_EQ(
+      Count("select count(*) from " + claims + " where n.qty is null and c.pu_date < '2025-12-24'"),
+      0);
   EXPECT_EQ(Count("select count(*) from ws_purretdet l join ws_purret r on r.pr_id = l.pr_id "
                   "left join ws_purchasedet d on d.pu_id = r.pu_id and d.part_id = l.part_id "
                   "where r.pr_type = 'D' and (d.pu_id is null or l.qty <> d.qty_short + "
@@ -298,9 +298,9 @@ TEST_F(SparesDatabase, IdsFitSixteenBitsInTheirRanges) {
 TEST_F(SparesDatabase, GstPurchaseLinesAddUpToTheDocuments) {
   const auto columns = Rows(*db_, "select * from vu_ws_gstpurchaselines where 1 = 0");
   (void)columns;
-  EXPECT_EQ(Count("select count(*) from vu_ws_gstpurchaselines"),
-            Count("select count(*) from ws_purchasedet") +
-                Count("select count(*) from ws_purretdet"));
+  EXPECT_EQ(
+      Count("select count(*) from vu_ws_gstpurchaselines"),
+      Count("select count(*) from ws_purchasedet") + Count("select count(*) from ws_purretdet"));
   EXPECT_EQ(Paise(One("select sum(taxable) from vu_ws_gstpurchaselines")),
             Paise(One("select sum(taxable) from ws_purchase")) -
                 Paise(One("select sum(taxable) from ws_purret")));

@@ -212,201 +212,198 @@ std::string IndianAmount(double amount) {
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
   static const std::map<std::string, Expected> expectations = {
-      SHOWS("Challan_Customer",
-            return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
-                                                       f.at("challan_customer_id")))}),
-      SHOWS("ReceiptPrint",
-            return {"(AMOUNT IN WORDS RUPEES " +
-                    Squeezed(AmountInWords(
-                        Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
-                    ")"}),
-      SHOWS("EnqGroupwise",
-            return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqPending",
-            return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqBooking",
-            return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("RecRegister",
-            return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
-      SHOWS("VehPurBill",
-            return {One(db,
-                        "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VehPurBillGST",
-            return {One(db,
-                        "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" +
-                                          f.at("vintrf_id") + " order by line limit 1")}),
-      SHOWS("VehBtPrint",
-            return {One(db,
-                        "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
-                        "bv.id=" +
-                            f.at("branch_transfer_id"))}),
-      SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
-                                  Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
-                                                       f.at("challan_sub_id")))}),
-      SHOWS("VehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS("VehInvoicewith21",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("VehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
-      SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
-      SHOWS("CycleGatePass",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("VehSticker",
-            return {One(db, "select chassis from vu_invoice where id=" +
-                                f.at("sticker_invoice_id") + " and chassis is not null")}),
-      SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("CycleSaleLetter",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("VehForm22",
-            return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
-                                " and chassis is not null")}),
-      SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
-                                           f.at("hsrp_invoice_id") + " and chassis is not null")}),
-      SHOWS(
-          "VehTempCertificate",
+    SHOWS("Challan_Customer",
+          return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
+                                                     f.at("challan_customer_id")))}),
+    SHOWS("ReceiptPrint",
+          return {"(AMOUNT IN WORDS RUPEES " +
+                  Squeezed(AmountInWords(
+                      Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
+                  ")"}),
+    SHOWS("EnqGroupwise",
+          return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqPending",
+          return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqBooking",
+          return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("RecRegister",
+          return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
+    SHOWS("VehPurBill",
+          return {One(db,
+                      "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VehPurBillGST",
+          return {One(db,
+                      "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" + f.at("vintrf_id") +
+                                        " order by line limit 1")}),
+    SHOWS("VehBtPrint",
+          return {One(db,
+                      "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
+                      "bv.id=" +
+                          f.at("branch_transfer_id"))}),
+    SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
+                                Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
+                                                     f.at("challan_sub_id")))}),
+    SHOWS("VehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("VehInvoicewith21",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("VehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
+    SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
+    SHOWS("CycleGatePass",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("VehSticker",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("sticker_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("CycleSaleLetter",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("VehForm22",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
+                                         f.at("hsrp_invoice_id") + " and chassis is not null")}),
+    SHOWS("VehTempCertificate",
           return {One(db, "select tno from vu_tempnumber where tline=" + f.at("temp_tline")),
                   One(db, "select chassis from vu_tempnumber where tline=" + f.at("temp_tline"))}),
-      SHOWS("VehInvoiceSubDealer",
-            return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
-      SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
-      SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
-                                                    f.at("bulk_receipt_id") + " limit 1")}),
-      SHOWS("GSTVehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
-                                InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
-      SHOWS("CycleInvoice",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
-                    InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
-      SHOWS("GSTVehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS(
-          "GSTVehInvoicewith21",
+    SHOWS("VehInvoiceSubDealer",
+          return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
+    SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
+    SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
+                                                  f.at("bulk_receipt_id") + " limit 1")}),
+    SHOWS("GSTVehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
+                              InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
+    SHOWS("CycleInvoice",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
+                  InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
+    SHOWS("GSTVehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("GSTVehInvoicewith21",
           return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
                               InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),
-      SHOWS(
-          "GSTVehInvoiceSubDealer",
+    SHOWS("GSTVehInvoiceSubDealer",
           return InvoiceShows(db, Id(f, "subdealer_igst_invoice_id"),
                               InvoiceWords(db, Id(f, "subdealer_igst_invoice_id"), false, false))),
-      SHOWS("CycleInvoiceSubDealer",
-            return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
-      SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
-      SHOWS("EInvoiceVehicle",
-            return InvoiceShows(db, Id(f, "einvoice_id"),
-                                InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+    SHOWS("CycleInvoiceSubDealer",
+          return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
+    SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
+    SHOWS("EInvoiceVehicle",
+          return InvoiceShows(db, Id(f, "einvoice_id"),
+                              InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
 
-      // Spares purchase and stock documents, parts stock reports.
-      SHOWS("w_purchaseCheck",
-            const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
-                                      "p.am_id where p.pu_id=" +
-                                      f.at("spares_purchase_id");
-            return {"PURCHASE CHECK SHEET", One(db, "select a.am_name" + where),
-                    One(db, "select p.bill_no" + where), One(db, "select p.pu_no" + where),
-                    IndianAmount(Amount(db, "select p.total" + where))}),
-      SHOWS("w_purchaseCheckGST",
-            const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
-                                      "p.am_id where p.pu_id=" +
-                                      f.at("spares_purchase_igst_id");
-            return {"(INWARD SUPPLY UNDER GST)", One(db, "select a.am_gst" + where),
-                    One(db, "select p.bill_no" + where),
-                    IndianAmount(Amount(db, "select p.igst" + where)),
-                    IndianAmount(Amount(db, "select p.total" + where))}),
-      SHOWS("w_partPlacementList",
-            return {"PART PLACEMENT LIST",
-                    One(db, "select pu_no from ws_purchase where pu_id=" +
-                                f.at("spares_purchase_id")),
-                    "Total: " +
-                        One(db, "select count(*) from ws_purchasedet where qty_accepted > 0 and "
-                                "pu_id=" +
-                                    f.at("spares_purchase_id")) +
-                        " parts to place"}),
-      SHOWS("w_stocktransfer",
-            const std::string where = " from ws_stktrf t join branch b on b.br_id = t.to_br "
-                                      "where t.stk_id=" +
-                                      f.at("stock_transfer_id");
-            return {"STOCK TRANSFER NOTE", One(db, "select t.stk_no" + where),
-                    One(db, "select b.br_name" + where),
-                    IndianAmount(Amount(db, "select t.stk_value" + where))}),
-      SHOWS("w_purchaseorder",
-            const std::string where = " from ws_po o join fa_acmaster a on a.am_id = o.am_id "
-                                      "where o.od_id=" +
-                                      f.at("purchase_order_id");
-            return {"PURCHASE ORDER", One(db, "select o.od_no" + where),
-                    One(db, "select a.am_name" + where),
-                    IndianAmount(Amount(db, "select o.od_value" + where))}),
-      SHOWS("w_estimate",
-            const std::string where = " from ws_estimate e join customer c on c.cust_id = "
-                                      "e.cust_id where e.em_id=" +
-                                      f.at("estimate_id");
-            return {"ESTIMATE", One(db, "select e.em_no" + where),
-                    One(db, "select c.cname" + where), One(db, "select e.regno" + where),
-                    Words(Amount(db, "select e.total" + where))}),
-      SHOWS("Apro_WsPrintPurRet",
-            const std::string where = " from ws_purret r join fa_acmaster a on a.am_id = "
-                                      "r.am_id where r.pr_id=" +
-                                      f.at("purchase_return_id");
-            return {"PURCHASE RETURN", One(db, "select r.pr_no" + where),
-                    One(db, "select a.am_name" + where),
-                    "RUPEES : " + Words(Amount(db, "select r.total" + where))}),
-      SHOWS("w_OpeningParts",
-            return {"OPENING STOCK OF SPARE PARTS",
-                    "GRAND TOTAL: " +
-                        One(db, "select count(*) from ws_partmaster where part_op1 <> 0") +
-                        " parts",
-                    One(db, "select sum(part_op1) from ws_partmaster")}),
-      SHOWS("w_ClosingParts",
-            return {"CLOSING STOCK AS ON " +
-                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
-                    "GRAND TOTAL: " +
-                        One(db, "select count(*) from ws_partmaster where part_balance1 <> 0") +
-                        " parts",
-                    One(db, "select sum(part_balance1) from ws_partmaster")}),
-      SHOWS("w_Stockvaluation",
-            return {"STOCK VALUATION AS ON " +
-                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
-                    "(RATES: DP)",
-                    IndianAmount(Amount(db, "select sum(part_balance1 * part_pp) from "
-                                            "ws_partmaster where part_balance1 <> 0"))}),
-      SHOWS("w_Negativepart",
-            return {"NEGATIVE STOCK AS ON " +
-                        FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
-                    One(db, "select min(part_no) from ws_partmaster where part_balance1 < 0"),
-                    "GRAND TOTAL: " +
-                        One(db, "select count(*) from ws_partmaster where part_balance1 < 0")}),
-      SHOWS("Apro_StockSummary",
-            return {"Vehicle Stock Summary as on " +
-                        FormatDate(*Date::FromIso(f.at("stock_summary_date")), "dd/mm/yyyy", '/'),
-                    "GRAND TOTAL"}),
+    // Spares purchase and stock documents, parts stock reports.
+    SHOWS("w_purchaseCheck",
+          const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                    "p.am_id where p.pu_id=" +
+                                    f.at("spares_purchase_id");
+          return {"PURCHASE CHECK SHEET", One(db, "select a.am_name" + where),
+                  One(db, "select p.bill_no" + where), One(db, "select p.pu_no" + where),
+                  IndianAmount(Amount(db, "select p.total" + where))}),
+    SHOWS("w_purchaseCheckGST",
+          const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                    "p.am_id where p.pu_id=" +
+                                    f.at("spares_purchase_igst_id");
+          return {"(INWARD SUPPLY UNDER GST)", One(db, "select a.am_gst" + where),
+                  One(db, "select p.bill_no" + where),
+                  IndianAmount(Amount(db, "select p.igst" + where)),
+                  IndianAmount(Amount(db, "select p.total" + where))}),
+    SHOWS(
+        "w_partPlacementList",
+        return {"PART PLACEMENT LIST",
+                One(db, "select pu_no from ws_purchase where pu_id=" + f.at("spares_purchase_id")),
+                "Total: " +
+                    One(db,
+                        "select count(*) from ws_purchasedet where qty_accepted > 0 and "
+                        "pu_id=" +
+                            f.at("spares_purchase_id")) +
+                    " parts to place"}),
+    SHOWS("w_stocktransfer",
+          const std::string where = " from ws_stktrf t join branch b on b.br_id = t.to_br "
+                                    "where t.stk_id=" +
+                                    f.at("stock_transfer_id");
+          return {"STOCK TRANSFER NOTE", One(db, "select t.stk_no" + where),
+                  One(db, "select b.br_name" + where),
+                  IndianAmount(Amount(db, "select t.stk_value" + where))}),
+    SHOWS("w_purchaseorder",
+          const std::string where = " from ws_po o join fa_acmaster a on a.am_id = o.am_id "
+                                    "where o.od_id=" +
+                                    f.at("purchase_order_id");
+          return {"PURCHASE ORDER", One(db, "select o.od_no" + where),
+                  One(db, "select a.am_name" + where),
+                  IndianAmount(Amount(db, "select o.od_value" + where))}),
+    SHOWS("w_estimate",
+          const std::string where = " from ws_estimate e join customer c on c.cust_id = "
+                                    "e.cust_id where e.em_id=" +
+                                    f.at("estimate_id");
+          return {"ESTIMATE", One(db, "select e.em_no" + where), One(db, "select c.cname" + where),
+                  One(db, "select e.regno" + where), Words(Amount(db, "select e.total" + where))}),
+    SHOWS("Apro_WsPrintPurRet",
+          const std::string where = " from ws_purret r join fa_acmaster a on a.am_id = "
+                                    "r.am_id where r.pr_id=" +
+                                    f.at("purchase_return_id");
+          return {"PURCHASE RETURN", One(db, "select r.pr_no" + where),
+                  One(db, "select a.am_name" + where),
+                  "RUPEES : " + Words(Amount(db, "select r.total" + where))}),
+    SHOWS("w_OpeningParts",
+          return {"OPENING STOCK OF SPARE PARTS",
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_op1 <> 0") + " parts",
+                  One(db, "select sum(part_op1) from ws_partmaster")}),
+    SHOWS("w_ClosingParts",
+          return {"CLOSING STOCK AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_balance1 <> 0") +
+                      " parts",
+                  One(db, "select sum(part_balance1) from ws_partmaster")}),
+    SHOWS("w_Stockvaluation",
+          return {"STOCK VALUATION AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  "(RATES: DP)",
+                  IndianAmount(Amount(db,
+                                      "select sum(part_balance1 * part_pp) from "
+                                      "ws_partmaster where part_balance1 <> 0"))}),
+    SHOWS("w_Negativepart",
+          return {"NEGATIVE STOCK AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  One(db, "select min(part_no) from ws_partmaster where part_balance1 < 0"),
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_balance1 < 0")}),
+    SHOWS("Apro_StockSummary",
+          return {"Vehicle Stock Summary as on " +
+                      FormatDate(*Date::FromIso(f.at("stock_summary_date")), "dd/mm/yyyy", '/'),
+                  "GRAND TOTAL"}),
 
-      // Job cards, job invoices, counter invoices, service and technician lists.
+    // Job cards, job invoices, counter invoices, service and technician lists.
 
-      // Ledgers, trial balances, vouchers, cheques and notes.
+    // Ledgers, trial balances, vouchers, cheques and notes.
 
-      // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+    // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
 
   };
   return expectations;
