@@ -5,6 +5,40 @@
 #include <utility>
 
 namespace vantorel::report::canvas {
+namespace {
+
+// Where a canvas row (or column) lies along one axis of a page: on it, in points; or in the
+// margin before or after it, in pixels, as the margins do not zoom. So zooming at the top left
+// corner of a view that shows the top of a page keeps showing the top of the page.
+struct AxisPlace {
+  enum Side { kBefore, kOn, kAfter } side = kOn;
+  double distance = 0;
+};
+
+AxisPlace PlaceOnAxis(double position, double start, double length, double scale) {
+  if (position < start) return {AxisPlace::kBefore, start - position};
+  if (position > start + length) return {AxisPlace::kAfter, position - start - length};
+  return {AxisPlace::kOn, (position - start) / scale};
+}
+
+double PositionOnAxis(const AxisPlace& place, double start, double length, double scale) {
+  switch (place.side) {
+    case AxisPlace::kBefore:
+      return start - place.distance;
+    case AxisPlace::kAfter:
+      return start + length + place.distance;
+    case AxisPlace::kOn:
+      break;
+  }
+  return start + place.distance * scale;
+}
+
+}  // namespace
+
+struct CanvasView::Place {
+  size_t page = 0;
+  AxisPlace x, y;
+};
 
 CanvasView::CanvasView(std::vector<SizeF> page_sizes, PageFlow flow)
     : sizes_(std::move(page_sizes)), flow_(flow) {
@@ -45,36 +79,19 @@ std::optional<PagePoint> CanvasView::PageAt(double x, double y) const {
 
 void CanvasView::Resize(double width, double height) {
   if (width == view_width_ && height == view_height_) return;
-  // The page point at the top left corner, kept there through a fitting zoom's change.
-  const size_t page = PageAtRow(scroll_y_);
-  const PixelRect before = PageRect(page);
-  const double x = (scroll_x_ - before.x) / scale();
-  const double y = (scroll_y_ - before.y) / scale();
+  const Place corner = PlaceAt(scroll_x_, scroll_y_);
   view_width_ = width;
   view_height_ = height;
   Layout();
-  const PixelRect after = PageRect(page);
-  scroll_x_ = after.x + x * scale();
-  scroll_y_ = after.y + y * scale();
-  Clamp();
-  FollowScroll();
+  ScrollToPlace(corner, 0, 0);
 }
 
 void CanvasView::SetZoom(ZoomMode mode, double zoom, double anchor_x, double anchor_y) {
-  const double canvas_x = scroll_x_ + anchor_x;
-  const double canvas_y = scroll_y_ + anchor_y;
-  const size_t page = PageAtRow(canvas_y);
-  const PixelRect before = PageRect(page);
-  const double x = (canvas_x - before.x) / scale();
-  const double y = (canvas_y - before.y) / scale();
+  const Place anchor = PlaceAt(scroll_x_ + anchor_x, scroll_y_ + anchor_y);
   mode_ = mode;
   if (mode == ZoomMode::kFixed && zoom > 0) zoom_ = zoom;
   Layout();
-  const PixelRect after = PageRect(page);
-  scroll_x_ = after.x + x * scale() - anchor_x;
-  scroll_y_ = after.y + y * scale() - anchor_y;
-  Clamp();
-  FollowScroll();
+  ScrollToPlace(anchor, anchor_x, anchor_y);
 }
 
 void CanvasView::ZoomBy(int direction, double anchor_x, double anchor_y) {
@@ -112,6 +129,23 @@ void CanvasView::ScrollIntoView(size_t page, RectF box) {
   }
   Clamp();
   page_ = page;
+}
+
+CanvasView::Place CanvasView::PlaceAt(double canvas_x, double canvas_y) const {
+  Place place;
+  place.page = PageAtRow(canvas_y);
+  const PixelRect page = PageRect(place.page);
+  place.x = PlaceOnAxis(canvas_x, page.x, page.width, scale());
+  place.y = PlaceOnAxis(canvas_y, page.y, page.height, scale());
+  return place;
+}
+
+void CanvasView::ScrollToPlace(const Place& place, double x, double y) {
+  const PixelRect page = PageRect(place.page);
+  scroll_x_ = PositionOnAxis(place.x, page.x, page.width, scale()) - x;
+  scroll_y_ = PositionOnAxis(place.y, page.y, page.height, scale()) - y;
+  Clamp();
+  FollowScroll();
 }
 
 void CanvasView::Layout() {

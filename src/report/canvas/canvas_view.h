@@ -97,7 +97,9 @@ class CanvasView {
   void Resize(double width, double height);
 
   // Zooms to "zoom" (kFixed) or to fit (the other modes, which ignore "zoom"), keeping the place
-  // under view pixel ("anchor_x", "anchor_y") under it, as far as the canvas can scroll.
+  // under view pixel ("anchor_x", "anchor_y") under it, as far as the canvas can scroll. The
+  // margins around the pages do not zoom: at the top left corner of a view showing the top of a
+  // page, the top of the page stays in view.
   void SetZoom(ZoomMode mode, double zoom, double anchor_x = 0, double anchor_y = 0);
 
   // One zoom step in ("direction" > 0) or out, around view pixel ("anchor_x", "anchor_y").
@@ -116,6 +118,12 @@ class CanvasView {
   void ScrollIntoView(size_t page, RectF box);
 
  private:
+  // A place on the canvas relative to a page, for keeping it in view while the zoom changes.
+  struct Place;
+  Place PlaceAt(double canvas_x, double canvas_y) const;
+  // Scrolls so that "place" is at view pixel ("x", "y"), as far as the canvas reaches.
+  void ScrollToPlace(const Place& place, double x, double y);
+
   // Recomputes a fitting zoom and the pages' places.
   void Layout();
   void Clamp();

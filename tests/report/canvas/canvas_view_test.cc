@@ -69,6 +69,16 @@ TEST(CanvasView, ZoomingAroundAPointKeepsThatPlaceUnderIt) {
   EXPECT_NEAR(after->y, before->y, 1e-9);
 }
 
+TEST(CanvasView, ZoomingBetweenPagesKeepsTheDistanceFromThePageAbove) {
+  CanvasView view = Sized(PageFlow::kContinuous, 500, 400);
+  view.ScrollTo(0, 300);
+  const double row = 566 - 8 - 300;  // 8 pixels above the second page
+  const double below = 566 - 8 - view.PageRect(0).bottom();
+  view.ZoomBy(1, 250, row);
+  EXPECT_DOUBLE_EQ(view.zoom(), 1.25);
+  EXPECT_NEAR(view.PageRect(0).bottom() + below - view.scroll_y(), row, 1e-9);
+}
+
 TEST(CanvasView, ZoomingAroundAPointStopsAtTheCanvasEdges) {
   CanvasView view = Sized(PageFlow::kOnePage, 1000, 800);
   view.ZoomBy(-1, 900, 700);  // the page shrinks; there is nothing to scroll to
@@ -81,18 +91,15 @@ TEST(CanvasView, StepsWithoutAPointerKeepTheTopOfThePageInView) {
   CanvasView view = Sized(PageFlow::kOnePage, 1000, 700);
   view.ZoomBy(1);
   EXPECT_DOUBLE_EQ(view.zoom(), 1.25);
+  EXPECT_EQ(view.scroll_x(), 0);
   EXPECT_EQ(view.scroll_y(), 0);
+  view.ZoomBy(-1);
+  EXPECT_EQ(view.scroll_y(), 0);  // the margin above the page does not zoom
   view.ZoomBy(1);
-  view.ZoomBy(1);
-  view.ZoomBy(1);
-  view.ZoomBy(1);
-  view.ZoomBy(1);
-  view.ZoomBy(1);
+  for (int step = 0; step < 6; ++step) view.ZoomBy(1);
   EXPECT_DOUBLE_EQ(view.zoom(), 4.0);  // the largest step, and no further
   view.SetZoom(ZoomMode::kFixed, 1.0);
-  view.ZoomBy(-1);
-  view.ZoomBy(-1);
-  view.ZoomBy(-1);
+  for (int step = 0; step < 3; ++step) view.ZoomBy(-1);
   EXPECT_DOUBLE_EQ(view.zoom(), 0.5);
 }
 
