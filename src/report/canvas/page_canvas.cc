@@ -77,9 +77,7 @@ void PageCanvas::Build() {
   gtk_widget_add_events(scrolled_, GDK_SCROLL_MASK);
   Connect(
       scrolled_, "scroll-event",
-      +[](GtkWidget*, GdkEventScroll* event, gpointer data) {
-        return Self(data)->OnScroll(event);
-      },
+      +[](GtkWidget*, GdkEventScroll* event, gpointer data) { return Self(data)->OnScroll(event); },
       this);
 
   horizontal_ = gtk_scrolled_window_get_hadjustment(GTK_SCROLLED_WINDOW(scrolled_));

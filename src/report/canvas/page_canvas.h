@@ -104,8 +104,8 @@ class PageCanvas {
   GtkWidget* area_ = nullptr;      // likewise
   GtkAdjustment* horizontal_ = nullptr;
   GtkAdjustment* vertical_ = nullptr;
-  bool destroyed_ = false;       // the widget has been destroyed with its window
-  guint relayout_source_ = 0;    // a pending Relayout after the widget was resized
+  bool destroyed_ = false;        // the widget has been destroyed with its window
+  guint relayout_source_ = 0;     // a pending Relayout after the widget was resized
   bool applying_scroll_ = false;  // set while ApplyScroll moves the adjustments
   bool pending_scroll_ = false;   // the view's scroll position still has to reach GTK
 };

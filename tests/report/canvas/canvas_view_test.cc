@@ -15,8 +15,7 @@ const std::vector<SizeF> kTwoPages = {{300, 400}, {300, 400}};
 constexpr double kPageWidth = 400;
 constexpr double kPageHeight = 400 * kPixelsPerPoint;
 
-CanvasView Sized(PageFlow flow, double width, double height,
-                 std::vector<SizeF> pages = kTwoPages) {
+CanvasView Sized(PageFlow flow, double width, double height, std::vector<SizeF> pages = kTwoPages) {
   CanvasView view(std::move(pages), flow);
   view.Resize(width, height);
   return view;
@@ -50,7 +49,7 @@ TEST(CanvasView, APagePointIsFoundUnderAViewPixel) {
   EXPECT_EQ(point->page, 1u);
   EXPECT_NEAR(point->x, 30, 1e-9);
   EXPECT_NEAR(point->y, 15, 1e-9);
-  EXPECT_FALSE(view.PageAt(50, 100).has_value());        // the grey beside the pages
+  EXPECT_FALSE(view.PageAt(50, 100).has_value());             // the grey beside the pages
   EXPECT_FALSE(view.PageAt(200, 566 - 300 - 8).has_value());  // between them
 }
 

@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <chrono>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -130,8 +130,8 @@ class CanvasWindow {
     const CanvasView& view = canvas_.view();
     char text[128];
     std::snprintf(text, sizeof text, "page %zu / %zu; zoom %ld%%; scroll %ld,%ld", view.page() + 1,
-                  view.page_count(), std::lround(view.zoom() * 100),
-                  std::lround(view.scroll_x()), std::lround(view.scroll_y()));
+                  view.page_count(), std::lround(view.zoom() * 100), std::lround(view.scroll_x()),
+                  std::lround(view.scroll_y()));
     std::lock_guard lock(mutex_);
     status_ = text;
   }
@@ -180,10 +180,9 @@ TEST_F(PageCanvasTest, ScrollsZoomsAroundThePointerAndDrawsThePagesWhereItSays) 
     User user(title_, shots_);
     found = user.FindWindow();
     if (!found) return;
-    const std::string id = Shell("xdotool search --onlyvisible --name '^" + title_ + "$' | head -n 1");
-    auto mouse = [&](const std::string& actions) {
-      Shell("timeout 10 xdotool " + actions);
-    };
+    const std::string id =
+        Shell("xdotool search --onlyvisible --name '^" + title_ + "$' | head -n 1");
+    auto mouse = [&](const std::string& actions) { Shell("timeout 10 xdotool " + actions); };
     auto wait_for = [&](const std::string& part) {
       WaitFor([&] { return window.Status().find(part) != std::string::npos; });
       return window.Status();
