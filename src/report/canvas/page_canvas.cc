@@ -134,9 +134,15 @@ void PageCanvas::SetOnChanged(std::function<void()> changed) { changed_ = std::m
 
 void PageCanvas::OnViewResized(int width, int height) {
   if (width == view_.view_width() && height == view_.view_height()) return;
+  const size_t shown = view_.page();
   view_.Resize(width, height);
+  if (view_.zoom_mode() == ZoomMode::kFixed) {
+    // GTK keeps its scroll position within the new size itself; only the page shown can change.
+    if (view_.page() != shown && changed_) changed_();
+    return;
+  }
   // Resizing the page from inside GTK's allocation pass would nest layouts: do it just after.
-  if (view_.zoom_mode() != ZoomMode::kFixed && relayout_source_ == 0) {
+  if (relayout_source_ == 0) {
     relayout_source_ = g_idle_add(
         +[](gpointer data) {
           Self(data)->relayout_source_ = 0;

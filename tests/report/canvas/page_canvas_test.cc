@@ -89,6 +89,9 @@ class CanvasWindow {
     canvas_.GrabFocus();
     g_main_loop_run(loop_);
     window_ = nullptr;
+    // Sends the closing to the display now, so the user sees the window go.
+    for (int round = 0; round < 100 && gtk_events_pending(); ++round) gtk_main_iteration_do(FALSE);
+    gdk_display_flush(gdk_display_get_default());
   }
 
   std::string Status() const {
