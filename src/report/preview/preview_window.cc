@@ -221,6 +221,7 @@ class PreviewWindow {
     gtk_box_pack_start(GTK_BOX(box), toolbar_, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), canvas_.widget(), TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(window_), box);
+    // The find marks' fill goes under the text so it stays readable, their outline over it.
     canvas_.SetMarks([this](cairo_t* cr, size_t page, canvas::MarkLayer layer) {
       DrawMatches(cr, page, layer == canvas::MarkLayer::kUnderItems);
     });
