@@ -142,7 +142,8 @@ struct Voucher {
   std::optional<Day> cheque_date;
   std::string narration, user;
   std::vector<Entry> entries;
-  int order = 0;  // the order it was posted in, for vouchers of one day
+  int order = 0;         // the order it was posted in, for vouchers of one day
+  bool dropped = false;  // left out of the books (a busy cash book trimmed to its size)
   int id = 0;
   std::string num;
 
@@ -252,6 +253,7 @@ class Books {
     PostJournals();
     PostCashBook();
     PostContra();
+    TrimCashBook();
     Number();
     WriteTables();
     ChooseFacts();
@@ -461,7 +463,10 @@ class Books {
                                                       "Bajaj Allianz", "United India Insurance"};
     int count = 0;
     for (const Invoice& i : d_.invoices) {
-      if (i.itype != 'R' || d_.model(i.units[0].model).category == Category::kCycle) continue;
+      if (i.itype != 'R' || d_.model(i.units[0].model).category == Category::kCycle ||
+          d_.customer(i.customer).business) {
+        continue;
+      }
       if (!random_.Percent(7)) continue;
       Exchange x;
       x.id = 301 + count;
@@ -901,7 +906,7 @@ class Books {
     const Day year_end = Day::FromYmd(2025, 3, 31);
     int in_year = 0;
     for (const Voucher& v : vouchers_) {
-      if (v.date > year_end) continue;
+      if (v.date < kFirstDay || v.date > year_end) continue;
       for (const Entry& e : v.entries) in_year += e.account == ac::kCash ? 1 : 0;
     }
     const int days = year_end.DaysSince(kFirstDay) + 1;
@@ -915,6 +920,7 @@ class Books {
     auto petty_entry = [&](Day day) {
       const auto& [account, what] = random_.Pick(petty);
       Voucher& v = New("PAYMENT", day, 1, what);
+      petty_.push_back(v.order);
       v.mode = "CASH";
       v.Dr(account, Rs(random_.Between(2, 60) * 10));
       v.Cr(ac::kCash, v.Debits());
@@ -1000,11 +1006,32 @@ class Books {
     }
   }
 
+  // The cash deposits of a busy cash book add entries of their own: as many petty expenses go
+  // as the deposits came, so that the year holds exactly the entries asked for.
+  void TrimCashBook() {
+    if (options_.ledger_entries <= 0) return;
+    const Day year_end = Day::FromYmd(2025, 3, 31);
+    int in_year = 0;
+    for (const Voucher& v : vouchers_) {
+      if (v.date < kFirstDay || v.date > year_end) continue;
+      for (const Entry& e : v.entries) in_year += e.account == ac::kCash ? 1 : 0;
+    }
+    for (auto it = petty_.rbegin(); it != petty_.rend() && in_year > options_.ledger_entries;
+         ++it) {
+      Voucher& v = vouchers_[static_cast<size_t>(*it - 1)];
+      if (v.date > year_end) continue;
+      v.dropped = true;
+      --in_year;
+    }
+  }
+
   // Numbers the vouchers in date order, each type in its own series per financial year, and
   // names on every entry the account the ledger shows against it.
   void Number() {
     std::vector<Voucher*> order;
-    for (Voucher& v : vouchers_) order.push_back(&v);
+    for (Voucher& v : vouchers_) {
+      if (!v.dropped) order.push_back(&v);
+    }
     std::stable_sort(order.begin(), order.end(), [](const Voucher* a, const Voucher* b) {
       return a->date != b->date ? a->date < b->date : a->order < b->order;
     });
@@ -1254,6 +1281,7 @@ class Books {
   std::vector<GstDocument> gst_documents_;
   std::vector<Note> notes_;
   std::vector<int> cheques_;  // indexes in vouchers_ of payments by cheque
+  std::vector<int> petty_;    // orders of the petty cash expenses
 };
 
 }  // namespace
