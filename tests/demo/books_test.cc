@@ -124,21 +124,21 @@ TEST_F(Books, EveryLedgerClosesAtItsOpeningPlusItsMovements) {
        {Get("ledger_refid"), Get("cash_account_id"), Get("party_account_id"), std::string("1")}) {
     const double opening = Number(
         "select a.am_opbal + coalesce((select sum(vd_dr - vd_cr) from vu_ledger where am_id = " +
-        account + " and vm_date < '" + from + "'), 0) from fa_acmaster a where a.am_id = " +
-        account);
+        account + " and vm_date < '" + from +
+        "'), 0) from fa_acmaster a where a.am_id = " + account);
     const std::string period = " from vu_ledger where am_id = " + account + " and vm_date >= '" +
                                from + "' and vm_date <= '" + to + "'";
     const double debits = Number("select coalesce(sum(vd_dr), 0)" + period);
     const double credits = Number("select coalesce(sum(vd_cr), 0)" + period);
     EXPECT_GT(Count("select count(*)" + period), 0) << account;
     EXPECT_NEAR(opening + debits - credits,
-                Number("select bal from (" + Balances(to) + ") t where am_id = " + account),
-                0.005)
+                Number("select bal from (" + Balances(to) + ") t where am_id = " + account), 0.005)
         << account;
   }
   // The running balance of the cash book never leaves the till short.
-  const auto rows = Rows(*db_, "select vd_dr - vd_cr from vu_ledger where am_id = " +
-                                   Get("cash_account_id") + " order by vm_date, vm_id, vd_line");
+  const auto rows =
+      Rows(*db_, "select vd_dr - vd_cr from vu_ledger where am_id = " + Get("cash_account_id") +
+                     " order by vm_date, vm_id, vd_line");
   double cash = Number("select am_opbal from fa_acmaster where am_id = " + Get("cash_account_id"));
   for (const auto& row : rows) {
     cash += ToDouble(row[0]);
@@ -156,18 +156,17 @@ TEST_F(Books, IdsFitTheInterface) {
   EXPECT_GT(refid, 65535);
   EXPECT_LE(refid, 2147483647);
   EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Get("ledger_refid")), 1);
-  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Get("party_account_id")),
-            1);
-  for (const char* key : {"voucher_id", "voucher_payment_id", "voucher_journal_id",
-                          "cheque_voucher_id"}) {
+  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Get("party_account_id")), 1);
+  for (const char* key :
+       {"voucher_id", "voucher_payment_id", "voucher_journal_id", "cheque_voucher_id"}) {
     EXPECT_EQ(Count("select count(*) from vchmst where vm_id = " + Get(key)), 1) << key;
   }
-  EXPECT_EQ(Count("select count(*) from gstvmst where dtype = 'G' and did = " +
-                  Get("gst_voucher_id")),
-            1);
-  EXPECT_EQ(Count("select count(*) from gstvmst where dtype = 'P' and did = " +
-                  Get("payout_voucher_id")),
-            1);
+  EXPECT_EQ(
+      Count("select count(*) from gstvmst where dtype = 'G' and did = " + Get("gst_voucher_id")),
+      1);
+  EXPECT_EQ(
+      Count("select count(*) from gstvmst where dtype = 'P' and did = " + Get("payout_voucher_id")),
+      1);
   EXPECT_EQ(Count("select count(*) from gstdcnmst where dtype = 'C' and did = " +
                   Get("gst_credit_note_id")),
             1);
@@ -175,9 +174,9 @@ TEST_F(Books, IdsFitTheInterface) {
                   Get("gst_debit_note_id")),
             1);
   EXPECT_EQ(Count("select count(*) from oldveh where xid = " + Get("old_vehicle_id")), 1);
-  EXPECT_EQ(ToText(One("select distinct grp_name from fa_group where grp_id = " +
-                       Get("trial_group_id"))),
-            Get("trial_group_name"));
+  EXPECT_EQ(
+      ToText(One("select distinct grp_name from fa_group where grp_id = " + Get("trial_group_id"))),
+      Get("trial_group_name"));
 }
 
 TEST_F(Books, GstDocumentsAddUpAndArePosted) {
@@ -233,19 +232,20 @@ TEST_F(Books, TheHostsSqlRuns) {
 
 TEST(BooksCashBook, ABusyDealersCashBookHasTheEntriesAsked) {
   TempFolder folder;
-  ASSERT_EQ(RunGenerator("--ledger-entries 3000 --sqlite " + folder.File("busy.db") +
-                         " --facts " + folder.File("facts")),
+  ASSERT_EQ(RunGenerator("--ledger-entries 3000 --sqlite " + folder.File("busy.db") + " --facts " +
+                         folder.File("facts")),
             0);
   auto db = data::Connection::Open(folder.File("busy.db"));
   const Facts facts = ReadFacts(folder.File("facts"));
-  EXPECT_EQ(Rows(*db, "select count(*) from vu_ledger where am_id = " +
-                          Fact(facts, "cash_account_id") + " and vm_date >= '" +
-                          Fact(facts, "ledger_from") + "' and vm_date <= '" +
-                          Fact(facts, "ledger_to") + "'")[0][0]
-                .integer(),
-            3000);
-  EXPECT_EQ(Rows(*db, "select count(*) from (select vm_id from vchdet group by vm_id "
-                      "having abs(sum(vd_dr) - sum(vd_cr)) > 0.001) t")[0][0]
+  EXPECT_EQ(
+      Rows(*db, "select count(*) from vu_ledger where am_id = " + Fact(facts, "cash_account_id") +
+                    " and vm_date >= '" + Fact(facts, "ledger_from") + "' and vm_date <= '" +
+                    Fact(facts, "ledger_to") + "'")[0][0]
+          .integer(),
+      3000);
+  EXPECT_EQ(Rows(*db,
+                 "select count(*) from (select vm_id from vchdet group by vm_id "
+                 "having abs(sum(vd_dr) - sum(vd_cr)) > 0.001) t")[0][0]
                 .integer(),
             0);
 }
