@@ -46,7 +46,7 @@ struct Posting {
   int party = 0;         // fa_acmaster id of the customer or supplier; 0 for cash
   int64_t taxable = 0;   // paise
   int64_t cgst = 0, sgst = 0, igst = 0;
-  int64_t total = 0;     // paise, as billed (rounded)
+  int64_t total = 0;  // paise, as billed (rounded)
 };
 
 struct Workshop {
@@ -56,14 +56,14 @@ struct Workshop {
 
 using Facts = std::vector<std::pair<std::string, std::string>>;
 
-void AddSpares(const Dealership& sales, const Options& options, Random& random,
-               Workshop& workshop, Dataset& tables, Facts& facts);
+void AddSpares(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+               Dataset& tables, Facts& facts);
 void AddJobs(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
              Dataset& tables, Facts& facts);
-void AddBooks(const Dealership& sales, const Options& options, Random& random,
-              Workshop& workshop, Dataset& tables, Facts& facts);
-void AddReturns(const Dealership& sales, const Options& options, Random& random,
-                Workshop& workshop, Dataset& tables, Facts& facts);
+void AddBooks(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+              Dataset& tables, Facts& facts);
+void AddReturns(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+                Dataset& tables, Facts& facts);
 
 }  // namespace vantorel::demo
 
