@@ -38,11 +38,15 @@ std::string ReadText(const fs::path& path) {
 class ChequeLeaf : public ::testing::Test {
  protected:
   void SetUp() override {
-    folder_ = fs::temp_directory_path() /
-              ("vantorel-cheque-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-               "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    folder_ =
+        fs::temp_directory_path() /
+        ("vantorel-cheque-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+         "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(folder_);
     fs::create_directories(folder_);
+    // The cheque reads nothing, but the component connects the template's database: an empty
+    // file is an empty SQLite database.
+    std::ofstream(folder_ / "books.db", std::ios::binary);
   }
   void TearDown() override { fs::remove_all(folder_); }
 
@@ -51,17 +55,18 @@ class ChequeLeaf : public ::testing::Test {
   std::vector<Word> Print(const std::string& margins = {}) {
     std::string cheque = ReadText(fs::path(VANTOREL_SOURCE_DIR) / "templates/chequeprint.fr3");
     if (!margins.empty()) {
-      cheque = std::regex_replace(cheque, std::regex(R"(margin="0" margin-left="5mm" margin-top="5mm")"),
-                                  margins);
+      cheque = std::regex_replace(
+          cheque, std::regex(R"(margin="0" margin-left="5mm" margin-top="5mm")"), margins);
     }
     std::ofstream(folder_ / "chequeprint.fr3", std::ios::binary) << cheque;
     const fs::path pdf = folder_ / "cheque.pdf";
     const std::string call = std::string(VANTOREL_CLI) + " call --report-path '" +
-                             folder_.string() + "/' --db '" + (folder_ / "none.db").string() +
+                             folder_.string() + "/' --db '" + (folder_ / "books.db").string() +
                              "' --pdf '" + pdf.string() +
                              "' ChequePrint 15072025 'A/C PAYEE' 'Sakal Media Pvt Ltd' "
                              "'**1,25,000.00/-' 'Rupees One Lakh Twenty Five Thousand Only'"
-                             " > '" + (folder_ / "call.log").string() + "' 2>&1";
+                             " > '" +
+                             (folder_ / "call.log").string() + "' 2>&1";
     EXPECT_EQ(std::system(call.c_str()), 0) << ReadText(folder_ / "call.log");
     const std::string bbox = (folder_ / "cheque.html").string();
     const std::string convert = "pdftotext -bbox '" + pdf.string() + "' '" + bbox + "'";
@@ -79,8 +84,7 @@ class ChequeLeaf : public ::testing::Test {
     return words;
   }
 
-  static const Word& Find(const std::vector<Word>& words, const std::string& text,
-                          size_t nth = 0) {
+  static const Word& Find(const std::vector<Word>& words, const std::string& text, size_t nth = 0) {
     for (const Word& w : words) {
       if (w.text == text && nth-- == 0) return w;
     }
@@ -110,12 +114,13 @@ class ChequeLeaf : public ::testing::Test {
 TEST_F(ChequeLeaf, IsTheSizeOfACtsLeaf) {
   Print();
   const std::string info = folder_ / "info.txt";
-  ASSERT_EQ(std::system(("pdfinfo '" + (folder_ / "cheque.pdf").string() + "' > '" + info + "'")
-                            .c_str()),
-            0);
+  ASSERT_EQ(
+      std::system(("pdfinfo '" + (folder_ / "cheque.pdf").string() + "' > '" + info + "'").c_str()),
+      0);
   std::smatch size;
   const std::string text = ReadText(info);
-  ASSERT_TRUE(std::regex_search(text, size, std::regex(R"(Page size:\s+([0-9.]+) x ([0-9.]+) pts)")));
+  ASSERT_TRUE(
+      std::regex_search(text, size, std::regex(R"(Page size:\s+([0-9.]+) x ([0-9.]+) pts)")));
   EXPECT_NEAR(std::stod(size[1]) / kPointsPerMm, 202, 0.1);
   EXPECT_NEAR(std::stod(size[2]) / kPointsPerMm, 92, 0.1);
 }
