@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "demo/identifiers.h"
 #include "demo/workshop.h"
 
 namespace vantorel::demo {
@@ -115,11 +116,11 @@ std::vector<Ledger> BooksLedgers() {
       {ac::kPayouts, "Sub-dealer Scheme Payouts", "EXPENSE", 0},
       {ac::kIncentive, "Incentive from Manufacturer", "INCOME", 0},
       {ac::kLandlord, "Kale Properties & Estates", "EXPCRED", 0, "Kale Plaza, Magarpatta Road",
-       "Pune", mh, "27", "411028", "27AAGFK4410M1Z6", "AAGFK4410M", "020-26812245"},
+       "Pune", mh, "27", "411028", "", "AAGFK4410M", "020-26812245"},
       {ac::kSakalMedia, "Sakal Media Pvt Ltd", "EXPCRED", 0, "595, Budhwar Peth", "Pune", mh, "27",
-       "411002", "27AAECS1190H1ZQ", "AAECS1190H", "020-24405500"},
+       "411002", "", "AAECS1190H", "020-24405500"},
       {ac::kOmSaiElectricals, "Om Sai Electricals & Services", "EXPCRED", 0,
-       "Shop 9, Gadital, Hadapsar", "Pune", mh, "27", "411028", "27BKPPS7712R1Z2", "BKPPS7712R",
+       "Shop 9, Gadital, Hadapsar", "Pune", mh, "27", "411028", "", "BKPPS7712R",
        "9822047781"},
       {ac::kWorkshopCustomers, "Sundry Workshop Customers", "CUSTOMER", 0},
   };
@@ -1076,7 +1077,9 @@ class Books {
     for (const Ledger& l : BooksLedgers()) {
       const int64_t opening = l.id == ac::kCapital ? -openings_ : l.opening;
       accounts.Add({Int(l.id), l.name, l.group, Text(l.add1), Text(l.town), Text(l.state),
-                    Text(l.state_code), Text(l.pin), Text(l.gstin), Text(l.pan), Text(l.phone),
+                    Text(l.state_code), Text(l.pin),
+                    Text(l.pan.empty() ? std::string() : MakeGstin(l.state_code, l.pan)),
+                    Text(l.pan), Text(l.phone),
                     Paise(opening)});
     }
     for (const Customer& c : d_.customers) {
