@@ -120,8 +120,7 @@ std::vector<Ledger> BooksLedgers() {
       {ac::kSakalMedia, "Sakal Media Pvt Ltd", "EXPCRED", 0, "595, Budhwar Peth", "Pune", mh, "27",
        "411002", "", "AAECS1190H", "020-24405500"},
       {ac::kOmSaiElectricals, "Om Sai Electricals & Services", "EXPCRED", 0,
-       "Shop 9, Gadital, Hadapsar", "Pune", mh, "27", "411028", "", "BKPPS7712R",
-       "9822047781"},
+       "Shop 9, Gadital, Hadapsar", "Pune", mh, "27", "411028", "", "BKPPS7712R", "9822047781"},
       {ac::kWorkshopCustomers, "Sundry Workshop Customers", "CUSTOMER", 0},
   };
 }
@@ -269,7 +268,9 @@ class Books {
     for (const Table& table : tables_.tables()) {
       if (table.name() != "fa_acmaster") continue;
       for (const auto& row : table.rows()) {
-        known_.insert(static_cast<int>(std::get<int64_t>(row[0])));
+        const int id = static_cast<int>(std::get<int64_t>(row[0]));
+        known_.insert(id);
+        earlier_.insert(id);
         const Cell& opening = row.back();
         if (const auto* money = std::get_if<Money>(&opening)) openings_ += money->paise;
       }
@@ -278,6 +279,7 @@ class Books {
       known_.insert(l.id);
       openings_ += l.opening;
     }
+    for (const Account& a : d_.accounts) known_.insert(a.id);
     for (const Customer& c : d_.customers) known_.insert(CustomerLedger(c.id));
   }
 
@@ -1079,10 +1081,11 @@ class Books {
       accounts.Add({Int(l.id), l.name, l.group, Text(l.add1), Text(l.town), Text(l.state),
                     Text(l.state_code), Text(l.pin),
                     Text(l.pan.empty() ? std::string() : MakeGstin(l.state_code, l.pan)),
-                    Text(l.pan), Text(l.phone),
-                    Paise(opening)});
+                    Text(l.pan), Text(l.phone), Paise(opening)});
     }
     for (const Customer& c : d_.customers) {
+      // A customer the workshop has already given an account keeps it.
+      if (earlier_.count(CustomerLedger(c.id)) > 0) continue;
       accounts.Add({Int(CustomerLedger(c.id)), c.name, "CUSTOMER", Text(c.add1), Text(c.city),
                     Text(c.state), Text(c.state_code), Text(c.pin), Text(c.gstin), Text(c.pan),
                     Text(c.mobile), Paise(0)});
@@ -1221,7 +1224,8 @@ class Books {
         "where m.vm_date <= '" +
             to.Iso() +
             "' group by d.am_id) t on t.am_id = a.am_id where g.grp_nature = 'ASSETS' group by "
-            "g.grp_id, g.grp_name, g.grp_nature order by g.grp_id");
+            "g.grp_id, g.grp_name, g.grp_nature having sum(a.am_opbal + coalesce(t.mv, 0)) <> 0 "
+            "order by g.grp_id");
 
     // Vouchers of every kind: the first of each type with the most lines.
     auto richest = [&](const std::string& type) {
@@ -1276,6 +1280,7 @@ class Books {
   Facts& facts_;
   Random random_;
   std::set<int> known_;
+  std::set<int> earlier_;  // accounts the steps before the books wrote
   int64_t openings_ = 0;
   std::deque<Voucher> vouchers_;
   std::vector<Voucher*> numbered_;

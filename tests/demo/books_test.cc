@@ -10,6 +10,9 @@
 #include "data/temp_database.h"
 #include "data/value.h"
 #include "demo/demo_support.h"
+#include "demo/entities.h"
+#include "demo/random.h"
+#include "demo/workshop.h"
 
 namespace vantorel::demo::testing {
 namespace {
@@ -248,6 +251,66 @@ TEST(BooksCashBook, ABusyDealersCashBookHasTheEntriesAsked) {
                  "having abs(sum(vd_dr) - sum(vd_cr)) > 0.001) t")[0][0]
                 .integer(),
             0);
+}
+
+// The workshop's documents reach the books as postings; whatever the workshop leaves there is
+// posted: a sale debits its party (the cash book when it has none) and credits the sales, tax
+// and round-off ledgers, a purchase the other way round, a return turns either round, and a
+// party the account master does not know goes to the workshop customers' account.
+TEST(BooksPostings, TheWorkshopsPostingsArePosted) {
+  Random random(kDefaultSeed);
+  Random paperwork(kDefaultSeed ^ 1);
+  Dealership sales;
+  AddMasters(random, sales);
+  AddTrading(random, paperwork, sales);
+  Workshop workshop;
+  const Day day = Day::FromYmd(2024, 6, 3);
+  workshop.postings = {
+      {day, "SERVICE", "JI/24-25/0001", 0, Rs(1000), Rs(90), Rs(90), 0, Rs(1180)},
+      {day, "SPARES PURCHASE", "SPB/24-25/0001", 1, Rs(5000), 0, 0, Rs(900), Rs(5900)},
+      {day, "PURCHASE RETURN", "SPR/24-25/0001", 1, Rs(200), 0, 0, Rs(36), Rs(236)},
+      {day, "COUNTER", "CS/24-25/0001", 777777, 25012, 2251, 2251, 0, Rs(295)},
+  };
+  Dataset tables;
+  demo::Facts facts;
+  AddBooks(sales, Options{}, random, workshop, tables, facts);
+
+  const Table* masters = nullptr;
+  const Table* lines = nullptr;
+  for (const Table& table : tables.tables()) {
+    if (table.name() == "vchmst") masters = &table;
+    if (table.name() == "vchdet") lines = &table;
+  }
+  ASSERT_NE(masters, nullptr);
+  ASSERT_NE(lines, nullptr);
+  auto paise = [](const Cell& cell) { return std::get<Money>(cell).paise; };
+  // document: its voucher type, and the party's debit (positive) or credit (negative)
+  const std::map<std::string, std::pair<std::string, std::pair<int64_t, int64_t>>> expected = {
+      {"JI/24-25/0001", {"SALES", {43, Rs(1180)}}},
+      {"SPB/24-25/0001", {"PURCHASE", {1, -Rs(5900)}}},
+      {"SPR/24-25/0001", {"DEBIT NOTE", {1, Rs(236)}}},
+      {"CS/24-25/0001", {"SALES", {494, Rs(295)}}},
+  };
+  for (const auto& [document, want] : expected) {
+    int64_t id = 0;
+    for (const auto& row : masters->rows()) {
+      if (std::holds_alternative<std::string>(row[5]) &&
+          std::get<std::string>(row[5]) == document) {
+        EXPECT_EQ(std::get<std::string>(row[1]), want.first) << document;
+        id = std::get<int64_t>(row[0]);
+      }
+    }
+    ASSERT_NE(id, 0) << document << " is not posted";
+    int64_t debits = 0, credits = 0, party = 0;
+    for (const auto& row : lines->rows()) {
+      if (std::get<int64_t>(row[0]) != id) continue;
+      debits += paise(row[3]);
+      credits += paise(row[4]);
+      if (std::get<int64_t>(row[2]) == want.second.first) party += paise(row[3]) - paise(row[4]);
+    }
+    EXPECT_EQ(debits, credits) << document;
+    EXPECT_EQ(party, want.second.second) << document;
+  }
 }
 
 }  // namespace
