@@ -779,9 +779,18 @@ class Books {
       n.reason = damage ? "Transit damage noted on the GRN, claimed from the manufacturer"
                         : "Tool kit and owner's manual short-supplied";
       const Line& l = p.lines[static_cast<size_t>(random_.Below(static_cast<int>(p.lines.size())))];
-      n.lines.push_back(NoteOf(
-          l, (damage ? "Transit damage (panel and mirror), " : "Kit shortage, ") + l.description, 1,
-          Rs(damage ? random_.Between(12, 35) * 100 : 850)));
+      std::string vehicle = l.description;
+      bool cycle = false;
+      if (l.vehicle != 0) {
+        const Vehicle& v = d_.vehicle(l.vehicle);
+        vehicle = d_.model(v.model).Name() + ", chassis " + v.chassis;
+        cycle = d_.model(v.model).category == Category::kCycle;
+      }
+      const char* what = !damage ? "Kit shortage"
+                         : cycle ? "Transit damage (bent mudguard and carrier)"
+                                 : "Transit damage (panel and mirror)";
+      n.lines.push_back(NoteOf(l, what + (vehicle.empty() ? std::string() : ", " + vehicle), 1,
+                               Rs(damage ? random_.Between(12, 35) * 100 : 850)));
       Voucher& v = New("DEBIT NOTE", n.date, n.branch,
                        "Debit note " + n.num + " against bill " + p.bill_no + ": " + n.reason);
       v.user = kAccountant;
