@@ -1164,6 +1164,232 @@ join fa_acmaster a on a.am_id = r.am_id;
 
 
 -- ===== Accounts: the chart of accounts and the vouchers =====
+-- The books are dropped here, before they are made: they sit on the sales side's tables.
+drop view if exists vu_oldveh;
+drop view if exists vu_gstdcn;
+drop view if exists vu_gstvoucher;
+drop view if exists vu_voucher;
+drop view if exists vu_ledger;
+drop table if exists oldveh;
+drop table if exists gstdcndet;
+drop table if exists gstdcnmst;
+drop table if exists gstvdet;
+drop table if exists gstvmst;
+drop table if exists vchdet;
+drop table if exists vchmst;
+drop table if exists fa_group;
+
+-- Account groups: each am_group of fa_acmaster under its primary group (grp_id, grp_name:
+-- "SUNDRY DEBTORS") and the group's nature (ASSETS, LIABILITIES, INCOME, EXPENSES), as the
+-- trial balances list them.
+create table fa_group (
+  grp_code varchar(20) primary key,
+  grp_id integer not null,
+  grp_name varchar(40) not null,
+  grp_nature varchar(12) not null
+);
+
+-- Vouchers: one row per voucher of the books, posted from a document (vm_ref) or entered by
+-- the accounts staff (vm_user). vm_type is SALES, PURCHASE, RECEIPT, PAYMENT, JOURNAL, CONTRA,
+-- CREDIT NOTE or DEBIT NOTE; vm_amt is the voucher's total of debits.
+create table vchmst (
+  vm_id integer primary key,
+  vm_type varchar(12) not null,
+  vm_no varchar(20) not null,
+  vm_date date not null,
+  br_id integer references branch (br_id),
+  vm_ref varchar(30),
+  vm_refdate date,
+  vm_amt numeric(14,2) not null,
+  vm_mode varchar(8),
+  vm_chqno varchar(24),
+  vm_chqdate date,
+  vm_bank varchar(60),
+  vm_narration varchar(200) not null,
+  vm_user varchar(20) not null,
+  vm_checkedby varchar(20)
+);
+create index ix_vchmst_date on vchmst (vm_date);
+create index ix_vchmst_user on vchmst (vm_user, vm_date);
+
+-- Voucher lines: the debit or the credit of one account; vd_against is the account on the
+-- other side that a ledger shows as the particulars of the line.
+create table vchdet (
+  vm_id integer not null references vchmst (vm_id),
+  vd_line integer not null,
+  am_id integer not null,
+  vd_dr numeric(14,2) not null,
+  vd_cr numeric(14,2) not null,
+  vd_against integer,
+  vd_remarks varchar(80),
+  primary key (vm_id, vd_line)
+);
+create index ix_vchdet_account on vchdet (am_id, vm_id);
+
+-- GST vouchers: a creditor's bill of services with input tax (dtype 'G', rent, advertisement,
+-- repairs) or a sub-dealer's payout (dtype 'P'); vm_id is the journal that books it.
+create table gstvmst (
+  did integer primary key,
+  dtype varchar(1) not null,
+  dnum varchar(20) not null,
+  ddate date not null,
+  br_id integer references branch (br_id),
+  am_id integer not null,
+  bill_no varchar(24) not null,
+  bill_date date not null,
+  taxable numeric(12,2) not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  damt numeric(12,2) not null,
+  narration varchar(200),
+  vm_id integer references vchmst (vm_id),
+  duser varchar(20)
+);
+
+-- Lines of GST vouchers: the expense account, the service and its SAC, the tax split.
+create table gstvdet (
+  did integer not null references gstvmst (did),
+  line integer not null,
+  am_id integer not null,
+  descr varchar(80) not null,
+  sac varchar(8),
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  primary key (did, line)
+);
+
+-- GST debit notes (dtype 'D', to a supplier against his bill) and credit notes (dtype 'C', to a
+-- sub-dealer against our invoice): the original document, the reason, the tax split; damt is
+-- the note's amount, which the print writes in words.
+create table gstdcnmst (
+  did integer primary key,
+  dtype varchar(1) not null,
+  dnum varchar(20) not null,
+  ddate date not null,
+  br_id integer references branch (br_id),
+  am_id integer not null,
+  orig_no varchar(24) not null,
+  orig_date date not null,
+  reason varchar(120) not null,
+  taxable numeric(12,2) not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  damt numeric(12,2) not null,
+  vm_id integer references vchmst (vm_id),
+  duser varchar(20)
+);
+
+-- Lines of GST debit and credit notes.
+create table gstdcndet (
+  did integer not null references gstdcnmst (did),
+  line integer not null,
+  descr varchar(120) not null,
+  hsn varchar(8),
+  qty integer not null,
+  rate numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  primary key (did, line)
+);
+
+-- Old vehicles taken in exchange against a new vehicle's invoice, at the agreed value, with
+-- the papers received; the receipt the dealer gives the customer prints one row.
+create table oldveh (
+  xid integer primary key,
+  xno varchar(20) not null,
+  xdate date not null,
+  br_id integer references branch (br_id),
+  cust_id integer not null references customer (cust_id),
+  invid integer references invoice (id),
+  make_model varchar(40) not null,
+  mfg_year integer,
+  regno varchar(16) not null,
+  chassis varchar(20),
+  engine varchar(20),
+  colour varchar(20),
+  kms integer,
+  owners integer,
+  insurer varchar(40),
+  value numeric(12,2) not null,
+  rc_recd varchar(1),
+  ins_recd varchar(1),
+  noc_recd varchar(1),
+  keys_recd varchar(1),
+  paymode varchar(8),
+  xuser varchar(20)
+);
+
+-- Ledger lines: one row per voucher line with its voucher and the account shown against it
+-- (the party ledger's host SQL and the reference ledger read it).
+create view vu_ledger as
+select d.am_id, a.am_name, a.am_group, m.vm_id, m.vm_type, m.vm_no, m.vm_date, m.br_id,
+  m.vm_ref, m.vm_refdate, m.vm_mode, m.vm_chqno, m.vm_narration, m.vm_user, d.vd_line,
+  d.vd_dr, d.vd_cr, d.vd_against, o.am_name as against_name, d.vd_remarks
+from vchdet d
+join vchmst m on m.vm_id = d.vm_id
+join fa_acmaster a on a.am_id = d.am_id
+left join fa_acmaster o on o.am_id = d.vd_against;
+
+-- Vouchers with their lines in order, the account and its group (the single voucher and the
+-- user-wise list read it).
+create view vu_voucher as
+select m.vm_id, m.vm_type, m.vm_no, m.vm_date, m.br_id, b.br_name, b.coid, m.vm_ref,
+  m.vm_refdate, m.vm_amt, m.vm_mode, m.vm_chqno, m.vm_chqdate, m.vm_bank, m.vm_narration,
+  m.vm_user, m.vm_checkedby, d.vd_line, d.am_id, a.am_name, a.am_group, d.vd_dr, d.vd_cr,
+  d.vd_remarks
+from vchmst m
+join vchdet d on d.vm_id = m.vm_id
+join fa_acmaster a on a.am_id = d.am_id
+left join branch b on b.br_id = m.br_id;
+
+-- GST vouchers with their lines, the party and the expense account.
+create view vu_gstvoucher as
+select g.did, g.dtype, g.dnum, g.ddate, g.br_id, b.coid, g.am_id, p.am_name, p.am_add1,
+  p.am_town, p.am_state, p.am_statecode, p.am_pin, p.am_gst, p.am_pan, g.bill_no, g.bill_date,
+  g.taxable as tot_taxable, g.cgst as tot_cgst, g.sgst as tot_sgst, g.igst as tot_igst, g.damt,
+  g.narration, g.vm_id, m.vm_no, g.duser, l.line, l.am_id as exp_id, e.am_name as exp_name,
+  l.descr, l.sac, l.taxable, l.gst_rate, l.cgst, l.sgst, l.igst, l.amount
+from gstvmst g
+join gstvdet l on l.did = g.did
+join fa_acmaster p on p.am_id = g.am_id
+join fa_acmaster e on e.am_id = l.am_id
+left join vchmst m on m.vm_id = g.vm_id
+left join branch b on b.br_id = g.br_id;
+
+-- GST debit and credit notes with their lines and the party.
+create view vu_gstdcn as
+select n.did, n.dtype, n.dnum, n.ddate, n.br_id, b.coid, n.am_id, p.am_name, p.am_add1,
+  p.am_add2, p.am_town, p.am_state, p.am_statecode, p.am_pin, p.am_gst, n.orig_no, n.orig_date,
+  n.reason, n.taxable as tot_taxable, n.cgst as tot_cgst, n.sgst as tot_sgst,
+  n.igst as tot_igst, n.damt, n.vm_id, m.vm_no, n.duser, l.line, l.descr, l.hsn, l.qty, l.rate,
+  l.taxable, l.gst_rate, l.cgst, l.sgst, l.igst, l.amount
+from gstdcnmst n
+join gstdcndet l on l.did = n.did
+join fa_acmaster p on p.am_id = n.am_id
+left join vchmst m on m.vm_id = n.vm_id
+left join branch b on b.br_id = n.br_id;
+
+-- Exchange vehicles with the customer and the new vehicle's invoice.
+create view vu_oldveh as
+select x.xid, x.xno, x.xdate, x.br_id, b.br_name, b.coid, x.cust_id, c.cname, c.relation,
+  c.cfname, c.cadd1, c.cadd2, c.ccity, c.cpin, c.cmobile, x.invid, i.num as inv_num,
+  i.idate as inv_date, x.make_model, x.mfg_year, x.regno, x.chassis, x.engine, x.colour, x.kms,
+  x.owners, x.insurer, x.value, x.rc_recd, x.ins_recd, x.noc_recd, x.keys_recd, x.paymode,
+  x.xuser
+from oldveh x
+join customer c on c.cust_id = x.cust_id
+left join invoice i on i.id = x.invid
+left join branch b on b.br_id = x.br_id;
 
 
 -- ===== Accounts: the VAT year, C forms, quotations, the top list, labels =====

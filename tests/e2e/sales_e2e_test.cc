@@ -237,6 +237,19 @@ std::string IndianAmount(double amount) {
          std::to_string(cents);
 }
 
+// A date fact as the books' prints write it: "01-04-2024" on ledgers, "31/03/2024" in the trial
+// balances' titles (the regional separator of the tests is the slash).
+std::string Dmy(const Facts& f, const char* key) {
+  return FormatDate(*Date::FromIso(f.at(key)), "dd-mm-yyyy", '-');
+}
+std::string Slashed(const Facts& f, const char* key) {
+  return FormatDate(*Date::FromIso(f.at(key)), "dd/mm/yyyy", '/');
+}
+// A balance with its side, as the books print it: "1,05,630.00 Dr".
+std::string Balance(double amount) {
+  return IndianAmount(amount < 0 ? -amount : amount) + (amount < 0 ? " Cr" : " Dr");
+}
+
 // What each method's first example call of the catalogue must show. A method without an entry
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
@@ -431,6 +444,82 @@ const std::map<std::string, Expected>& Expectations() {
     // Job cards, job invoices, counter invoices, service and technician lists.
 
     // Ledgers, trial balances, vouchers, cheques and notes.
+    SHOWS(
+        "RefLedger",
+        return {One(db, "select am_name from fa_acmaster where am_id=" + f.at("ledger_refid")),
+                "Opening Balance as on " + Dmy(f, "ledger_from"),
+                "Closing Balance as on " + Dmy(f, "ledger_to"),
+                Balance(Amount(db,
+                               "select a.am_opbal + coalesce((select sum(vd_dr - vd_cr) "
+                               "from vu_ledger l where l.am_id = a.am_id and "
+                               "l.vm_date <= '" +
+                                   f.at("ledger_to") + "'), 0) from fa_acmaster a where a.am_id=" +
+                                   f.at("ledger_refid")))}),
+    SHOWS(
+        "PartyRefLedgerOld",
+        return {One(db, "select am_name from fa_acmaster where am_id=" + f.at("party_account_id")),
+                "PARTY LEDGER", "Closing Balance",
+                Balance(Amount(db,
+                               "select a.am_opbal + coalesce((select sum(vd_dr - vd_cr) "
+                               "from vu_ledger l where l.am_id = a.am_id), 0) from "
+                               "fa_acmaster a where a.am_id=" +
+                                   f.at("party_account_id")))}),
+    SHOWS("PartyRefLedger",
+          return {f.at("party_ledger_title"), "Account: Vayu Motocorp Ltd", "Closing Balance"}),
+    SHOWS("VoucherPrintUserWise",
+          return {"User: " + f.at("voucher_user"), "VOUCHERS ENTERED BY USER",
+                  IndianAmount(
+                      Amount(db, "select sum(vd_dr) from (" + f.at("voucher_user_sql") + ") t"))}),
+    SHOWS("TrialParty",
+          return {"List of " + f.at("trial_party_nature") + " as on " + Slashed(f, "trial_date"),
+                  "Krishna Auto Agencies"}),
+    SHOWS("TrialPartydcr",
+          return {"List of Debitors as on " + Slashed(f, "trial_date"),
+                  "List of Creditors as on " + Slashed(f, "trial_date"), "Vayu Motocorp Ltd"}),
+    SHOWS("TrialGroup",
+          return {"Group Trial as on " + Slashed(f, "trial_date"),
+                  f.at("trial_group_name") + " Trial as on " + Slashed(f, "trial_date"),
+                  "CAPITAL ACCOUNT", "SUNDRY CREDITORS"}),
+    SHOWS("TrialNature", return {"Trial Balance as on " + Slashed(f, "trial_date"),
+                                 f.at("trial_nature") + " Trial as on " + Slashed(f, "trial_date"),
+                                 "CASH-IN-HAND", "Cash in Hand"}),
+    SHOWS("VoucherPrintSingle",
+          return {One(db, "select vm_no from vchmst where vm_id=" + f.at("voucher_id")),
+                  "SALES VOUCHER",
+                  "Rupees " + Words(Amount(db, "select vm_amt from vchmst where vm_id=" +
+                                                   f.at("voucher_id"))),
+                  "Receiver's Signature"}),
+    SHOWS("OldVehicleReceiptPrint",
+          return {One(db, "select regno from oldveh where xid=" + f.at("old_vehicle_id")),
+                  One(db, "select cname from vu_oldveh where xid=" + f.at("old_vehicle_id")),
+                  "EXCHANGE VEHICLE RECEIPT",
+                  "Rupees " + Words(Amount(db, "select value from oldveh where xid=" +
+                                                   f.at("old_vehicle_id")))}),
+    SHOWS("ChequePrint", return {f.at("cheque_acpay"), f.at("cheque_party"), f.at("cheque_amount"),
+                                 f.at("cheque_words")}),
+    SHOWS("GstVoucherPrint",
+          return {One(db, "select am_name from vu_gstvoucher where did=" + f.at("gst_voucher_id") +
+                              " and line = 1"),
+                  One(db, "select am_gst from vu_gstvoucher where did=" + f.at("gst_voucher_id") +
+                              " and line = 1"),
+                  "GST EXPENSE VOUCHER",
+                  "Rupees " + Words(Amount(db, "select damt from gstvmst where did=" +
+                                                   f.at("gst_voucher_id")))}),
+    SHOWS("PayoutVoucherPrint",
+          return {One(db, "select am_name from vu_gstvoucher where did=" +
+                              f.at("payout_voucher_id") + " and line = 1"),
+                  "PAYOUT VOUCHER",
+                  "Rupees " + Words(Amount(db, "select damt from gstvmst where did=" +
+                                                   f.at("payout_voucher_id")))}),
+    SHOWS("GstDCNPrint",
+          return {"(INR " +
+                      Squeezed(AmountInWords(Amount(db, "select damt from gstdcnmst where did=" +
+                                                            f.at("gst_credit_note_id")))) +
+                      ")",
+                  "CREDIT NOTE",
+                  One(db, "select orig_no from gstdcnmst where did=" + f.at("gst_credit_note_id")),
+                  One(db, "select am_gst from vu_gstdcn where did=" + f.at("gst_credit_note_id") +
+                              " and line = 1")}),
 
     // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
 
