@@ -1184,7 +1184,8 @@ left join ws_mechanic m on m.mech_id = d.mech_id
 left join ws_mechanic jm on jm.mech_id = j.mech_id
 left join ws_mechanic js on js.mech_id = j.sup_id;
 
--- Proforma invoices, one row per line, with the job card.
+-- Proforma invoices, one row per line, with the job card and the estimate's totals (the total
+-- rounded to the rupee).
 create view vu_ws_proforma as
 select p.job_srl, p.pf_no, p.pf_date, p.valid_upto, p.remarks, j.job_no, j.job_date, j.br_id,
   b.br_name, b.coid, j.cust_id, j.am_id, j.cname, j.cadd1, j.cadd2, j.ccity, j.cpin, j.cstate,
@@ -1194,10 +1195,19 @@ select p.job_srl, p.pf_no, p.pf_date, p.valid_upto, p.remarks, j.job_no, j.job_d
   d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
   d.igst_rate, d.igst_amt, d.netprice,
   coalesce(j.cadd1 || ', ', '') || coalesce(j.cadd2 || ', ', '') || j.ccity ||
-    coalesce(' - ' || j.cpin, '') as caddress
+    coalesce(' - ' || j.cpin, '') as caddress,
+  j.coupon_no, j.sale_date, j.cstate as pos_state, j.cstatecode as pos_code,
+  m.mech_name as job_mechanic, s.mech_name as prepared_by, t.tot_parts, t.tot_labour,
+  t.tot_discount, t.tot_taxable, t.tot_cgst, t.tot_sgst, t.tot_igst,
+  round(t.total, 0) - t.total as round_off, round(t.total, 0) as invamt
 from ws_proforma p
 join ws_proformadet d on d.job_srl = p.job_srl
 join ws_jobcard j on j.job_srl = p.job_srl
+join (select job_srl, sum(case when item_kind = 'P' then amount else 0 end) as tot_parts,
+    sum(case when item_kind = 'L' then amount else 0 end) as tot_labour,
+    sum(discount) as tot_discount, sum(taxable) as tot_taxable, sum(cgst_amt) as tot_cgst,
+    sum(sgst_amt) as tot_sgst, sum(igst_amt) as tot_igst, sum(netprice) as total
+  from ws_proformadet group by job_srl) t on t.job_srl = p.job_srl
 left join branch b on b.br_id = j.br_id
 left join ws_mechanic m on m.mech_id = j.mech_id
 left join ws_mechanic s on s.mech_id = j.sup_id;
@@ -1229,9 +1239,15 @@ select c.docid, c.docfrom, c.claim_no, c.claim_date, c.br_id, b.br_name, b.coid,
   d.line, d.job_srl, j.job_no, j.job_date, d.chassis, d.regno, j.model, j.kms, d.item_kind,
   d.code, d.description, d.hsn, d.uqc, d.qty, d.mrp, d.rate, d.amount, d.discount, d.taxable,
   d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt,
-  d.netprice
+  d.netprice, t.tot_parts, t.tot_labour, t.tot_discount,
+  coalesce(a.am_add1 || ', ', '') || coalesce(a.am_add2 || ', ', '') ||
+    coalesce(a.am_add3 || ', ', '') || a.am_town || coalesce(' - ' || a.am_pin, '') as caddress
 from ws_claim c
 join ws_claimdet d on d.docid = c.docid
+join (select docid, sum(case when item_kind = 'P' then amount else 0 end) as tot_parts,
+    sum(case when item_kind = 'L' then amount else 0 end) as tot_labour,
+    sum(discount) as tot_discount
+  from ws_claimdet group by docid) t on t.docid = c.docid
 join ws_jobcard j on j.job_srl = d.job_srl
 left join fa_acmaster a on a.am_id = c.am_id
 left join branch b on b.br_id = c.br_id;
