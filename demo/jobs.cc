@@ -156,7 +156,7 @@ const std::vector<Repair>& Repairs() {
       {"Self start not working, have to kick start every morning",
        "Starter motor brushes worn; starter overhauled",
        "SELF",
-       {"starter"},
+       {"starter motor"},
        true,
        false,
        true},
@@ -177,14 +177,14 @@ const std::vector<Repair>& Repairs() {
       {"Rear brake not effective, lever travel too much",
        "Rear brake shoes worn out; replaced and adjusted",
        "BRK-R",
-       {"brake shoe"},
+       {"brake shoe assy rear"},
        true,
        true,
        false},
       {"Front brake makes a squealing noise",
        "Disc pads worn out; replaced and brake fluid topped up",
        "BRK-F",
-       {"disc pad", "brake fluid"},
+       {"disc brake pad", "brake fluid"},
        true,
        true,
        false},
@@ -198,14 +198,14 @@ const std::vector<Repair>& Repairs() {
       {"Chain making noise and jumping on the sprocket",
        "Chain and sprockets worn; chain sprocket kit replaced",
        "CHN",
-       {"chain"},
+       {"drive chain kit"},
        true,
        false,
        false},
       {"Headlamp dim on low beam, horn weak",
        "Wiring connector corroded; cleaned, bulb replaced",
        "ELEC",
-       {"bulb"},
+       {"headlamp bulb"},
        true,
        true,
        false},
@@ -213,21 +213,21 @@ const std::vector<Repair>& Repairs() {
       {"Battery drains overnight, vehicle does not start",
        "Battery weak; battery replaced and charging system checked",
        "BATT",
-       {"battery"},
+       {"battery 12v"},
        true,
        false,
        true},
       {"Rear tyre worn out, frequent punctures",
        "Rear tyre and tube replaced",
        "TYRE",
-       {"tyre", "tube"},
+       {"tyre ", "tube "},
        true,
        true,
        false},
       {"Oil leaking from front fork",
        "Fork oil seals replaced and fork oil refilled",
        "FORK",
-       {"oil seal", "fork oil"},
+       {"fork oil seal", "fork oil 10w"},
        true,
        true,
        true},
@@ -241,28 +241,28 @@ const std::vector<Repair>& Repairs() {
       {"Engine consuming oil, white smoke from silencer",
        "Piston rings and valve seals worn; engine top overhauled",
        "ENG-TOP",
-       {"piston ring", "gasket"},
+       {"piston ring", "gasket kit"},
        true,
        false,
        true},
       {"Rear suspension too hard, bumps felt",
        "Rear shock absorber replaced",
        "SHOCK",
-       {"shock absorber"},
+       {"rear shock"},
        true,
        true,
        true},
       {"Accelerator cable stuck, throttle does not return",
        "Accelerator cable replaced and lubricated",
        "CABLE",
-       {"cable"},
+       {"accelerator cable"},
        true,
        false,
        false},
       {"Wobbling at speed above 50 km/h",
        "Front wheel bearings replaced, wheel aligned",
        "WHEEL",
-       {"bearing"},
+       {"wheel bearing"},
        true,
        true,
        false},
@@ -276,7 +276,7 @@ const std::vector<Repair>& Repairs() {
       {"Charger shows red light, vehicle not charging",
        "Charging port socket loose; socket replaced",
        "EV-CHG",
-       {"charger"},
+       {"battery pack con"},
        false,
        true,
        true},
@@ -296,60 +296,11 @@ const Repair& AccidentRepair() {
   static const Repair repair = {"Vehicle fell on the right side; body panels damaged",
                                 "Damaged panels replaced and painted",
                                 "BODY",
-                                {"mirror", "guard", "indicator"},
+                                {"mirror assy", "crash guard", "winker assy"},
                                 true,
                                 true,
                                 false};
   return repair;
-}
-
-// Parts the workshop keeps when the parts master has none to offer: the genuine parts a job needs.
-struct StockPart {
-  Part part;
-  int old_rate;
-};
-
-std::vector<StockPart> FallbackParts() {
-  auto part = [](const char* no, const char* text, const char* hsn, const char* type, int rate,
-                 int old_rate, int64_t mrp_rupees) {
-    Part p;
-    p.part_no = no;
-    p.description = text;
-    p.hsn = hsn;
-    p.type = type;
-    p.gst_rate = rate;
-    p.mrp = Rs(mrp_rupees);
-    return StockPart{p, old_rate};
-  };
-  return {
-      part("VL-10W30-1L", "Engine Oil 10W-30 (1 litre)", "27101980", "L", 18, 18, 395),
-      part("VL-10W30-900", "Engine Oil 10W-30 (900 ml)", "27101980", "L", 18, 18, 360),
-      part("VL-FORK-200", "Front Fork Oil (200 ml)", "27101980", "L", 18, 18, 140),
-      part("VL-DOT4-100", "Brake Fluid DOT 4 (100 ml)", "38190010", "L", 18, 18, 95),
-      part("15410-VS1-001", "Oil Filter Element", "87141090", "S", 18, 28, 145),
-      part("17210-VS1-002", "Air Filter Element", "87141090", "S", 18, 28, 265),
-      part("31916-VS1-003", "Spark Plug CPR8EA-9", "85111000", "S", 18, 28, 160),
-      part("06430-VS1-004", "Brake Shoe Set (rear)", "87141090", "S", 18, 28, 310),
-      part("06455-VS1-005", "Disc Pad Set (front)", "87141090", "S", 18, 28, 480),
-      part("22201-VS1-006", "Clutch Plate Set", "87141090", "S", 18, 28, 1150),
-      part("06406-VS1-007", "Chain Sprocket Kit", "87141090", "S", 18, 28, 1640),
-      part("31210-VS1-008", "Self Starter Motor Assembly", "85114000", "S", 18, 28, 2850),
-      part("33100-VS1-009", "Head Lamp Bulb 12V 35/35W", "85392990", "S", 18, 18, 120),
-      part("38110-VS1-010", "Horn Assembly 12V", "85123010", "S", 18, 28, 390),
-      part("31500-VS1-011", "Battery 12V 5Ah (maintenance free)", "85071000", "B", 18, 28, 1850),
-      part("42711-VS1-012", "Rear Tyre 90/100-10", "40114090", "T", 18, 28, 1690),
-      part("42712-VS1-013", "Rear Tube 90/100-10", "40131090", "T", 18, 28, 330),
-      part("51490-VS1-014", "Front Fork Oil Seal Set", "87141090", "S", 18, 28, 290),
-      part("13011-VS1-015", "Piston Ring Set (std)", "84099990", "S", 18, 28, 720),
-      part("06111-VS1-016", "Top Gasket Kit", "84841090", "S", 18, 28, 385),
-      part("52400-VS1-017", "Rear Shock Absorber", "87141090", "S", 18, 28, 1480),
-      part("17910-VS1-018", "Accelerator Cable", "87141090", "S", 18, 28, 210),
-      part("96140-VS1-019", "Wheel Bearing 6301", "84821011", "S", 18, 28, 175),
-      part("88110-VS1-020", "Rear View Mirror (right)", "87141090", "A", 18, 28, 185),
-      part("61100-VS1-021", "Crash Guard", "87141090", "A", 18, 28, 1250),
-      part("33400-VS1-022", "Indicator Assembly (front right)", "85122010", "S", 18, 28, 240),
-      part("EV-CHG-023", "Charger Socket Assembly (EV)", "85444299", "S", 18, 18, 980),
-  };
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -491,16 +442,8 @@ struct ServicedVehicle {
 class Floor {
  public:
   Floor(const Dealership& d, Random& random, Workshop& workshop)
-      : d_(d), random_(random), workshop_(workshop) {
-    if (workshop.parts.empty()) {
-      for (const StockPart& p : FallbackParts()) {
-        parts_.push_back(p.part);
-        old_rates_.push_back(p.old_rate);
-      }
-    } else {
-      parts_ = workshop.parts;
-      for (const Part& p : parts_) old_rates_.push_back(OldRate(p));
-    }
+      : d_(d), random_(random), parts_(workshop.parts) {
+    if (parts_.empty()) throw std::logic_error("the jobs step needs the parts master");
     for (const Customer& c : d.customers) mobiles_.insert(c.mobile);
   }
 
@@ -524,47 +467,45 @@ class Floor {
   void Post(Workshop& workshop) const;
 
  private:
-  // The rate of a part on "day": the master holds today's; the revision of 22 September 2025
-  // lowered parts of motorcycles, tyres, batteries and the like from 28% to 18%.
-  static int OldRate(const Part& p) {
-    if (p.gst_rate != 18) return p.gst_rate == 5 ? 12 : p.gst_rate;
-    for (const char* revised : {"8714", "4011", "4013", "8507", "8511", "8512", "8409", "8483"}) {
-      if (p.hsn.starts_with(revised) && !p.hsn.starts_with("87149")) return 28;
-    }
-    return 18;
-  }
-  int PartRate(int part, Day day) const {
-    return day < kRateRevision ? old_rates_[static_cast<size_t>(part)]
-                               : parts_[static_cast<size_t>(part)].gst_rate;
-  }
-  static std::string Uqc(const Part& p) {
-    if (p.type.starts_with("L")) return "NOS";
-    return Lower(p.description).find(" set") != std::string::npos ||
-                   Lower(p.description).find(" kit") != std::string::npos
-               ? "SET"
-               : "NOS";
+  int PartRate(int part, Day day) const { return parts_[static_cast<size_t>(part)].RateOn(day); }
+
+  // Parts leave the store: the master's balance falls by what is issued.
+  void Issue(int part, int qty) {
+    Part& p = parts_[static_cast<size_t>(part)];
+    p.balance -= qty;
+    p.issued += qty;
   }
 
-  // The part whose description holds "words", else -1.
-  int FindPart(const std::string& words) const {
+  // A part whose description holds "words", of the vehicle's own model where there is one, else
+  // any genuine spare.
+  int PartFor(const std::string& words, const std::string& model) {
+    static const char* kModels[] = {"sarathi", "sprint", "toofan",  "shaurya",
+                                    "sakhi",   "urja",   "evolt s", "evolt x"};
+    std::string own;
+    for (const char* name : kModels) {
+      if (Lower(model).find(name) != std::string::npos) own = name;
+    }
     const std::string wanted = Lower(words);
+    std::vector<int> fitting, any;
     for (size_t i = 0; i < parts_.size(); ++i) {
-      if (Lower(parts_[i].description).find(wanted) != std::string::npos && parts_[i].mrp > 0) {
-        return static_cast<int>(i);
+      const std::string text = Lower(parts_[i].description);
+      if (parts_[i].mrp <= 0 || text.find(wanted) == std::string::npos ||
+          text.find("cycle") != std::string::npos) {
+        continue;
+      }
+      any.push_back(static_cast<int>(i));
+      if (!own.empty() && text.find(own) != std::string::npos) {
+        fitting.push_back(static_cast<int>(i));
       }
     }
-    return -1;
-  }
-  // A part for "words", or any genuine spare.
-  int PartFor(const std::string& words) {
-    const int found = FindPart(words);
-    if (found >= 0) return found;
+    if (!fitting.empty()) return random_.Pick(fitting);
+    if (!any.empty()) return random_.Pick(any);
     std::vector<int> spares;
     for (size_t i = 0; i < parts_.size(); ++i) {
-      if (parts_[i].type.starts_with("S") && parts_[i].mrp > 0)
+      if (parts_[i].type.starts_with("S") && parts_[i].mrp > 0) {
         spares.push_back(static_cast<int>(i));
+      }
     }
-    if (spares.empty()) throw std::logic_error("the parts master has no spares");
     return random_.Pick(spares);
   }
 
@@ -604,10 +545,7 @@ class Floor {
 
   const Dealership& d_;
   Random& random_;
-  Workshop& workshop_;
-  std::vector<Part> parts_;
-  std::vector<int> old_rates_;
-  std::vector<int> issued_;  // quantity issued, by part
+  std::vector<Part>& parts_;
   std::set<std::string> mobiles_;
   std::vector<Account> accounts_;
   std::vector<Mechanic> mechanics_;
@@ -942,7 +880,8 @@ void Floor::Work(Job& job) {
   const bool under_warranty = job.sale_date && job.date.DaysSince(*job.sale_date) < 730;
   auto take = [&](const std::string& words, int qty, int mechanic, bool warranty) {
     Requisition r;
-    r.part = PartFor(words);
+    r.part = PartFor(words, job.model);
+    Issue(r.part, qty);
     r.qty = qty;
     r.mechanic = mechanic;
     r.warranty = warranty;
@@ -1010,7 +949,7 @@ WsLine Floor::PartLine(int part, int qty, Day day, bool inter_state, int discoun
   l.code = p.part_no;
   l.description = p.description;
   l.hsn = p.hsn;
-  l.uqc = Uqc(p);
+  l.uqc = p.uqc;
   l.qty = qty;
   l.mrp = p.mrp;
   l.gst_rate = PartRate(part, day);
@@ -1180,12 +1119,15 @@ void Floor::AddCounterSales() {
     for (int l = 0; l < lines; ++l) {
       const int part = random_.Below(static_cast<int>(parts_.size()));
       if (parts_[static_cast<size_t>(part)].mrp <= 0 || !taken.insert(part).second) continue;
-      bill.lines.push_back(
-          PartLine(part, 1 + random_.Below(most), bill.date, bill.inter_state(), discount));
+      const int qty = 1 + random_.Below(most);
+      Issue(part, qty);
+      bill.lines.push_back(PartLine(part, qty, bill.date, bill.inter_state(), discount));
     }
-    if (bill.lines.empty())
-      bill.lines.push_back(
-          PartLine(PartFor("engine oil"), 1, bill.date, bill.inter_state(), discount));
+    if (bill.lines.empty()) {
+      const int oil = PartFor("engine oil", "");
+      Issue(oil, 1);
+      bill.lines.push_back(PartLine(oil, 1, bill.date, bill.inter_state(), discount));
+    }
     if (kind == 2) {
       bill.remarks = "Dispatched by ST parcel to " + bill.party.city;
     }
