@@ -1668,17 +1668,17 @@ create view vu_ws_gstsalelines as
 select i.inv_date as doc_date, i.inv_no as doc_no, coalesce(i.am_id, i.cust_id) as party_id,
   i.cname as party_name, i.cgstin as party_gstin, i.pos_code as pos_state_code, d.hsn,
   d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt as cgst, d.sgst_amt as sgst,
-  d.igst_amt as igst, cast(0 as numeric(12,2)) as cess
+  d.igst_amt as igst, 0.00 as cess
 from ws_jobinv i join ws_jobinvdet d on d.invid = i.id
 union all
 select i.inv_date, i.inv_no, coalesce(i.am_id, i.cust_id), i.cname, i.cgstin, i.pos_code,
   d.hsn, d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt, d.sgst_amt,
-  d.igst_amt, cast(0 as numeric(12,2))
+  d.igst_amt, 0.00
 from ws_counterinv i join ws_counterinvdet d on d.invid = i.id
 union all
 select c.claim_date, c.claim_no, c.am_id, a.am_name, a.am_gst, c.pos_code, d.hsn,
   d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt, d.sgst_amt, d.igst_amt,
-  cast(0 as numeric(12,2))
+  0.00
 from ws_claim c join ws_claimdet d on d.docid = c.docid
 join fa_acmaster a on a.am_id = c.am_id;
 
