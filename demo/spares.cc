@@ -329,6 +329,7 @@ Part DrawPart(Random& random, std::set<std::string>& numbers) {
     if (part.mrp > Rs(20000)) part.opening = random.Between(1, 3);
   }
   part.reorder = type == 'L' ? 12 : type == 'S' ? random.Between(2, 6) : 2;
+  if (part.mrp > Rs(20000)) part.reorder = 1;
   part.balance = part.opening;
   return part;
 }
@@ -822,18 +823,18 @@ class Store {
       e.km = std::max(300, e.date.DaysSince(inv.date) * random_.Between(18, 40));
       e.advisor = random_.Pick(std::vector<std::string>{"Amol Shinde", "Pravin Gaikwad"});
       e.complaint = random_.Pick(complaints);
-      std::vector<int> fitting;
+      std::vector<int> fitting, oils;
       for (const Part& p : parts_) {
-        if (p.description.find(" " + fitment) != std::string::npos ||
-            (p.type == "LUBRICANT" && p.mrp < Rs(1000))) {
-          fitting.push_back(p.id);
-        }
+        if (p.description.find(" " + fitment) != std::string::npos) fitting.push_back(p.id);
+        if (p.description.starts_with("ENGINE OIL") && p.mrp < Rs(1000)) oils.push_back(p.id);
       }
       std::set<int> chosen;
-      const int lines = random_.Between(3, 8);
+      const int lines = random_.Between(2, 6);
       for (int tries = 0; static_cast<int>(chosen.size()) < lines && tries < 100; ++tries) {
         chosen.insert(random_.Pick(fitting));
       }
+      // An engine's service takes a can of oil; an electric scooter has none to change.
+      if (!fitment.starts_with("EVOLT") && !oils.empty()) chosen.insert(random_.Pick(oils));
       for (int id : chosen) {
         const Part& p = part(id);
         TaxedLine line;

@@ -60,7 +60,7 @@ struct Part {
 // A document's effect on the books, for the accounts to post as a voucher.
 struct Posting {
   Day date;
-  std::string kind;      // "SERVICE", "COUNTER", "SPARES PURCHASE", "PURCHASE RETURN", …
+  std::string kind;  // "SERVICE", "COUNTER", "SPARES PURCHASE", "PURCHASE RETURN", "DEBIT NOTE", …
   std::string document;  // its number as printed
   int party = 0;         // fa_acmaster id of the customer or supplier; 0 for cash
   int64_t taxable = 0;   // paise

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -255,185 +256,276 @@ std::string ShortDate(const Facts& f, const char* key) {
   return ShortDateText(*Date::FromIso(f.at(key)), RegionalDateSettings{});
 }
 
+// An amount as the store's documents print it: Indian grouping, two decimals ("1,11,587.00").
+std::string IndianAmount(double amount) {
+  const long long paise = std::llround(amount * 100);
+  std::string digits = std::to_string((paise < 0 ? -paise : paise) / 100);
+  std::string grouped = digits.size() > 3 ? digits.substr(digits.size() - 3) : digits;
+  for (size_t end = digits.size() > 3 ? digits.size() - 3 : 0; end > 0;
+       end = end > 2 ? end - 2 : 0) {
+    grouped = digits.substr(end > 2 ? end - 2 : 0, end > 2 ? 2 : end) + "," + grouped;
+  }
+  const long long cents = (paise < 0 ? -paise : paise) % 100;
+  return std::string(paise < 0 ? "-" : "") + grouped + "." + (cents < 10 ? "0" : "") +
+         std::to_string(cents);
+}
+
 // What each method's first example call of the catalogue must show. A method without an entry
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
   static const std::map<std::string, Expected> expectations = {
-      SHOWS("Challan_Customer",
-            return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
-                                                       f.at("challan_customer_id")))}),
-      SHOWS("ReceiptPrint",
-            return {"(AMOUNT IN WORDS RUPEES " +
-                    Squeezed(AmountInWords(
-                        Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
-                    ")"}),
-      SHOWS("EnqGroupwise",
-            return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqPending",
-            return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqBooking",
-            return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("RecRegister",
-            return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
-      SHOWS("VehPurBill",
-            return {One(db,
-                        "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VehPurBillGST",
-            return {One(db,
-                        "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" +
-                                          f.at("vintrf_id") + " order by line limit 1")}),
-      SHOWS("VehBtPrint",
-            return {One(db,
-                        "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
-                        "bv.id=" +
-                            f.at("branch_transfer_id"))}),
-      SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
-                                  Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
-                                                       f.at("challan_sub_id")))}),
-      SHOWS("VehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS("VehInvoicewith21",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("VehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
-      SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
-      SHOWS("CycleGatePass",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("VehSticker",
-            return {One(db, "select chassis from vu_invoice where id=" +
-                                f.at("sticker_invoice_id") + " and chassis is not null")}),
-      SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("CycleSaleLetter",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("VehForm22",
-            return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
-                                " and chassis is not null")}),
-      SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
-                                           f.at("hsrp_invoice_id") + " and chassis is not null")}),
-      SHOWS(
-          "VehTempCertificate",
+    SHOWS("Challan_Customer",
+          return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
+                                                     f.at("challan_customer_id")))}),
+    SHOWS("ReceiptPrint",
+          return {"(AMOUNT IN WORDS RUPEES " +
+                  Squeezed(AmountInWords(
+                      Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
+                  ")"}),
+    SHOWS("EnqGroupwise",
+          return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqPending",
+          return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqBooking",
+          return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("RecRegister",
+          return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
+    SHOWS("VehPurBill",
+          return {One(db,
+                      "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VehPurBillGST",
+          return {One(db,
+                      "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" + f.at("vintrf_id") +
+                                        " order by line limit 1")}),
+    SHOWS("VehBtPrint",
+          return {One(db,
+                      "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
+                      "bv.id=" +
+                          f.at("branch_transfer_id"))}),
+    SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
+                                Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
+                                                     f.at("challan_sub_id")))}),
+    SHOWS("VehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("VehInvoicewith21",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("VehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
+    SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
+    SHOWS("CycleGatePass",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("VehSticker",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("sticker_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("CycleSaleLetter",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("VehForm22",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
+                                         f.at("hsrp_invoice_id") + " and chassis is not null")}),
+    SHOWS("VehTempCertificate",
           return {One(db, "select tno from vu_tempnumber where tline=" + f.at("temp_tline")),
                   One(db, "select chassis from vu_tempnumber where tline=" + f.at("temp_tline"))}),
-      SHOWS("VehInvoiceSubDealer",
-            return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
-      SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
-      SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
-                                                    f.at("bulk_receipt_id") + " limit 1")}),
-      SHOWS("GSTVehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
-                                InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
-      SHOWS("CycleInvoice",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
-                    InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
-      SHOWS("GSTVehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS(
-          "GSTVehInvoicewith21",
+    SHOWS("VehInvoiceSubDealer",
+          return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
+    SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
+    SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
+                                                  f.at("bulk_receipt_id") + " limit 1")}),
+    SHOWS("GSTVehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
+                              InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
+    SHOWS("CycleInvoice",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
+                  InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
+    SHOWS("GSTVehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("GSTVehInvoicewith21",
           return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
                               InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),
-      SHOWS(
-          "GSTVehInvoiceSubDealer",
+    SHOWS("GSTVehInvoiceSubDealer",
           return InvoiceShows(db, Id(f, "subdealer_igst_invoice_id"),
                               InvoiceWords(db, Id(f, "subdealer_igst_invoice_id"), false, false))),
-      SHOWS("CycleInvoiceSubDealer",
-            return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
-      SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
-      SHOWS("EInvoiceVehicle",
-            return InvoiceShows(db, Id(f, "einvoice_id"),
-                                InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+    SHOWS("CycleInvoiceSubDealer",
+          return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
+    SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
+    SHOWS("EInvoiceVehicle",
+          return InvoiceShows(db, Id(f, "einvoice_id"),
+                              InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
 
-      // Spares purchase and stock documents, parts stock reports.
-
-      // Job cards, job invoices, counter invoices, service and technician lists.
-      SHOWS("w_jobcardprint",
-            return {One(db, "select job_no from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
-                    One(db, "select regno from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
-                    One(db, "select complaint from ws_jobcomplaint where line=1 and job_srl=" +
-                                f.at("jobcard_srl"))}),
-      SHOWS("w_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
-      SHOWS("w_jobinvPrintHero", return JobBillShows(db, f, "jobinv", "Rs. ")),
-      SHOWS("custom_w_jobinvPrint",
-            return Copies(JobBillShows(db, f, "jobinv_credit", "RUPEES : "))),
-      SHOWS("w_proinvoicePrint",
-            return {"PROFORMA INVOICE",
-                    One(db, "select pf_no from ws_proforma where job_srl=" + f.at("proforma_srl")),
-                    One(db, "select cname from ws_jobcard where job_srl=" + f.at("proforma_srl"))}),
-      SHOWS("w_gstjobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
-      SHOWS("Apro_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
-      SHOWS("EInvoiceService",
-            {
-              std::vector<std::string> shows = JobBillShows(db, f, "einvoice_service", "RUPEES : ");
-              shows.push_back(
-                  One(db, "select irn from ws_jobinv where id=" + f.at("einvoice_service_id")));
-              shows.push_back(
-                  One(db, "select ack_no from ws_jobinv where id=" + f.at("einvoice_service_id")));
-              return shows;
-            }),
-      SHOWS("w_counterprint", return CounterBillShows(db, f, "counter")),
-      SHOWS("w_counterprinthero", return CounterBillShows(db, f, "counter")),
-      SHOWS("w_gstcounterprinthero", return CounterBillShows(db, f, "counter_igst")),
-      SHOWS("custom_w_counterprint", return Copies(CounterBillShows(db, f, "counter_b2b"))),
-      SHOWS("w_gstcounterprint", return CounterBillShows(db, f, "counter_b2b")),
-      SHOWS("Apro_counterprint", return CounterBillShows(db, f, "counter")),
-      SHOWS("EInvoiceClaim",
-            return {One(db, "select claim_no from ws_claim where docid=" + f.at("claim_docid")),
-                    One(db, "select irn from ws_claim where docid=" + f.at("claim_docid")),
+    // Spares purchase and stock documents, parts stock reports.
+    SHOWS("w_purchaseCheck",
+          const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                    "p.am_id where p.pu_id=" +
+                                    f.at("spares_purchase_id");
+          return {"PURCHASE CHECK SHEET", One(db, "select a.am_name" + where),
+                  One(db, "select p.bill_no" + where), One(db, "select p.pu_no" + where),
+                  IndianAmount(Amount(db, "select p.total" + where))}),
+    SHOWS("w_purchaseCheckGST",
+          const std::string where = " from ws_purchase p join fa_acmaster a on a.am_id = "
+                                    "p.am_id where p.pu_id=" +
+                                    f.at("spares_purchase_igst_id");
+          return {"(INWARD SUPPLY UNDER GST)", One(db, "select a.am_gst" + where),
+                  One(db, "select p.bill_no" + where),
+                  IndianAmount(Amount(db, "select p.igst" + where)),
+                  IndianAmount(Amount(db, "select p.total" + where))}),
+    SHOWS(
+        "w_partPlacementList",
+        return {"PART PLACEMENT LIST",
+                One(db, "select pu_no from ws_purchase where pu_id=" + f.at("spares_purchase_id")),
+                "Total: " +
                     One(db,
-                        "select am_name from ws_claim c, fa_acmaster a where c.am_id = a.am_id "
-                        "and docid=" +
-                            f.at("claim_docid")),
-                    "RUPEES : " + Words(std::stod(f.at("claim_amt")))}),
-      SHOWS("w_ServiceReport",
-            return {"Service Followup Report from " + ShortDate(f, "followup_from") + " to " +
-                        ShortDate(f, "followup_to"),
-                    One(db, "select regno from vu_ws_followup order by due_date, fu_id")}),
-      SHOWS("w_mechreqlist",
-            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
-                        " MECHANIC NAME : " + f.at("mechanic_name"),
-                    "Total:"}),
-      SHOWS("w_mechlablist",
-            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
-                        " MECHANIC NAME : " + f.at("mechanic_name"),
-                    "Total:"}),
-      SHOWS("w_superreqlist",
-            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
-                        " SUPERVISOR NAME : " + f.at("supervisor_name"),
-                    "Total:"}),
-      SHOWS("w_superlablist",
-            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
-                        " SUPERVISOR NAME : " + f.at("supervisor_name"),
-                    "Total:"}),
-      SHOWS("w_history", return {"SERVICE HISTORY", f.at("history_chassis"),
-                                 One(db, "select regno from ws_jobcard where chassis='" +
-                                             f.at("history_chassis") + "' order by job_srl")}),
+                        "select count(*) from ws_purchasedet where qty_accepted > 0 and "
+                        "pu_id=" +
+                            f.at("spares_purchase_id")) +
+                    " parts to place"}),
+    SHOWS("w_stocktransfer",
+          const std::string where = " from ws_stktrf t join branch b on b.br_id = t.to_br "
+                                    "where t.stk_id=" +
+                                    f.at("stock_transfer_id");
+          return {"STOCK TRANSFER NOTE", One(db, "select t.stk_no" + where),
+                  One(db, "select b.br_name" + where),
+                  IndianAmount(Amount(db, "select t.stk_value" + where))}),
+    SHOWS("w_purchaseorder",
+          const std::string where = " from ws_po o join fa_acmaster a on a.am_id = o.am_id "
+                                    "where o.od_id=" +
+                                    f.at("purchase_order_id");
+          return {"PURCHASE ORDER", One(db, "select o.od_no" + where),
+                  One(db, "select a.am_name" + where),
+                  IndianAmount(Amount(db, "select o.od_value" + where))}),
+    SHOWS("w_estimate",
+          const std::string where = " from ws_estimate e join customer c on c.cust_id = "
+                                    "e.cust_id where e.em_id=" +
+                                    f.at("estimate_id");
+          return {"ESTIMATE", One(db, "select e.em_no" + where), One(db, "select c.cname" + where),
+                  One(db, "select e.regno" + where), Words(Amount(db, "select e.total" + where))}),
+    SHOWS("Apro_WsPrintPurRet",
+          const std::string where = " from ws_purret r join fa_acmaster a on a.am_id = "
+                                    "r.am_id where r.pr_id=" +
+                                    f.at("purchase_return_id");
+          return {"PURCHASE RETURN", One(db, "select r.pr_no" + where),
+                  One(db, "select a.am_name" + where),
+                  "RUPEES : " + Words(Amount(db, "select r.total" + where))}),
+    SHOWS("w_OpeningParts",
+          return {"OPENING STOCK OF SPARE PARTS",
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_op1 <> 0") + " parts",
+                  One(db, "select sum(part_op1) from ws_partmaster")}),
+    SHOWS("w_ClosingParts",
+          return {"CLOSING STOCK AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_balance1 <> 0") +
+                      " parts",
+                  One(db, "select sum(part_balance1) from ws_partmaster")}),
+    SHOWS("w_Stockvaluation",
+          return {"STOCK VALUATION AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  "(RATES: DP)",
+                  IndianAmount(Amount(db,
+                                      "select sum(part_balance1 * part_pp) from "
+                                      "ws_partmaster where part_balance1 <> 0"))}),
+    SHOWS("w_Negativepart",
+          return {"NEGATIVE STOCK AS ON " +
+                      FormatDate(*Date::FromIso(f.at("stock_date")), "dd-mm-yyyy", '-'),
+                  One(db, "select min(part_no) from ws_partmaster where part_balance1 < 0"),
+                  "GRAND TOTAL: " +
+                      One(db, "select count(*) from ws_partmaster where part_balance1 < 0")}),
+    SHOWS("Apro_StockSummary",
+          return {"Vehicle Stock Summary as on " +
+                      FormatDate(*Date::FromIso(f.at("stock_summary_date")), "dd/mm/yyyy", '/'),
+                  "GRAND TOTAL"}),
 
-      // Ledgers, trial balances, vouchers, cheques and notes.
+    // Job cards, job invoices, counter invoices, service and technician lists.
+    SHOWS("w_jobcardprint",
+          return {One(db, "select job_no from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
+                  One(db, "select regno from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
+                  One(db, "select complaint from ws_jobcomplaint where line=1 and job_srl=" +
+                              f.at("jobcard_srl"))}),
+    SHOWS("w_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+    SHOWS("w_jobinvPrintHero", return JobBillShows(db, f, "jobinv", "Rs. ")),
+    SHOWS("custom_w_jobinvPrint", return Copies(JobBillShows(db, f, "jobinv_credit", "RUPEES : "))),
+    SHOWS("w_proinvoicePrint",
+          return {"PROFORMA INVOICE",
+                  One(db, "select pf_no from ws_proforma where job_srl=" + f.at("proforma_srl")),
+                  One(db, "select cname from ws_jobcard where job_srl=" + f.at("proforma_srl"))}),
+    SHOWS("w_gstjobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+    SHOWS("Apro_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+    SHOWS("EInvoiceService",
+          {
+            std::vector<std::string> shows = JobBillShows(db, f, "einvoice_service", "RUPEES : ");
+            shows.push_back(
+                One(db, "select irn from ws_jobinv where id=" + f.at("einvoice_service_id")));
+            shows.push_back(
+                One(db, "select ack_no from ws_jobinv where id=" + f.at("einvoice_service_id")));
+            return shows;
+          }),
+    SHOWS("w_counterprint", return CounterBillShows(db, f, "counter")),
+    SHOWS("w_counterprinthero", return CounterBillShows(db, f, "counter")),
+    SHOWS("w_gstcounterprinthero", return CounterBillShows(db, f, "counter_igst")),
+    SHOWS("custom_w_counterprint", return Copies(CounterBillShows(db, f, "counter_b2b"))),
+    SHOWS("w_gstcounterprint", return CounterBillShows(db, f, "counter_b2b")),
+    SHOWS("Apro_counterprint", return CounterBillShows(db, f, "counter")),
+    SHOWS("EInvoiceClaim",
+          return {One(db, "select claim_no from ws_claim where docid=" + f.at("claim_docid")),
+                  One(db, "select irn from ws_claim where docid=" + f.at("claim_docid")),
+                  One(db,
+                      "select am_name from ws_claim c, fa_acmaster a where c.am_id = a.am_id "
+                      "and docid=" +
+                          f.at("claim_docid")),
+                  "RUPEES : " + Words(std::stod(f.at("claim_amt")))}),
+    SHOWS("w_ServiceReport",
+          return {"Service Followup Report from " + ShortDate(f, "followup_from") + " to " +
+                      ShortDate(f, "followup_to"),
+                  One(db, "select regno from vu_ws_followup order by due_date, fu_id")}),
+    SHOWS("w_mechreqlist",
+          return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                      " MECHANIC NAME : " + f.at("mechanic_name"),
+                  "Total:"}),
+    SHOWS("w_mechlablist",
+          return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                      " MECHANIC NAME : " + f.at("mechanic_name"),
+                  "Total:"}),
+    SHOWS("w_superreqlist",
+          return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                      " SUPERVISOR NAME : " + f.at("supervisor_name"),
+                  "Total:"}),
+    SHOWS("w_superlablist",
+          return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                      " SUPERVISOR NAME : " + f.at("supervisor_name"),
+                  "Total:"}),
+    SHOWS("w_history", return {"SERVICE HISTORY", f.at("history_chassis"),
+                               One(db, "select regno from ws_jobcard where chassis='" +
+                                           f.at("history_chassis") + "' order by job_srl")}),
 
-      // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+    // Ledgers, trial balances, vouchers, cheques and notes.
+
+    // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
 
   };
   return expectations;
