@@ -16,7 +16,7 @@ packages=(
   fonts-liberation2 fonts-noto-core fonts-dejavu-core
   # test and demo tools
   sqlite3 qpdf poppler-utils xvfb xdotool x11-utils xauth postgresql cups cups-client cups-bsd
-  printer-driver-cups-pdf hyperfine valgrind imagemagick
+  printer-driver-cups-pdf hyperfine valgrind imagemagick zbar-tools
 )
 
 missing=()
