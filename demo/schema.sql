@@ -811,6 +811,369 @@ join color k on k.color_id = v.color_id;
 -- ===== Workshop: the spare-parts store (parts master, purchases, transfers, orders, estimates,
 -- returns, stock) =====
 
+drop view if exists vu_ws_gstpurchaselines;
+drop view if exists vu_ws_estimate;
+drop view if exists vu_ws_stktrf;
+drop view if exists vu_ws_purret;
+drop view if exists vu_ws_po;
+drop view if exists vu_ws_purchase;
+drop table if exists fin_years;
+drop table if exists ws_estimatedet;
+drop table if exists ws_estimate;
+drop table if exists ws_stktrfdet;
+drop table if exists ws_stktrf;
+drop table if exists ws_purretdet;
+drop table if exists ws_purret;
+drop table if exists ws_purchasedet;
+drop table if exists ws_purchase;
+drop table if exists ws_podet;
+drop table if exists ws_po;
+drop table if exists ws_partmaster;
+
+-- The parts master: every part the store keeps, with its prices, GST rate and stock. Rates are
+-- before GST except part_mrp (GST included); the stock reports read part_ followed by PP, DP or
+-- MRP as their rate. part_balance1 is the stock now: part_op1 (the opening on 1 April 2024)
+-- plus purchases, less purchase returns and transfers out, plus transfers in, less part_issue
+-- (issued to jobs and over the counter). The first letter of part_type classes the part: S
+-- spares, L lubricants, A accessories, T tyres and tubes, B batteries.
+create table ws_partmaster (
+  part_id integer primary key,
+  part_no varchar(20) not null unique,
+  part_desc varchar(60) not null,
+  part_type varchar(10) not null,
+  part_source varchar(10) not null,
+  part_location varchar(12),
+  part_bincard varchar(10),
+  part_hsncode varchar(8) not null,
+  part_uqc varchar(3) not null,
+  part_mrp numeric(12,2) not null,
+  part_dp numeric(12,2) not null,
+  part_pp numeric(12,2) not null,
+  part_igstrate numeric(5,2) not null,
+  part_cgstrate numeric(5,2) not null,
+  part_sgstrate numeric(5,2) not null,
+  part_op1 integer not null,
+  part_balance1 integer not null,
+  part_issue integer not null,
+  part_reorder integer not null
+);
+
+-- Purchase orders of the store to its suppliers (fa_acmaster: the makers 1 and 3, and 101-105).
+-- od_status OPEN (not yet billed), PART (billed in part, the rest back-ordered) or RECEIVED;
+-- pu_id the purchase that billed it. od_value is at the purchase price, before GST.
+create table ws_po (
+  od_id integer primary key,
+  od_no varchar(20) not null unique,
+  od_date date not null,
+  am_id integer not null references fa_acmaster (am_id),
+  br_id integer not null references branch (br_id),
+  od_expected date,
+  od_status varchar(10) not null,
+  od_items integer not null,
+  od_qty integer not null,
+  od_value numeric(12,2) not null,
+  od_by varchar(40),
+  pu_id integer,
+  od_remarks varchar(120)
+);
+
+create table ws_podet (
+  od_id integer not null references ws_po (od_id),
+  line integer not null,
+  part_id integer not null references ws_partmaster (part_id),
+  qty integer not null,
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  primary key (od_id, line)
+);
+
+-- Spares purchases: the supplier's bill as received into the store (pu_no the goods receipt
+-- number, pu_date the day the goods came in). Totals are the lines plus the round-off.
+create table ws_purchase (
+  pu_id integer primary key,
+  pu_no varchar(20) not null unique,
+  pu_date date not null,
+  am_id integer not null references fa_acmaster (am_id),
+  bill_no varchar(20) not null,
+  bill_date date not null,
+  br_id integer not null references branch (br_id),
+  od_id integer references ws_po (od_id),
+  inter_state varchar(1) not null,
+  pu_items integer not null,
+  taxable numeric(12,2) not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  total numeric(12,2) not null,
+  transporter varchar(40),
+  lr_no varchar(20),
+  checked_by varchar(40),
+  remarks varchar(120)
+);
+
+-- A purchase's lines as billed (qty) and as checked in: qty_received = qty - qty_short,
+-- qty_accepted = qty_received - qty_damaged goes into stock. qty_ordered is the order's (0
+-- without one). qty x rate = amount; amount - discount = taxable; each tax its rate on taxable.
+create table ws_purchasedet (
+  pu_id integer not null references ws_purchase (pu_id),
+  line integer not null,
+  part_id integer not null references ws_partmaster (part_id),
+  description varchar(60) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty_ordered integer not null,
+  qty integer not null,
+  qty_received integer not null,
+  qty_short integer not null,
+  qty_damaged integer not null,
+  qty_accepted integer not null,
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netamt numeric(12,2) not null,
+  primary key (pu_id, line)
+);
+
+-- Purchase returns (pr_type R: parts sent back, out of stock) and debit notes (D: goods short or
+-- damaged on receipt, claimed; never in stock), each against one purchase, at its rates.
+create table ws_purret (
+  pr_id integer primary key,
+  pr_type varchar(1) not null,
+  pr_no varchar(20) not null unique,
+  pr_date date not null,
+  pu_id integer not null references ws_purchase (pu_id),
+  am_id integer not null references fa_acmaster (am_id),
+  br_id integer not null references branch (br_id),
+  inter_state varchar(1) not null,
+  pr_reason varchar(60),
+  taxable numeric(12,2) not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  total numeric(12,2) not null,
+  remarks varchar(120)
+);
+
+create table ws_purretdet (
+  pr_id integer not null references ws_purret (pr_id),
+  line integer not null,
+  part_id integer not null references ws_partmaster (part_id),
+  description varchar(60) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  reason varchar(30),
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netamt numeric(12,2) not null,
+  primary key (pr_id, line)
+);
+
+-- Stock transfers between the head office store (branch 1, whose stock the parts master holds)
+-- and the branches: out when from_br is 1, in when to_br is 1. Within one GSTIN, so no tax: a
+-- delivery challan valued at the purchase price.
+create table ws_stktrf (
+  stk_id integer primary key,
+  stk_no varchar(20) not null unique,
+  stk_date date not null,
+  from_br integer not null references branch (br_id),
+  to_br integer not null references branch (br_id),
+  stk_items integer not null,
+  stk_qty integer not null,
+  stk_value numeric(12,2) not null,
+  vehicle_no varchar(15),
+  sent_by varchar(40),
+  remarks varchar(120)
+);
+
+create table ws_stktrfdet (
+  stk_id integer not null references ws_stktrf (stk_id),
+  line integer not null,
+  part_id integer not null references ws_partmaster (part_id),
+  qty integer not null,
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  primary key (stk_id, line)
+);
+
+-- Repair estimates for customers' vehicles: parts at their price before GST and labour (kind L,
+-- SAC 998714), taxed within the state. An estimate moves no stock.
+create table ws_estimate (
+  em_id integer primary key,
+  em_no varchar(20) not null unique,
+  em_date date not null,
+  br_id integer not null references branch (br_id),
+  cust_id integer not null references customer (cust_id),
+  veh_id integer references vehicle (veh_id),
+  regno varchar(15),
+  model varchar(60),
+  chassis varchar(17),
+  km integer,
+  valid_till date,
+  advisor varchar(40),
+  complaint varchar(120),
+  taxable numeric(12,2) not null,
+  cgst numeric(12,2) not null,
+  sgst numeric(12,2) not null,
+  igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  total numeric(12,2) not null
+);
+
+create table ws_estimatedet (
+  em_id integer not null references ws_estimate (em_id),
+  line integer not null,
+  kind varchar(1) not null,
+  part_id integer references ws_partmaster (part_id),
+  description varchar(60) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netamt numeric(12,2) not null,
+  primary key (em_id, line)
+);
+
+-- The financial years the demo trades in, for reports that run from the start of the year of a
+-- date (the vehicle stock summary).
+create table fin_years (
+  fy_code varchar(7) primary key,
+  fy_from date not null,
+  fy_to date not null
+);
+
+-- A spares purchase, one row per line, with the supplier and where each part is kept (the
+-- check sheets and the placement list).
+create view vu_ws_purchase as
+select p.pu_id, p.pu_no, p.pu_date, p.am_id, p.bill_no, p.bill_date, p.br_id, b.br_name, b.coid,
+  p.od_id, o.od_no, o.od_date, p.inter_state, p.pu_items, p.taxable as tot_taxable,
+  p.cgst as tot_cgst, p.sgst as tot_sgst, p.igst as tot_igst, p.round_off, p.total,
+  p.transporter, p.lr_no, p.checked_by, p.remarks,
+  a.am_name, a.am_add1, a.am_add2, a.am_add3, a.am_town, a.am_pin, a.am_state, a.am_statecode,
+  a.am_gst, a.am_phone,
+  d.line, d.part_id, m.part_no, d.description, d.hsn, d.uqc, d.qty_ordered, d.qty,
+  d.qty_received, d.qty_short, d.qty_damaged, d.qty_accepted, d.rate, d.amount, d.discount,
+  d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate,
+  d.igst_amt, d.netamt,
+  m.part_location, m.part_bincard, m.part_type, m.part_source
+from ws_purchase p
+join ws_purchasedet d on d.pu_id = p.pu_id
+join ws_partmaster m on m.part_id = d.part_id
+join fa_acmaster a on a.am_id = p.am_id
+join branch b on b.br_id = p.br_id
+left join ws_po o on o.od_id = p.od_id;
+
+-- A purchase order, one row per line, with the supplier.
+create view vu_ws_po as
+select o.od_id, o.od_no, o.od_date, o.am_id, o.br_id, b.br_name, b.coid, o.od_expected,
+  o.od_status, o.od_items, o.od_qty, o.od_value, o.od_by, o.od_remarks,
+  a.am_name, a.am_add1, a.am_add2, a.am_add3, a.am_town, a.am_pin, a.am_state, a.am_statecode,
+  a.am_gst, a.am_phone, a.am_email, a.am_contact,
+  d.line, d.part_id, m.part_no, m.part_desc, m.part_hsncode, m.part_uqc, m.part_mrp, d.qty,
+  d.rate, d.amount, m.part_balance1
+from ws_po o
+join ws_podet d on d.od_id = o.od_id
+join ws_partmaster m on m.part_id = d.part_id
+join fa_acmaster a on a.am_id = o.am_id
+join branch b on b.br_id = o.br_id;
+
+-- A purchase return or debit note, one row per line, with the supplier and the bill it is
+-- against.
+create view vu_ws_purret as
+select r.pr_id, r.pr_type, r.pr_no, r.pr_date, r.pu_id, p.pu_no, p.bill_no, p.bill_date,
+  r.am_id, r.br_id, b.br_name, b.coid, r.inter_state, r.pr_reason, r.taxable as tot_taxable,
+  r.cgst as tot_cgst, r.sgst as tot_sgst, r.igst as tot_igst, r.round_off, r.total, r.remarks,
+  a.am_name, a.am_add1, a.am_add2, a.am_add3, a.am_town, a.am_pin, a.am_state, a.am_statecode,
+  a.am_gst, a.am_phone,
+  d.line, d.part_id, m.part_no, d.description, d.hsn, d.uqc, d.qty, d.reason, d.rate, d.amount,
+  d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
+  d.igst_rate, d.igst_amt, d.netamt
+from ws_purret r
+join ws_purretdet d on d.pr_id = r.pr_id
+join ws_purchase p on p.pu_id = r.pu_id
+join ws_partmaster m on m.part_id = d.part_id
+join fa_acmaster a on a.am_id = r.am_id
+join branch b on b.br_id = r.br_id;
+
+-- A stock transfer, one row per line, with both branches.
+create view vu_ws_stktrf as
+select t.stk_id, t.stk_no, t.stk_date, t.from_br, f.br_name as from_name,
+  f.br_add1 as from_add1, f.br_add2 as from_add2, f.br_city as from_city, f.br_pin as from_pin,
+  t.to_br, g.br_name as to_name, g.br_add1 as to_add1, g.br_add2 as to_add2,
+  g.br_city as to_city, g.br_pin as to_pin, t.from_br as br_id, f.coid, t.stk_items, t.stk_qty,
+  t.stk_value, t.vehicle_no, t.sent_by, t.remarks,
+  d.line, d.part_id, m.part_no, m.part_desc, m.part_hsncode, m.part_uqc, m.part_location, d.qty,
+  d.rate, d.amount
+from ws_stktrf t
+join ws_stktrfdet d on d.stk_id = t.stk_id
+join ws_partmaster m on m.part_id = d.part_id
+join branch f on f.br_id = t.from_br
+join branch g on g.br_id = t.to_br;
+
+-- An estimate, one row per line, with the customer.
+create view vu_ws_estimate as
+select e.em_id, e.em_no, e.em_date, e.br_id, b.br_name, b.coid, e.cust_id, e.veh_id, e.regno,
+  e.model, e.chassis, e.km, e.valid_till, e.advisor, e.complaint, e.taxable as tot_taxable,
+  e.cgst as tot_cgst, e.sgst as tot_sgst, e.igst as tot_igst, e.round_off, e.total,
+  c.ctitle, c.cname, c.cadd1, c.cadd2, c.cadd3, c.ccity, c.cpin, c.cmobile, c.cgstin,
+  d.line, d.kind, d.part_id, m.part_no, d.description, d.hsn, d.uqc, d.qty, d.rate, d.amount,
+  d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
+  d.igst_rate, d.igst_amt, d.netamt
+from ws_estimate e
+join ws_estimatedet d on d.em_id = e.em_id
+join customer c on c.cust_id = e.cust_id
+join branch b on b.br_id = e.br_id
+left join ws_partmaster m on m.part_id = d.part_id;
+
+-- Every spares purchase line (inward supplies), and every purchase return and debit note line
+-- with its quantity and amounts negative, for the GST summaries. Dated and numbered as the
+-- supplier's bill (returns and debit notes by their own date and number); the place of supply
+-- is the dealer's state, Maharashtra.
+create view vu_ws_gstpurchaselines as
+select p.bill_date as doc_date, p.bill_no as doc_no, p.am_id as party_id,
+  a.am_name as party_name, a.am_gst as party_gstin, '27' as pos_state_code, d.hsn,
+  d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt as cgst, d.sgst_amt as sgst,
+  d.igst_amt as igst, cast(0 as numeric(12,2)) as cess
+from ws_purchase p
+join ws_purchasedet d on d.pu_id = p.pu_id
+join fa_acmaster a on a.am_id = p.am_id
+union all
+select r.pr_date, r.pr_no, r.am_id, a.am_name, a.am_gst, '27', d.hsn, d.description, d.uqc,
+  -d.qty, d.gst_rate, -d.taxable, -d.cgst_amt, -d.sgst_amt, -d.igst_amt,
+  cast(0 as numeric(12,2))
+from ws_purret r
+join ws_purretdet d on d.pr_id = r.pr_id
+join fa_acmaster a on a.am_id = r.am_id;
+
 
 -- ===== Workshop: job cards, job and counter invoices, e-invoices, mechanics, follow-ups =====
 

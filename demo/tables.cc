@@ -726,6 +726,7 @@ DemoData GenerateDealership(const Options& options) {
   AddJobs(dealership, options, workshop_random, workshop, data.tables, data.facts);
   AddBooks(dealership, options, workshop_random, workshop, data.tables, data.facts);
   AddReturns(dealership, options, workshop_random, workshop, data.tables, data.facts);
+  WritePartMaster(workshop);
   return data;
 }
 

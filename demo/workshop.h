@@ -26,16 +26,35 @@
 
 namespace vantorel::demo {
 
-// One part of the parts master, as the later steps need it.
+// One part of the parts master, as the later steps need it. Quantities are whole units (a litre
+// can, a set, a pair …); amounts are paise.
 struct Part {
+  int id = 0;  // ws_partmaster.part_id, 1, 2, … in part-number order
   std::string part_no;
   std::string description;
   std::string hsn;
-  std::string type;  // its first letter classes it
-  int gst_rate = 0;  // whole percent: 5, 12, 18, 28
-  int64_t mrp = 0;   // paise
-  int64_t dp = 0;    // dealer price, paise
-  int64_t pp = 0;    // purchase price, paise
+  std::string type;      // its first letter classes it: S spares, L lubricants, A accessories,
+                         // T tyres and tubes, B batteries
+  std::string uqc;       // GST unit quantity code: "NOS", "SET", "LTR", "PAC", "PRS"
+  std::string location;  // rack, shelf and bin: "R04-S2-B11"
+  std::string bin_card;  // "BC01234"
+  std::string source;    // "VAYU" (the maker's genuine parts), "GANGA" (cycle parts), "LOCAL"
+  int gst_rate = 0;      // whole percent as the master holds it now (from 22 September 2025)
+  int old_gst_rate = 0;  // whole percent before 22 September 2025
+  int64_t mrp = 0;       // maximum retail price, GST included, paise
+  int64_t dp = 0;        // dealer price before GST (to the workshop and sub-dealers), paise
+  int64_t pp = 0;        // purchase price before GST (what the supplier bills), paise
+  int opening = 0;       // PART_OP1: the opening stock on 1 April 2024
+  // part_balance1, kept up to date by every step that moves stock: the opening, plus spares
+  // purchases, less purchase returns, less transfers out, plus transfers in (the spares step),
+  // less issues to jobs and over the counter (the jobs step: it lowers "balance" and raises
+  // "issued" by the same quantity). Zero or negative is allowed (issued before the bill came).
+  int balance = 0;
+  int issued = 0;   // part_issue: issued to jobs and over the counter
+  int reorder = 0;  // reorder level
+
+  // The GST rate of the part on "day", in whole percent.
+  int RateOn(Day day) const;
 };
 
 // A document's effect on the books, for the accounts to post as a voucher.
@@ -46,24 +65,30 @@ struct Posting {
   int party = 0;         // fa_acmaster id of the customer or supplier; 0 for cash
   int64_t taxable = 0;   // paise
   int64_t cgst = 0, sgst = 0, igst = 0;
-  int64_t total = 0;     // paise, as billed (rounded)
+  int64_t total = 0;  // paise, as billed (rounded)
 };
 
 struct Workshop {
-  std::vector<Part> parts;
+  std::vector<Part> parts;  // in part-number order; parts[i].id == i + 1
   std::vector<Posting> postings;
+  // ws_partmaster, made by the spares step in its place among the tables and filled from
+  // "parts" by WritePartMaster once every step has moved stock.
+  Table* part_master = nullptr;
 };
 
 using Facts = std::vector<std::pair<std::string, std::string>>;
 
-void AddSpares(const Dealership& sales, const Options& options, Random& random,
-               Workshop& workshop, Dataset& tables, Facts& facts);
+void AddSpares(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+               Dataset& tables, Facts& facts);
+// Fills ws_partmaster from workshop.parts, balances as they stand; once, after the last step
+// that moves stock.
+void WritePartMaster(Workshop& workshop);
 void AddJobs(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
              Dataset& tables, Facts& facts);
-void AddBooks(const Dealership& sales, const Options& options, Random& random,
-              Workshop& workshop, Dataset& tables, Facts& facts);
-void AddReturns(const Dealership& sales, const Options& options, Random& random,
-                Workshop& workshop, Dataset& tables, Facts& facts);
+void AddBooks(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+              Dataset& tables, Facts& facts);
+void AddReturns(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
+                Dataset& tables, Facts& facts);
 
 }  // namespace vantorel::demo
 
