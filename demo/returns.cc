@@ -340,19 +340,28 @@ void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& w
   Table& hsn = tables.Create("gst_hsn", {"hsn", "description", "uqc"});
   for (const auto& [code, text, uqc] :
        std::vector<std::tuple<const char*, const char*, const char*>>{
-           {"271019", "Lubricating oils and greases", "LTR"},
-           {"401140", "Tyres for motorcycles", "NOS"},
-           {"401310", "Inner tubes", "NOS"},
+           {"27101980", "Lubricating oils", "LTR"},
+           {"34031900", "Lubricating preparations", "NOS"},
+           {"38190010", "Brake fluid", "NOS"},
+           {"38200000", "Anti-freezing preparations (coolant)", "LTR"},
+           {"40114090", "Tyres for motorcycles", "NOS"},
+           {"40115000", "Tyres for bicycles", "NOS"},
+           {"40131020", "Inner tubes for motorcycles", "NOS"},
+           {"40132000", "Inner tubes for bicycles", "NOS"},
+           {"65061010", "Safety headgear (helmets)", "NOS"},
+           {"85071000", "Lead-acid storage batteries", "NOS"},
+           {"85111000", "Sparking plugs", "NOS"},
+           {"85122010", "Lighting equipment for motor vehicles", "NOS"},
+           {"85123010", "Horns and sound signalling equipment", "NOS"},
+           {"87141090", "Parts and accessories of motorcycles", "NOS"},
+           {"87149990", "Parts and accessories of bicycles", "NOS"},
+           {"998714", "Maintenance and repair of motorcycles (labour)", "OTH"},
            {"650610", "Safety headgear (helmets)", "NOS"},
-           {"841391", "Parts of pumps", "NOS"},
-           {"850710", "Lead-acid storage batteries", "NOS"},
-           {"851210", "Lighting and signalling equipment", "NOS"},
            {"871120", "Motorcycles and scooters, 50-250 cc", "NOS"},
            {"871160", "Electric two-wheelers", "NOS"},
            {"871200", "Bicycles, not motorised", "NOS"},
            {"871410", "Parts and accessories of motorcycles", "NOS"},
-           {"871499", "Parts and accessories of bicycles", "NOS"},
-           {"998714", "Maintenance and repair of transport machinery", "OTH"}}) {
+           {"871499", "Parts and accessories of bicycles", "NOS"}}) {
     hsn.Add({std::string(code), std::string(text), std::string(uqc)});
   }
 
@@ -517,11 +526,13 @@ void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& w
   };
   std::vector<Ranked> parts;
   if (!workshop.parts.empty()) {
-    for (const Part& p : workshop.parts) {
-      if (parts.size() == 40) break;
+    // Forty parts from across the master, so that the list mixes its kinds.
+    const size_t step = std::max<size_t>(1, workshop.parts.size() / 40);
+    for (size_t i = 0; i < workshop.parts.size() && parts.size() < 40; i += step) {
+      const Part& p = workshop.parts[i];
       const int qty = random.Between(6, 160);
-      parts.push_back({p.part_no, p.description, p.hsn, random.Between(qty / 3 + 1, qty), qty * 100,
-                       p.dp * qty});
+      parts.push_back({p.part_no, p.description, p.type, random.Between(qty / 3 + 1, qty),
+                       qty * 100, p.dp * qty});
     }
   } else {
     for (const auto& [code, name, category, price] :

@@ -1316,8 +1316,8 @@ join purdata p on p.invid = i.id
 left join customer c on c.cust_id = i.cust_id
 left join fa_acmaster a on a.am_id = i.am_id;
 
--- Every inward supply line (vehicle purchase bills), with the columns of the workshop's
--- vu_ws_gstpurchaselines.
+-- Every inward supply line: the vehicle purchase bills, and the workshop's spares purchases
+-- with their returns negative (vu_ws_gstpurchaselines, whose columns these are).
 create view vu_gst_inward as
 select u.billdate as doc_date, u.billno as doc_no, u.supid as party_id, a.am_name as party_name,
   a.am_gst as party_gstin, '27' as pos_state_code, l.hsn,
@@ -1331,7 +1331,11 @@ from purchase u
 join purveh l on l.purid = u.id
 join fa_acmaster a on a.am_id = u.supid
 join vehicle v on v.veh_id = l.veh_id
-join vehmodel m on m.model_id = v.model_id;
+join vehmodel m on m.model_id = v.model_id
+union all
+select doc_date, doc_no, party_id, party_name, party_gstin, pos_state_code, hsn, description, uqc,
+  qty, gst_rate, taxable, cgst, sgst, igst, cess
+from vu_ws_gstpurchaselines;
 
 -- Vehicle quotations given to walk-in customers: the on-road price of one model, colour and
 -- branch. exsh_price is the ex-showroom price with GST (taxable + gst_amt); onroad = exsh_price
@@ -1370,7 +1374,7 @@ create table quotation (
 -- A quotation with its model and the issuing branch (the template selects by id).
 create view vu_quotation as
 select q.*, m.make, m.model, m.variant, m.model_code, m.hsn, m.fuel, m.cc, m.battery_kwh,
-  b.coid, b.br_name
+  b.coid, b.br_name, b.br_rto
 from quotation q
 join vehmodel m on m.model_id = q.model_id
 join branch b on b.br_id = q.br_id;
