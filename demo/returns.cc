@@ -9,6 +9,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <variant>
 #include <vector>
 
 #include "demo/gst.h"
@@ -579,6 +580,24 @@ void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& w
   add_toplist(2, "Top mechanics by labour billed", 'M', 10, mechanics);
   add("toplist_id", "1");
   add("toplist_mechanics_id", "2");
+
+  // The spares bill with the most lines, whose parts the store labels as they are put away.
+  int label_bill = 0;
+  for (const Table& table : tables.tables()) {
+    if (table.name() != "ws_purchasedet") continue;
+    std::map<int64_t, int> lines_of;
+    for (const std::vector<Cell>& row : table.rows()) ++lines_of[std::get<int64_t>(row[0])];
+    int most = 0;
+    for (const auto& [bill, count] : lines_of) {
+      if (count > most) most = count, label_bill = static_cast<int>(bill);
+    }
+  }
+  const std::string parts_columns =
+      "select p.part_no, p.part_desc, p.part_mrp, p.part_uqc, p.part_location from ws_partmaster p "
+      "join ws_purchasedet d on d.part_id = p.part_id where d.pu_id = " +
+      std::to_string(label_bill);
+  add("parts_qr_sql", parts_columns + " order by d.line");
+  add("parts_qr_roll_sql", parts_columns + " and d.line <= 3 order by d.line");
 
   // Label selections: the vehicles of the largest purchase, received on one truck, for the chassis
   // labels; the first four of them for a roll.
