@@ -58,9 +58,6 @@ class VANTOREL_EXPORT Error : public std::runtime_error {
   int64_t system_code_;
 };
 
-// The error of a print method whose behaviour has not been built yet.
-VANTOREL_EXPORT Error NotImplementedYet(const std::string& method);
-
 }  // namespace vantorel
 
 #endif  // VANTOREL_ERROR_H_

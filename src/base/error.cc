@@ -18,9 +18,4 @@ int32_t Error::hresult() const {
   return number_;
 }
 
-Error NotImplementedYet(const std::string& method) {
-  return Error(errnum::kNotImplemented, "Vantorel.CRepoter",
-               method + " is not implemented yet in this version of Vantorel");
-}
-
 }  // namespace vantorel

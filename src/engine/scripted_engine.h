@@ -50,6 +50,8 @@ class ScriptedEngine final : public Engine {
   void FailOn(const std::string& op, const std::string& description);
 
   const Observed& observed() const { return *observed_; }
+  // Forgets what was observed so far, as if no report had run.
+  void ResetObserved() { *observed_ = {}; }
 
   std::shared_ptr<ReportObject> CreateReport() override;
 

@@ -92,6 +92,15 @@ class TemplatePokes {
     run_.memo = {};
   }
 
+  // Sets the text of memo "memo", when the template has it.
+  void MemoOrSkip(const char* memo, const std::string& text) {
+    if (skipped_) return;
+    run_.memo = run_.LocateMemo(memo);
+    skipped_ = !run_.memo;
+    if (!skipped_) run_.memo.SetMemoText(text);
+    run_.memo = {};
+  }
+
   // Gives query "query" its SQL.
   void RequireQuerySql(const char* query, const std::string& sql) {
     if (skipped_) return;
@@ -105,11 +114,32 @@ class TemplatePokes {
     run_.SetTemplateVariable("Company", name, Quoted(path));
   }
 
+  // Finds query "query", used without a test, whose parameters the next verbs set.
+  void RequireQuery(const char* query) {
+    if (skipped_) return;
+    run_.query = run_.LocateQuery(query);
+  }
+
   // Finds query "query", whose parameters the next verbs set.
   void QueryOrSkip(const char* query) {
     if (skipped_) return;
     run_.query = run_.LocateQuery(query);
     skipped_ = !run_.query;
+  }
+
+  // Finds query "query" and gives it its SQL.
+  void QuerySqlOrSkip(const char* query, const std::string& sql) {
+    QueryOrSkip(query);
+    if (!skipped_) run_.query.SetQueryText(sql);
+  }
+
+  // The same with an SQL text made only once the query is found, as when it is kept in the
+  // text buffer: a template without the query leaves the buffer as it was.
+  template <typename MakeText>
+  requires std::is_invocable_r_v<std::string, MakeText>
+  void QuerySqlOrSkip(const char* query, MakeText make_sql) {
+    QueryOrSkip(query);
+    if (!skipped_) run_.query.SetQueryText(make_sql());
   }
 
   // Sets parameter "name" of the query found last.
@@ -142,6 +172,31 @@ class TemplatePokes {
   engine::ReportRun& run_;
   bool skipped_ = false;
 };
+
+// A document chosen by its id in one parameter of one query, both tested for: vouchers, store
+// documents, job cards, lists of one selection. What one such document differs in:
+struct IdDocument {
+  const char* template_name;
+  bool id_accepted;                 // the document's id guard, evaluated
+  bool named_before_guard = false;  // a refused call still leaves the template name
+  const char* query = "mst";
+  const char* parameter;
+  const std::string* logo = nullptr;  // picture "logo", set right after preparing
+};
+
+inline void PrintIdDocument(CRepoter& rep, int16_t id, const IdDocument& document) {
+  ReportState& state = ThreadReportState();
+  if (document.named_before_guard) state.RptName = document.template_name;
+  if (!document.id_accepted) return;
+  state.RptName = document.template_name;
+  TemplatePokes pokes(rep);
+  if (!pokes.Prepare()) return;
+  if (document.logo != nullptr) pokes.RequirePicture("logo", *document.logo);
+  pokes.QueryOrSkip(document.query);
+  pokes.ParameterOrSkip(document.parameter, {id});
+  pokes.RenderUnlessSkipped();
+  pokes.Release();
+}
 
 // Closes a recordset the method opened, when it is open.
 inline void CloseIfOpen(data::Recordset& rs) {

@@ -218,8 +218,6 @@ TEST_F(CliCall, FailuresExitNonZeroWithNumberAndText) {
   const Result unknown = Vantorel("call NoSuchMethod");
   EXPECT_EQ(unknown.status, 1);
   EXPECT_NE(unknown.out.find("Unknown name"), std::string::npos) << unknown.out;
-  const Result late = Vantorel("call w_estimate 3");
-  EXPECT_NE(late.out.find("not implemented yet"), std::string::npos) << late.out;
 }
 
 TEST_F(CliCall, SetStoresRawValues) {

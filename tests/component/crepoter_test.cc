@@ -223,16 +223,5 @@ TEST_F(ReportStateTest, WithoutSetVarsTheTemplateIsLookedForInTheCurrentFolder) 
   EXPECT_NE(platform_->messages()[0].text.find("nosuchreport_in_cwd.fr3"), std::string::npos);
 }
 
-TEST(CRepoter, UnbuiltPrintMethodsSayNotImplementedYet) {
-  CRepoter rep;
-  try {
-    rep.w_estimate(1);
-    FAIL() << "expected an error";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), errnum::kNotImplemented);
-    EXPECT_NE(error.description().find("w_estimate is not implemented yet"), std::string::npos);
-  }
-}
-
 }  // namespace
 }  // namespace vantorel
