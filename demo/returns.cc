@@ -574,10 +574,10 @@ void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& w
     const int jobs = random.Between(60, 190);
     char code[16];
     std::snprintf(code, sizeof code, "MEC%02d", ++mechanic_no);
-    mechanics.push_back({code, name, mechanic_no <= 3 ? "Senior technician" : "Technician", jobs,
+    mechanics.push_back({code, name, mechanic_no <= 3 ? "Sr. technician" : "Technician", jobs,
                          jobs * random.Between(110, 170), Rs(jobs * random.Between(380, 620))});
   }
-  add_toplist(2, "Top mechanics by labour billed", 'M', 10, mechanics);
+  add_toplist(2, "Top 8 mechanics by labour billed", 'M', 8, mechanics);
   add("toplist_id", "1");
   add("toplist_mechanics_id", "2");
 

@@ -5,9 +5,9 @@
 // the tax the month's bills work out to; and the host's SQL in the facts selects rows.
 #include <array>
 #include <cmath>
-#include <memory>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <regex>
 #include <string>
 
@@ -39,7 +39,9 @@ class ReturnsTest : public ::testing::Test {
     delete folder_;
   }
 
-  std::unique_ptr<data::Connection> Open() { return data::Connection::Open(folder_->File("demo.db")); }
+  std::unique_ptr<data::Connection> Open() {
+    return data::Connection::Open(folder_->File("demo.db"));
+  }
   static const std::string& FactOf(const std::string& key) {
     static std::string missing;
     const auto found = facts_->find(key);
@@ -97,14 +99,13 @@ TEST_F(ReturnsTest, TheGstSaleSummaryAddsUpToTheInvoiceLinesByRateAndByHsn) {
   const Sums by_hsn = SumsOf(*db, "select p.hsn," + lines + " group by p.hsn");
   ASSERT_GE(by_rate.size(), 2u) << "the period should have several rates";
 
-  const Sums rate_summary =
-      SumsOf(*db, "select gst_rate, taxable, igst, cgst, sgst from (" +
-                      TemplateSql("gstsalesummary.fr3", "sumtax") + ") s");
+  const Sums rate_summary = SumsOf(*db, "select gst_rate, taxable, igst, cgst, sgst from (" +
+                                            TemplateSql("gstsalesummary.fr3", "sumtax") + ") s");
   EXPECT_EQ(rate_summary, by_rate);
   Sums hsn_summary;
-  for (const auto& [hsn, sum] : SumsOf(*db, "select hsn, taxable, igst, cgst, sgst from (" +
-                                                TemplateSql("gstsalesummary.fr3", "sumhsn") +
-                                                ") s")) {
+  for (const auto& [hsn, sum] :
+       SumsOf(*db, "select hsn, taxable, igst, cgst, sgst from (" +
+                       TemplateSql("gstsalesummary.fr3", "sumhsn") + ") s")) {
     for (int i = 0; i < 4; ++i) hsn_summary[hsn][i] += sum[i];
   }
   EXPECT_EQ(hsn_summary, by_hsn);
@@ -139,9 +140,9 @@ TEST_F(ReturnsTest, TheGstPurchaseSummaryAddsUpToThePurchaseLines) {
                                        TemplateSql("gstpurchasesummary.fr3", "sumtax") + ") s");
   EXPECT_EQ(summary, by_rate);
   Sums hsn_total, rate_total;
-  for (const auto& [hsn, sum] : SumsOf(*db, "select 'all', taxable, igst, cgst, sgst from (" +
-                                                TemplateSql("gstpurchasesummary.fr3", "sumhsn") +
-                                                ") s")) {
+  for (const auto& [hsn, sum] :
+       SumsOf(*db, "select 'all', taxable, igst, cgst, sgst from (" +
+                       TemplateSql("gstpurchasesummary.fr3", "sumhsn") + ") s")) {
     hsn_total[hsn] = sum;
   }
   for (const auto& [rate, sum] : summary) {
@@ -152,9 +153,8 @@ TEST_F(ReturnsTest, TheGstPurchaseSummaryAddsUpToThePurchaseLines) {
 
 TEST_F(ReturnsTest, VatIsTheRateOnTheValueLineByLine) {
   auto db = Open();
-  for (const char* sql :
-       {"select bill_no, vat_rate, taxable, vat_amt, total from vat_sale",
-        "select bill_no, tax_rate, taxable, tax_amt, total from vat_purchase"}) {
+  for (const char* sql : {"select bill_no, vat_rate, taxable, vat_amt, total from vat_sale",
+                          "select bill_no, tax_rate, taxable, tax_amt, total from vat_purchase"}) {
     const auto rows = Rows(*db, sql);
     ASSERT_GT(rows.size(), 40u) << sql;
     for (const auto& row : rows) {
@@ -172,12 +172,13 @@ TEST_F(ReturnsTest, VatIsTheRateOnTheValueLineByLine) {
 
 TEST_F(ReturnsTest, EveryCFormCoversTheInterStatePurchasesItNames) {
   auto db = Open();
-  const auto forms = Rows(*db,
-                          "select f.cf_id, f.amount, f.bills, sum(p.total), count(p.vp_id), "
-                          "min(p.bill_date) >= f.period_from and max(p.bill_date) <= f.period_to, "
-                          "min(p.am_id) = f.am_id and max(p.am_id) = f.am_id "
-                          "from vat_cform f left join vat_purchase p on p.cf_id = f.cf_id "
-                          "group by f.cf_id, f.amount, f.bills, f.period_from, f.period_to, f.am_id");
+  const auto forms =
+      Rows(*db,
+           "select f.cf_id, f.amount, f.bills, sum(p.total), count(p.vp_id), "
+           "min(p.bill_date) >= f.period_from and max(p.bill_date) <= f.period_to, "
+           "min(p.am_id) = f.am_id and max(p.am_id) = f.am_id "
+           "from vat_cform f left join vat_purchase p on p.cf_id = f.cf_id "
+           "group by f.cf_id, f.amount, f.bills, f.period_from, f.period_to, f.am_id");
   ASSERT_GE(forms.size(), 8u);
   for (const auto& row : forms) {
     EXPECT_EQ(Paise(row[1]), Paise(row[3])) << "C form " << ToText(row[0]);
@@ -185,12 +186,14 @@ TEST_F(ReturnsTest, EveryCFormCoversTheInterStatePurchasesItNames) {
     EXPECT_EQ(row[5].integer(), 1) << "C form " << ToText(row[0]) << " covers another quarter";
     EXPECT_EQ(row[6].integer(), 1) << "C form " << ToText(row[0]) << " covers another supplier";
   }
-  EXPECT_EQ(Rows(*db, "select count(*) from vat_purchase where (purchase_type = 'I') <> "
-                      "(cf_id is not null)")[0][0]
+  EXPECT_EQ(Rows(*db,
+                 "select count(*) from vat_purchase where (purchase_type = 'I') <> "
+                 "(cf_id is not null)")[0][0]
                 .integer(),
             0);
-  EXPECT_EQ(Rows(*db, "select count(*) from vat_purchase where purchase_type = 'I' and tax_rate "
-                      "<> 2")[0][0]
+  EXPECT_EQ(Rows(*db,
+                 "select count(*) from vat_purchase where purchase_type = 'I' and tax_rate "
+                 "<> 2")[0][0]
                 .integer(),
             0);
 }
@@ -211,9 +214,9 @@ TEST_F(ReturnsTest, TheTaxPaidEachMonthIsWhatItsBillsWorkOutTo) {
     EXPECT_EQ(Paise(row[3]), std::llround(ToDouble(row[7])) * 100) << month;
     EXPECT_EQ(Paise(row[5]), Paise(row[2]) + Paise(row[3]) + Paise(row[4])) << month;
   }
-  const auto vat16 = Rows(*db, "select interest from vat_payment where qno = " +
-                                   FactOf("vat16_qno") + " and mm = " + FactOf("vat16_mm") +
-                                   " and yy = " + FactOf("vat16_yy"));
+  const auto vat16 =
+      Rows(*db, "select interest from vat_payment where qno = " + FactOf("vat16_qno") +
+                    " and mm = " + FactOf("vat16_mm") + " and yy = " + FactOf("vat16_yy"));
   ASSERT_EQ(vat16.size(), 1u);
   EXPECT_GT(ToDouble(vat16[0][0]), 0) << "the return the demo prints was paid late, with interest";
 }
@@ -221,8 +224,9 @@ TEST_F(ReturnsTest, TheTaxPaidEachMonthIsWhatItsBillsWorkOutTo) {
 TEST_F(ReturnsTest, QuotationsAddUpToTheirOnRoadPrice) {
   auto db = Open();
   for (const auto& row :
-       Rows(*db, "select id, exsh_price, taxable, gst_amt, gst_rate, reg_charges, hsrp, "
-                 "insurance, accessories, ext_warranty, discount, onroad from quotation")) {
+       Rows(*db,
+            "select id, exsh_price, taxable, gst_amt, gst_rate, reg_charges, hsrp, "
+            "insurance, accessories, ext_warranty, discount, onroad from quotation")) {
     const std::string id = ToText(row[0]);
     EXPECT_EQ(Paise(row[1]), Paise(row[2]) + Paise(row[3])) << id;
     EXPECT_NEAR(ToDouble(row[2]) * ToDouble(row[4]) / 100, ToDouble(row[3]), 0.011) << id;
@@ -230,9 +234,10 @@ TEST_F(ReturnsTest, QuotationsAddUpToTheirOnRoadPrice) {
                                   Paise(row[8]) + Paise(row[9]) - Paise(row[10]))
         << id;
   }
-  const auto chosen = Rows(*db, "select accessories, ext_warranty, discount from quotation "
-                                "where id = " +
-                                    FactOf("quotation_id"));
+  const auto chosen = Rows(*db,
+                           "select accessories, ext_warranty, discount from quotation "
+                           "where id = " +
+                               FactOf("quotation_id"));
   ASSERT_EQ(chosen.size(), 1u);
   for (int i = 0; i < 3; ++i) EXPECT_GT(ToDouble(chosen[0][i]), 0) << "column " << i;
 }
@@ -240,9 +245,10 @@ TEST_F(ReturnsTest, QuotationsAddUpToTheirOnRoadPrice) {
 TEST_F(ReturnsTest, TopListsAreRankedAndTheirSharesAreOfTheWhole) {
   auto db = Open();
   for (const char* key : {"toplist_id", "toplist_mechanics_id"}) {
-    const auto rows = Rows(*db, "select rank_no, amount, share, top_n from vu_ws_toplist where "
-                                "td_id = " +
-                                    FactOf(key) + " order by rank_no");
+    const auto rows = Rows(*db,
+                           "select rank_no, amount, share, top_n from vu_ws_toplist where "
+                           "td_id = " +
+                               FactOf(key) + " order by rank_no");
     ASSERT_FALSE(rows.empty()) << key;
     EXPECT_EQ(static_cast<int64_t>(rows.size()), rows[0][3].integer()) << key;
     double shares = 0;
@@ -260,8 +266,8 @@ TEST_F(ReturnsTest, TopListsAreRankedAndTheirSharesAreOfTheWhole) {
 TEST_F(ReturnsTest, TheHostsSqlInTheFactsSelectsRows) {
   auto db = Open();
   for (const char* key :
-       {"vat23_sql", "vat23_sql2", "vat24_sql", "vat24_sql2", "vat18_sql", "vat19_sql",
-        "cform_sql", "parts_qr_sql", "parts_qr_roll_sql", "chassis_qr_sql", "chassis_qr_roll_sql"}) {
+       {"vat23_sql", "vat23_sql2", "vat24_sql", "vat24_sql2", "vat18_sql", "vat19_sql", "cform_sql",
+        "parts_qr_sql", "parts_qr_roll_sql", "chassis_qr_sql", "chassis_qr_roll_sql"}) {
     EXPECT_FALSE(Rows(*db, FactOf(key)).empty()) << key << ": " << FactOf(key);
   }
   EXPECT_EQ(Rows(*db, FactOf("parts_qr_roll_sql")).size(), 3u);
