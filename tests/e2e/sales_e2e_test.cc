@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -193,124 +195,219 @@ std::string Title(const Facts& f, const char* from, const char* to) {
   return date(from) + " TO " + date(to);
 }
 
+// An amount as the registers print it, in Indian groups: 1,05,630.50.
+std::string IndianAmount(double amount) {
+  const long long paise = std::llround(amount * 100);
+  std::string whole = std::to_string(std::llabs(paise) / 100);
+  std::string grouped = whole.size() > 3 ? whole.substr(whole.size() - 3) : whole;
+  for (size_t end = whole.size() > 3 ? whole.size() - 3 : 0; end > 0;
+       end -= std::min<size_t>(end, 2)) {
+    grouped =
+        whole.substr(end - std::min<size_t>(end, 2), std::min<size_t>(end, 2)) + "," + grouped;
+  }
+  char decimals[4];
+  std::snprintf(decimals, sizeof decimals, "%02lld", std::llabs(paise) % 100);
+  return (paise < 0 ? "-" : "") + grouped + "." + decimals;
+}
+
+// A date of the facts as the VAT returns' titles write it.
+std::string Slashed(const Facts& f, const char* key) {
+  return FormatDate(*Date::FromIso(f.at(key)), "dd/mm/yyyy", '/');
+}
+
 // What each method's first example call of the catalogue must show. A method without an entry
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
   static const std::map<std::string, Expected> expectations = {
-      SHOWS("Challan_Customer",
-            return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
-                                                       f.at("challan_customer_id")))}),
-      SHOWS("ReceiptPrint",
-            return {"(AMOUNT IN WORDS RUPEES " +
-                    Squeezed(AmountInWords(
-                        Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
-                    ")"}),
-      SHOWS("EnqGroupwise",
-            return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqPending",
-            return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("EnqBooking",
-            return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
-      SHOWS("RecRegister",
-            return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
-      SHOWS("VehPurBill",
-            return {One(db,
-                        "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VehPurBillGST",
-            return {One(db,
-                        "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
-                        "p.id=" +
-                            f.at("purchase_id"))}),
-      SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" +
-                                          f.at("vintrf_id") + " order by line limit 1")}),
-      SHOWS("VehBtPrint",
-            return {One(db,
-                        "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
-                        "bv.id=" +
-                            f.at("branch_transfer_id"))}),
-      SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
-                                  Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
-                                                       f.at("challan_sub_id")))}),
-      SHOWS("VehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS("VehInvoicewith21",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_id"),
-                                InvoiceWords(db, Id(f, "invoice_id"), false, false))),
-      SHOWS("VehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("VehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
-      SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
-      SHOWS("CycleGatePass",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("VehSticker",
-            return {One(db, "select chassis from vu_invoice where id=" +
-                                f.at("sticker_invoice_id") + " and chassis is not null")}),
-      SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
-      SHOWS("CycleSaleLetter",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
-      SHOWS("VehForm22",
-            return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
-                                " and chassis is not null")}),
-      SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
-                                           f.at("hsrp_invoice_id") + " and chassis is not null")}),
-      SHOWS(
-          "VehTempCertificate",
+    SHOWS("Challan_Customer",
+          return {"RUPEES : " + Words(Amount(db, "select amt from challan where id=" +
+                                                     f.at("challan_customer_id")))}),
+    SHOWS("ReceiptPrint",
+          return {"(AMOUNT IN WORDS RUPEES " +
+                  Squeezed(AmountInWords(
+                      Amount(db, "select amt from receipt where id=" + f.at("receipt_id")))) +
+                  ")"}),
+    SHOWS("EnqGroupwise",
+          return {"Enquiry Register Group wise from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqPending",
+          return {"Matured Enquiry Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("EnqBooking",
+          return {"Enquiry Booking Register from " + Title(f, "enquiry_from", "enquiry_to")}),
+    SHOWS("RecRegister",
+          return {"Receipts Register from " + Title(f, "receipt_from", "receipt_to")}),
+    SHOWS("VehPurBill",
+          return {One(db,
+                      "select am_name from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VehPurBillGST",
+          return {One(db,
+                      "select am_gst from purchase p, fa_acmaster where p.supid = am_id and "
+                      "p.id=" +
+                          f.at("purchase_id"))}),
+    SHOWS("VinTrf", return {One(db, "select chassis from vu_vintrf where tid=" + f.at("vintrf_id") +
+                                        " order by line limit 1")}),
+    SHOWS("VehBtPrint",
+          return {One(db,
+                      "select br_name from btmstveh bv, branch where bv.btto = branch.am_id and "
+                      "bv.id=" +
+                          f.at("branch_transfer_id"))}),
+    SHOWS("ChallanSub", return {"AMOUNT IN WORDS " +
+                                Words(Amount(db, "select sum(chlamt) from purdata where chlid=" +
+                                                     f.at("challan_sub_id")))}),
+    SHOWS("VehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("VehInvoicewith21",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_id"),
+                              InvoiceWords(db, Id(f, "invoice_id"), false, false))),
+    SHOWS("VehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("VehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("ProVisionalRc", return InvoiceShows(db, Id(f, "prorc_invoice_id"), "")),
+    SHOWS("VehGatePass", return InvoiceShows(db, Id(f, "gatepass_invoice_id"), "")),
+    SHOWS("CycleGatePass",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("DecForm", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("VehSticker",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("sticker_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehSaleLetter", return InvoiceShows(db, Id(f, "invoice_id"), "")),
+    SHOWS("CycleSaleLetter",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id"))}),
+    SHOWS("VehForm22",
+          return {One(db, "select chassis from vu_invoice where id=" + f.at("form22_invoice_id") +
+                              " and chassis is not null")}),
+    SHOWS("VehHSRP", return {One(db, "select chassis from vu_invoice where id=" +
+                                         f.at("hsrp_invoice_id") + " and chassis is not null")}),
+    SHOWS("VehTempCertificate",
           return {One(db, "select tno from vu_tempnumber where tline=" + f.at("temp_tline")),
                   One(db, "select chassis from vu_tempnumber where tline=" + f.at("temp_tline"))}),
-      SHOWS("VehInvoiceSubDealer",
-            return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
-      SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
-      SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
-                                                    f.at("bulk_receipt_id") + " limit 1")}),
-      SHOWS("GSTVehInvoiceSingle",
-            return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
-                                InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
-      SHOWS("CycleInvoice",
-            return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
-                    InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
-      SHOWS("GSTVehInvoiceHero",
-            return InvoiceShows(db, Id(f, "hero_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoiceHeroSubdealer",
-            return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
-                                InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
-      SHOWS("GSTVehInvoice2in1",
-            return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
-                                            InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
-      SHOWS(
-          "GSTVehInvoicewith21",
+    SHOWS("VehInvoiceSubDealer",
+          return InvoiceShows(db, Id(f, "subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "subdealer_invoice_id"), false, false))),
+    SHOWS("Wrc", return {One(db, "select name from firm where coid=" + f.at("firm_id"))}),
+    SHOWS("BulkReceiptPrint", return {One(db, "select am_name from vu_bulkreceipt where id=" +
+                                                  f.at("bulk_receipt_id") + " limit 1")}),
+    SHOWS("GSTVehInvoiceSingle",
+          return InvoiceShows(db, Id(f, "invoice_subsidy_id"),
+                              InvoiceWords(db, Id(f, "invoice_subsidy_id"), true, false))),
+    SHOWS("CycleInvoice",
+          return {One(db, "select cname from vu_invoice where id=" + f.at("cycle_invoice_id")),
+                  InvoiceWords(db, Id(f, "cycle_invoice_id"), false, false)}),
+    SHOWS("GSTVehInvoiceHero",
+          return InvoiceShows(db, Id(f, "hero_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoiceHeroSubdealer",
+          return InvoiceShows(db, Id(f, "hero_subdealer_invoice_id"),
+                              InvoiceWords(db, Id(f, "hero_subdealer_invoice_id"), false, true))),
+    SHOWS("GSTVehInvoice2in1",
+          return InEveryCopy(InvoiceShows(db, Id(f, "invoice_id"),
+                                          InvoiceWords(db, Id(f, "invoice_id"), false, false)))),
+    SHOWS("GSTVehInvoicewith21",
           return InvoiceShows(db, Id(f, "invoice_after_revision_id"),
                               InvoiceWords(db, Id(f, "invoice_after_revision_id"), false, false))),
-      SHOWS(
-          "GSTVehInvoiceSubDealer",
+    SHOWS("GSTVehInvoiceSubDealer",
           return InvoiceShows(db, Id(f, "subdealer_igst_invoice_id"),
                               InvoiceWords(db, Id(f, "subdealer_igst_invoice_id"), false, false))),
-      SHOWS("CycleInvoiceSubDealer",
-            return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
-      SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
-      SHOWS("EInvoiceVehicle",
-            return InvoiceShows(db, Id(f, "einvoice_id"),
-                                InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
+    SHOWS("CycleInvoiceSubDealer",
+          return {InvoiceWords(db, Id(f, "cycle_subdealer_invoice_id"), false, false)}),
+    SHOWS("VehSubDealerPackingList", return InvoiceShows(db, Id(f, "packing_list_id"), "")),
+    SHOWS("EInvoiceVehicle",
+          return InvoiceShows(db, Id(f, "einvoice_id"),
+                              InvoiceWords(db, Id(f, "einvoice_id"), false, false))),
 
-      // Spares purchase and stock documents, parts stock reports.
+    // Spares purchase and stock documents, parts stock reports.
 
-      // Job cards, job invoices, counter invoices, service and technician lists.
+    // Job cards, job invoices, counter invoices, service and technician lists.
 
-      // Ledgers, trial balances, vouchers, cheques and notes.
+    // Ledgers, trial balances, vouchers, cheques and notes.
 
-      // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+    // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+    SHOWS("VAT23print",
+          return {
+              "Tax Period From : " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to"),
+              "ANNEXURE J1: CUSTOMER-WISE SALES",
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_sale where bill_date "
+                                  "between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS("VAT24print",
+          return {
+              "Tax Period From : " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to"),
+              "ANNEXURE J2: SUPPLIER-WISE PURCHASES", "Vayu Motocorp Ltd",
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_purchase where bill_date "
+                                  "between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS(
+        "Vat18Print",
+        return {"From " + Slashed(f, "vat_quarter_from") + "  To  " + Slashed(f, "vat_quarter_to"),
+                "SALES REGISTER: VAT AND CENTRAL SALES TAX",
+                IndianAmount(Amount(db,
+                                    "select sum(total) from vat_sale where bill_date "
+                                    "between '" +
+                                        f.at("vat_quarter_from") + "' and '" +
+                                        f.at("vat_quarter_to") + "'"))}),
+    SHOWS(
+        "Vat19Print",
+        return {"From " + Slashed(f, "vat_quarter_from") + "  To  " + Slashed(f, "vat_quarter_to"),
+                "PURCHASE REGISTER: VAT AND CENTRAL SALES TAX",
+                IndianAmount(Amount(db,
+                                    "select sum(total) from vat_purchase where bill_date "
+                                    "between '" +
+                                        f.at("vat_quarter_from") + "' and '" +
+                                        f.at("vat_quarter_to") + "'"))}),
+    SHOWS("PrintCformList",
+          return {
+              "C form List From " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to") +
+                  " (" + f.at("cform_title") + ")",
+              One(db, "select cform_no from vat_cform order by cf_id limit 1"),
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_purchase where "
+                                  "purchase_type = 'I' and bill_date between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS("PrintVat16",
+          const std::string month =
+              " from vat_payment where mm = " + f.at("vat16_mm") + " and yy = " + f.at("vat16_yy");
+          return {"FORM 231: RETURN OF VALUE ADDED TAX", One(db, "select challan_no" + month),
+                  IndianAmount(Amount(db, "select total" + month)),
+                  "Rupees " + Words(Amount(db, "select total" + month))}),
+    SHOWS("GstSaleSummary",
+          return {"GST SUMMARY OF OUTWARD SUPPLIES (SALES)",
+                  IndianAmount(Amount(db,
+                                      "select sum(p.taxable) from invoice i join purdata p "
+                                      "on p.invid = i.id where i.idate between '" +
+                                          f.at("gst_from") + "' and '" + f.at("gst_to") + "'"))}),
+    SHOWS("GstPurchaseSummary",
+          return {"GST SUMMARY OF INWARD SUPPLIES (PURCHASES)",
+                  IndianAmount(Amount(db,
+                                      "select sum(taxable) from vu_gst_inward where "
+                                      "doc_date between '" +
+                                          f.at("gst_from") + "' and '" + f.at("gst_to") + "'"))}),
+    SHOWS("WS_TOPLIST",
+          const std::string list = " from vu_ws_toplist where td_id = " + f.at("toplist_id");
+          return {"WORKSHOP TOP LIST", One(db, "select title" + list + " limit 1"),
+                  One(db, "select name" + list + " and rank_no = 1"),
+                  IndianAmount(Amount(db, "select sum(amount)" + list))}),
+    SHOWS("QuotePrint",
+          const std::string quote = " from quotation where id = " + f.at("quotation_id");
+          return {"QUOTATION", One(db, "select cname" + quote), One(db, "select qno" + quote),
+                  IndianAmount(Amount(db, "select onroad" + quote)),
+                  "RUPEES " + Words(Amount(db, "select onroad" + quote))}),
+    SHOWS(
+        "PartsQrPrint",
+        const std::string first = "select part_no from (" + f.at("parts_qr_sql") + ") s";
+        return {One(db, first), One(db, "select part_desc from (" + f.at("parts_qr_sql") + ") s")}),
+    SHOWS("ChassisQrPrint",
+          return {One(db, "select chassis from (" + f.at("chassis_qr_sql") + ") s"),
+                  One(db, "select engine from (" + f.at("chassis_qr_sql") + ") s")}),
 
   };
   return expectations;
