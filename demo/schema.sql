@@ -1254,7 +1254,7 @@ create index ix_vat_purchase_date on vat_purchase (bill_date);
 create table vat_cform (
   cf_id integer primary key,
   cform_series varchar(4) not null,
-  cform_no varchar(12) not null,
+  cform_no varchar(16) not null,
   issue_date date not null,
   am_id integer not null,
   supplier_name varchar(80) not null,
