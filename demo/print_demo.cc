@@ -1,4 +1,4 @@
-// Prints every sales document of the demo dealership through the component, the way a host
+// Prints every document of the demo dealership through the component, the way a host
 // does: one CRepoter, its properties, SetVars, then each print of demo/demo_prints.h (both
 // templates where a setting or an argument chooses one) to a PDF in OUT. Writes OUT/manifest.tsv:
 // file, method, template, arguments.

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The main job: builds the demo dealership database, prints every sales document of it through
+# The main job: builds the demo dealership database, prints every document of it through
 # the component into out/, and writes out/index.html with a picture of each first page.
 #   demo/run_demo.sh [BUILD_DIR]     (default build/release, configured by `make demo`)
 set -euo pipefail
@@ -32,7 +32,7 @@ h1 { color: #8b1a1a; margin: 0 0 4px 0; } p { margin: 0 0 18px 0; color: #555; }
 .m { font-weight: bold; font-size: 13px; } .t { font-size: 12px; color: #666; }
 </style></head><body>
 <h1>Shivneri Motors — demo documents</h1>
-<p>Every sales document of the demo dealership, printed through the component by <code>make demo</code>.</p>
+<p>Every document of the demo dealership — sales, workshop and accounts — printed through the component by <code>make demo</code>.</p>
 <div class="grid">
 HTML
   while IFS=$'\t' read -r pdf method template arguments; do

@@ -15,7 +15,8 @@ packages=(
   # fonts
   fonts-liberation2 fonts-noto-core fonts-dejavu-core
   # test and demo tools
-  sqlite3 qpdf poppler-utils xvfb xdotool x11-utils xauth postgresql cups cups-client cups-bsd
+  sqlite3 qpdf poppler-utils xvfb xdotool x11-utils xauth postgresql mariadb-server mariadb-client
+  cups cups-client cups-bsd
   printer-driver-cups-pdf hyperfine valgrind imagemagick zbar-tools
 )
 

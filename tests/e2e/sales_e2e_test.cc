@@ -93,6 +93,12 @@ class Demo {
     return postgres_;
   }
 
+  // The MariaDB connection string of a database holding the demo data; empty without a server.
+  const std::string& mariadb() {
+    if (!mariadb_loaded_) LoadMariaDb();
+    return mariadb_;
+  }
+
  private:
   Demo() {
     const std::string command = std::string(DEMO_GEN) + " --sqlite " + sqlite() + " --sql " +
@@ -119,10 +125,33 @@ class Demo {
     postgres_ = server + ";ConnSettings=set search_path to " + schema;
   }
 
+  void LoadMariaDb() {
+    mariadb_loaded_ = true;
+    const std::string server = testing::MariaDbConnectionString();
+    if (server.empty()) return;
+    const std::string database = "sales_e2e_" + std::to_string(::getpid());
+    {
+      auto db = data::Connection::OpenForLoading(server);
+      db->Execute("drop database if exists " + database);
+      db->Execute("create database " + database);
+    }
+    const std::string connection =
+        server.substr(0, server.find("Database=dms")) + "Database=" + database +
+        server.substr(server.find("Database=dms") + std::string("Database=dms").size());
+    auto db = data::Connection::OpenForLoading(connection);
+    for (const std::string& file :
+         {std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql", folder() + "/data.sql"}) {
+      for (const std::string& statement : Statements(file)) db->Execute(statement);
+    }
+    mariadb_ = connection;
+  }
+
   testing::TempDir dir_;
   std::map<std::string, std::string> facts_;
   std::string postgres_;
   bool postgres_loaded_ = false;
+  std::string mariadb_;
+  bool mariadb_loaded_ = false;
 };
 
 // What a document's PDF must show, from the database it was printed from.
@@ -413,13 +442,18 @@ const std::map<std::string, Expected>& Expectations() {
   return expectations;
 }
 
+enum class Server { kSqlite, kPostgres, kMariaDb };
+
 struct Case {
   const PrintMethodFacts* method;
-  bool postgres;
+  Server server;
 };
 
 void PrintTo(const Case& c, std::ostream* out) {
-  *out << c.method->method << (c.postgres ? " on PostgreSQL" : " on SQLite");
+  *out << c.method->method
+       << (c.server == Server::kPostgres  ? " on PostgreSQL"
+           : c.server == Server::kMariaDb ? " on MariaDB"
+                                          : " on SQLite");
 }
 
 class SalesEndToEnd : public ::testing::TestWithParam<Case> {};
@@ -427,8 +461,10 @@ class SalesEndToEnd : public ::testing::TestWithParam<Case> {};
 TEST_P(SalesEndToEnd, PrintsAValidPdfShowingItsData) {
   const Case& c = GetParam();
   Demo& demo = Demo::Get();
-  const std::string connection = c.postgres ? demo.postgres() : demo.sqlite();
-  ASSERT_FALSE(connection.empty()) << "no PostgreSQL server: run with the postgres fixture";
+  const std::string connection = c.server == Server::kPostgres  ? demo.postgres()
+                                 : c.server == Server::kMariaDb ? demo.mariadb()
+                                                                : demo.sqlite();
+  ASSERT_FALSE(connection.empty()) << "no database server: run with its fixture";
   testing::TempDir out;
   // The program's folder, which the firm's logo path (assets/logo.png) is relative to.
   std::filesystem::current_path(std::string(VANTOREL_SOURCE_DIR) + "/demo");
@@ -478,10 +514,9 @@ TEST(SalesEndToEndList, ExpectsOnlyCataloguedMethods) {
   }
 }
 
-std::vector<Case> Cases(bool postgres) {
+std::vector<Case> Cases(Server server) {
   std::vector<Case> cases;
-  for (const PrintMethodFacts& method : PrintMethodCatalogue())
-    cases.push_back({&method, postgres});
+  for (const PrintMethodFacts& method : PrintMethodCatalogue()) cases.push_back({&method, server});
   return cases;
 }
 
@@ -489,10 +524,15 @@ std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
   return std::string(info.param.method->method);
 }
 
-#ifdef VANTOREL_E2E_POSTGRES
-INSTANTIATE_TEST_SUITE_P(Postgres, SalesEndToEnd, ::testing::ValuesIn(Cases(true)), CaseName);
+#if defined(VANTOREL_E2E_POSTGRES)
+INSTANTIATE_TEST_SUITE_P(Postgres, SalesEndToEnd, ::testing::ValuesIn(Cases(Server::kPostgres)),
+                         CaseName);
+#elif defined(VANTOREL_E2E_MARIADB)
+INSTANTIATE_TEST_SUITE_P(MariaDb, SalesEndToEnd, ::testing::ValuesIn(Cases(Server::kMariaDb)),
+                         CaseName);
 #else
-INSTANTIATE_TEST_SUITE_P(Sqlite, SalesEndToEnd, ::testing::ValuesIn(Cases(false)), CaseName);
+INSTANTIATE_TEST_SUITE_P(Sqlite, SalesEndToEnd, ::testing::ValuesIn(Cases(Server::kSqlite)),
+                         CaseName);
 #endif
 
 }  // namespace

@@ -12,12 +12,33 @@ namespace {
 class AccountsTest : public MethodTest {
  protected:
   AccountsTest()
-      : MethodTest({"refledger", "partyrefledgerold", "partyrefledger", "voucherprintuwise",
-                    "vat23", "vat24", "vat18", "vat19", "cformlist", "vat16", "trialparty",
-                    "trialpartydcr", "trialgroup", "trialnature", "voucherprintsingle",
-                    "oldvehiclerecipt", "chequeprint", "gstvoucherprint", "payoutvoucherprint",
-                    "gstdcnprint", "gstsalesummary", "gstpurchasesummary", "ws_toplist",
-                    "quoteprint", "w_partsqrprintroll", "w_partsqrprint", "chassisqrprintroll",
+      : MethodTest({"refledger",
+                    "partyrefledgerold",
+                    "partyrefledger",
+                    "voucherprintuwise",
+                    "vat23",
+                    "vat24",
+                    "vat18",
+                    "vat19",
+                    "cformlist",
+                    "vat16",
+                    "trialparty",
+                    "trialpartydcr",
+                    "trialgroup",
+                    "trialnature",
+                    "voucherprintsingle",
+                    "oldvehiclerecipt",
+                    "chequeprint",
+                    "gstvoucherprint",
+                    "payoutvoucherprint",
+                    "gstdcnprint",
+                    "gstsalesummary",
+                    "gstpurchasesummary",
+                    "ws_toplist",
+                    "quoteprint",
+                    "w_partsqrprintroll",
+                    "w_partsqrprint",
+                    "chassisqrprintroll",
                     "chassisqrprint"}) {
     Sql("create table gstdcnmst (did integer, damt numeric(12,2));"
         "insert into gstdcnmst values (4, 11800), (0, 250.5), (6, null);");
@@ -28,7 +49,8 @@ class AccountsTest : public MethodTest {
   const Date kTo = Day(2024, 3, 31);
 };
 
-// --- ledgers --------------------------------------------------------------------------------------
+// --- ledgers
+// --------------------------------------------------------------------------------------
 
 TEST_F(AccountsTest, ReferenceLedgerPassesItsIdAsThirtyTwoBitsAndThePeriod) {
   for (int32_t id : {70000, -1}) {
@@ -40,11 +62,11 @@ TEST_F(AccountsTest, ReferenceLedgerPassesItsIdAsThirtyTwoBitsAndThePeriod) {
     EXPECT_EQ(ParamValue<Date>("mst.fdt"), kFrom);
     EXPECT_EQ(ParamValue<Date>("mst.tdt"), kTo);
   }
-  EXPECT_EQ(Pokes(), (std::vector<std::string>{
-                         "LocateComponent MAIN", "GetQueryParameter refid", "SetParameterValue",
-                         "LocateComponent mst", "GetQueryParameter fdt", "SetParameterValue",
-                         "GetQueryParameter tdt", "SetParameterValue", "ShowPreview",
-                         "ReleaseRun"}));
+  EXPECT_EQ(Pokes(),
+            (std::vector<std::string>{
+                "LocateComponent MAIN", "GetQueryParameter refid", "SetParameterValue",
+                "LocateComponent mst", "GetQueryParameter fdt", "SetParameterValue",
+                "GetQueryParameter tdt", "SetParameterValue", "ShowPreview", "ReleaseRun"}));
   NameTemplate("host");
   rep_.RefLedger(0, kFrom, kTo);
   EXPECT_EQ(RptName(), "host");
@@ -128,12 +150,10 @@ TEST_F(AccountsTest, VatFormsWithTwoStatementsTitleTwoMemos) {
     EXPECT_EQ(Memo("Memo40"), Memo("Memo13"));
     EXPECT_EQ(QuerySql("QRY"), "select 1");
     EXPECT_EQ(QuerySql("QRY1"), "select 2");
-    EXPECT_EQ(Pokes(),
-              (std::vector<std::string>{"LocateComponent Memo13", "SetMemoText",
-                                        "LocateComponent Memo40", "SetMemoText",
-                                        "LocateComponent QRY", "SetQueryText",
-                                        "LocateComponent QRY1", "SetQueryText", "ShowPreview",
-                                        "ReleaseRun"}));
+    EXPECT_EQ(Pokes(), (std::vector<std::string>{
+                           "LocateComponent Memo13", "SetMemoText", "LocateComponent Memo40",
+                           "SetMemoText", "LocateComponent QRY", "SetQueryText",
+                           "LocateComponent QRY1", "SetQueryText", "ShowPreview", "ReleaseRun"}));
   }
 }
 
@@ -277,12 +297,11 @@ TEST_F(AccountsTest, NatureTrialTakesTheHostsSqlBeforeItsParameters) {
   EXPECT_EQ(QuerySql("mst"), "select * from tb");
   EXPECT_EQ(ParamValue<std::string>("qry.nature"), "ASSETS");
   EXPECT_EQ(Pokes(),
-            (std::vector<std::string>{"LocateComponent Memo3", "SetMemoText",
-                                      "LocateComponent Memo16", "SetMemoText",
-                                      "LocateComponent mst", "SetQueryText",
-                                      "LocateComponent qry", "GetQueryParameter xdt",
-                                      "SetParameterValue", "GetQueryParameter nature",
-                                      "SetParameterValue", "ShowPreview", "ReleaseRun"}));
+            (std::vector<std::string>{
+                "LocateComponent Memo3", "SetMemoText", "LocateComponent Memo16", "SetMemoText",
+                "LocateComponent mst", "SetQueryText", "LocateComponent qry",
+                "GetQueryParameter xdt", "SetParameterValue", "GetQueryParameter nature",
+                "SetParameterValue", "ShowPreview", "ReleaseRun"}));
   Fresh();
   rep_.TrialNature(kTo, "", "");
   EXPECT_EQ(QuerySql("mst"), "");
@@ -450,10 +469,10 @@ TEST_F(AccountsTest, LabelsChooseTheRollOnPaperTypeOneOnly) {
     const char* parts;
     const char* chassis;
   };
-  for (const Row& row : {Row{1, "w_partsqrprintroll", "chassisqrprintroll"},
-                         Row{0, "w_partsqrprint", "chassisqrprint"},
-                         Row{2, "w_partsqrprint", "chassisqrprint"},
-                         Row{-1, "w_partsqrprint", "chassisqrprint"}}) {
+  for (const Row& row :
+       {Row{1, "w_partsqrprintroll", "chassisqrprintroll"},
+        Row{0, "w_partsqrprint", "chassisqrprint"}, Row{2, "w_partsqrprint", "chassisqrprint"},
+        Row{-1, "w_partsqrprint", "chassisqrprint"}}) {
     SCOPED_TRACE(row.paper);
     Fresh();
     rep_.PartsQrPrint("select part_no from ws_partmaster", row.paper);
@@ -469,9 +488,8 @@ TEST_F(AccountsTest, LabelsHaveTheTempFolderAsTheirPicturePath) {
   platform_->SetEnvironment("temp", "C:\\Temp");
   rep_.PartsQrPrint("select 1", 0);
   EXPECT_EQ(Variable("picpath"), "\"C:\\Temp\"");
-  EXPECT_EQ(Pokes(), (std::vector<std::string>{"SetTemplateVariable picpath",
-                                               "LocateComponent qry", "SetQueryText",
-                                               "ShowPreview", "ReleaseRun"}));
+  EXPECT_EQ(Pokes(), (std::vector<std::string>{"SetTemplateVariable picpath", "LocateComponent qry",
+                                               "SetQueryText", "ShowPreview", "ReleaseRun"}));
 }
 
 TEST_F(AccountsTest, LabelsWithoutSqlAreOnlyNamed) {

@@ -16,10 +16,9 @@ namespace vantorel::testing {
 inline const std::map<std::string, std::set<std::string>>& MethodQueries() {
   static const std::map<std::string, std::set<std::string>> queries = {
       {"q", {"pu_id"}},
-      {"mst",
-       {"stk_id", "od_id", "em_id", "pu_id", "job_srl", "ma_id", "ma_rv", "docid", "docfrom",
-        "chassisno", "mechid", "fdt", "tdt", "parttype", "vcode", "xdt", "nature", "xvid", "xdid",
-        "td_id"}},
+      {"mst", {"stk_id", "od_id",   "em_id",     "pu_id",  "job_srl", "ma_id", "ma_rv",
+               "docid",  "docfrom", "chassisno", "mechid", "fdt",     "tdt",   "parttype",
+               "vcode",  "xdt",     "nature",    "xvid",   "xdid",    "td_id"}},
       {"job", {"job_srl"}},
       {"Q_SUM", {"xdt"}},
       {"MAIN", {"refid"}},
@@ -39,10 +38,9 @@ inline const std::map<std::string, std::set<std::string>>& MethodQueries() {
 
 inline engine::ScriptedEngine::Template MethodTemplate() {
   engine::ScriptedEngine::Template t;
-  for (const char* memo :
-       {"WORDS", "Memo26", "TITLE", "titel", "memtitle", "Memo13", "Memo40", "Memo10", "TITEL",
-        "Memo3", "Memo23", "Memo16", "mempay", "memdate", "memparty", "memword", "memamt",
-        "inwords"}) {
+  for (const char* memo : {"WORDS", "Memo26", "TITLE", "titel", "memtitle", "Memo13", "Memo40",
+                           "Memo10", "TITEL", "Memo3", "Memo23", "Memo16", "mempay", "memdate",
+                           "memparty", "memword", "memamt", "inwords"}) {
     t.components[memo] = ComponentKind::kMemo;
   }
   for (const auto& [query, parameters] : MethodQueries()) {

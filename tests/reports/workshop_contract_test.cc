@@ -12,16 +12,42 @@ namespace {
 class WorkshopTest : public MethodTest {
  protected:
   WorkshopTest()
-      : MethodTest({"w_purchasecheck", "w_purchasecheckgst", "w_partplacementlist",
-                    "w_stocktransfer", "w_purchaseorder", "w_poview", "w_estimate",
-                    "wsprintpurret", "w_jobcardprint", "w_jobinvprint", "w_jobinvprinthero",
-                    "w_jobinvprintheroigst", "custom_w_jobinvprint", "w_proinvoice",
-                    "w_gstjobinvprint", "jobinvprint", "jobinvprint_wmrp", "einvoiceservice",
-                    "w_counterprint", "w_counterprinthero", "w_gstcounterprinthero",
-                    "custom_w_counterprint", "w_gstcounterprint", "counterprint",
-                    "counterprint_wmrp", "einvoiceclaim", "w_history", "w_openingparts",
-                    "w_closingbal", "w_stockvaluation", "w_negativereport", "stocksummary",
-                    "w_servicefollowup", "w_mechreqlist", "w_mechlablist", "w_superreqlist",
+      : MethodTest({"w_purchasecheck",
+                    "w_purchasecheckgst",
+                    "w_partplacementlist",
+                    "w_stocktransfer",
+                    "w_purchaseorder",
+                    "w_poview",
+                    "w_estimate",
+                    "wsprintpurret",
+                    "w_jobcardprint",
+                    "w_jobinvprint",
+                    "w_jobinvprinthero",
+                    "w_jobinvprintheroigst",
+                    "custom_w_jobinvprint",
+                    "w_proinvoice",
+                    "w_gstjobinvprint",
+                    "jobinvprint",
+                    "jobinvprint_wmrp",
+                    "einvoiceservice",
+                    "w_counterprint",
+                    "w_counterprinthero",
+                    "w_gstcounterprinthero",
+                    "custom_w_counterprint",
+                    "w_gstcounterprint",
+                    "counterprint",
+                    "counterprint_wmrp",
+                    "einvoiceclaim",
+                    "w_history",
+                    "w_openingparts",
+                    "w_closingbal",
+                    "w_stockvaluation",
+                    "w_negativereport",
+                    "stocksummary",
+                    "w_servicefollowup",
+                    "w_mechreqlist",
+                    "w_mechlablist",
+                    "w_superreqlist",
                     "w_superlablist"}) {}
 
   void PurchaseOrderSetting(const std::string& value) {
@@ -39,8 +65,7 @@ TEST_F(WorkshopTest, StoreDocumentsSelectTheirDocumentByIdInTheirQuery) {
   };
   const std::vector<Row> rows = {
       {[](CRepoter& r, int16_t id) { r.w_purchaseCheck(id); }, "w_purchasecheck", "q.pu_id"},
-      {[](CRepoter& r, int16_t id) { r.w_purchaseCheckGST(id); }, "w_purchasecheckgst",
-       "q.pu_id"},
+      {[](CRepoter& r, int16_t id) { r.w_purchaseCheckGST(id); }, "w_purchasecheckgst", "q.pu_id"},
       {[](CRepoter& r, int16_t id) { r.w_partPlacementList(id); }, "w_partplacementlist",
        "q.pu_id"},
       {[](CRepoter& r, int16_t id) { r.w_stocktransfer(id); }, "w_stocktransfer", "mst.stk_id"},
@@ -71,8 +96,7 @@ TEST_F(WorkshopTest, StoreDocumentsSelectTheirDocumentByIdInTheirQuery) {
 TEST_F(WorkshopTest, StockTransferPokesInTheOrderOfItsSteps) {
   rep_.w_stocktransfer(-3);
   EXPECT_EQ(Pokes(), (std::vector<std::string>{"LocateComponent mst", "GetQueryParameter stk_id",
-                                                "SetParameterValue", "ShowPreview",
-                                                "ReleaseRun"}));
+                                               "SetParameterValue", "ShowPreview", "ReleaseRun"}));
 }
 
 TEST_F(WorkshopTest, StoreDocumentWithoutQueryOrParameterIsLoadedAndReleasedOnly) {
@@ -124,10 +148,10 @@ TEST_F(WorkshopTest, PurchaseReturnPrintsItsWordsAndLogoForAReturnAndADebitNoteA
     EXPECT_EQ(ParamValue<int16_t>("mst.pu_id"), 6);
     EXPECT_EQ(Memo("WORDS"), "RUPEES : " + AmountInWords(11800.5));
     EXPECT_EQ(Variable("logo"), "\"C:\\logo.bmp\"");
-    EXPECT_EQ(Pokes(), (std::vector<std::string>{
-                           "LocateComponent mst", "GetQueryParameter pu_id", "SetParameterValue",
-                           "LocateComponent WORDS", "SetMemoText", "SetTemplateVariable logo",
-                           "ShowPreview", "ReleaseRun"}));
+    EXPECT_EQ(Pokes(),
+              (std::vector<std::string>{"LocateComponent mst", "GetQueryParameter pu_id",
+                                        "SetParameterValue", "LocateComponent WORDS", "SetMemoText",
+                                        "SetTemplateVariable logo", "ShowPreview", "ReleaseRun"}));
   }
 }
 
@@ -158,11 +182,10 @@ TEST_F(WorkshopTest, JobInvoicePokesInTheOrderOfItsSteps) {
   EXPECT_EQ(ParamType("mst.ma_rv"), 8);
   EXPECT_EQ(ParamValue<std::string>("mst.ma_rv"), "JI/24-25");
   EXPECT_EQ(Memo("WORDS"), "RUPEES : " + AmountInWords(2360.75));
-  EXPECT_EQ(Pokes(),
-            (std::vector<std::string>{"LocateComponent mst", "GetQueryParameter ma_id",
-                                      "SetParameterValue", "GetQueryParameter ma_rv",
-                                      "SetParameterValue", "LocateComponent WORDS", "SetMemoText",
-                                      "ShowPreview", "ReleaseRun"}));
+  EXPECT_EQ(Pokes(), (std::vector<std::string>{"LocateComponent mst", "GetQueryParameter ma_id",
+                                               "SetParameterValue", "GetQueryParameter ma_rv",
+                                               "SetParameterValue", "LocateComponent WORDS",
+                                               "SetMemoText", "ShowPreview", "ReleaseRun"}));
 }
 
 TEST_F(WorkshopTest, JobInvoiceWithIdNotAboveZeroLeavesEverythingAsItWas) {
@@ -290,7 +313,8 @@ TEST_F(WorkshopTest, ProformaInvoiceSelectsTheJobInItsOwnQuery) {
   ExpectUntouched();
 }
 
-// --- counter invoices ------------------------------------------------------------------------------
+// --- counter invoices
+// ------------------------------------------------------------------------------
 
 TEST_F(WorkshopTest, CounterInvoicesAllWriteRupeesBeforeTheWords) {
   struct Row {
@@ -380,10 +404,10 @@ TEST_F(WorkshopTest, StockValuationLabelsPurchasePriceAsDealerPrice) {
     const char* based;
     const char* column_and_label;
   };
-  for (const Row& row : {Row{"PP", "part_PP as rate,'DP' as based"},
-                         Row{"pp", "part_pp as rate,'MRP' as based"},
-                         Row{"DP", "part_DP as rate,'MRP' as based"},
-                         Row{"MRP", "part_MRP as rate,'MRP' as based"}}) {
+  for (const Row& row :
+       {Row{"PP", "part_PP as rate,'DP' as based"}, Row{"pp", "part_pp as rate,'MRP' as based"},
+        Row{"DP", "part_DP as rate,'MRP' as based"},
+        Row{"MRP", "part_MRP as rate,'MRP' as based"}}) {
     rep_.w_Stockvaluation(Day(2024, 3, 31), kTrue, "'S'", row.based);
     EXPECT_NE(QuerySql("mst").find(row.column_and_label), std::string::npos) << QuerySql("mst");
     EXPECT_TRUE(QuerySql("mst").ends_with("in ('S') order by part_no")) << QuerySql("mst");

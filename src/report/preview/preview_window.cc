@@ -1,6 +1,8 @@
 // The window module, libvantorel-gui.so: the preview window and the desktop message box in
 // GTK 3, behind the C functions gui_module.h declares. The engine opens this module only when a
-// window is wanted, so nothing else in Vantorel links GTK.
+// window is wanted, so nothing else in Vantorel links GTK. The window shows the pages in a page
+// canvas (report/canvas/page_canvas.h) and adds the toolbar, keys, printing, export and finding
+// text around it.
 //
 // GTK may be used by one thread at a time, so every entry point holds one lock for as long as it
 // touches GTK; a window's nested main loop runs on the thread that asked for it.
@@ -18,11 +20,11 @@
 #include <thread>
 #include <vector>
 
+#include "report/canvas/page_canvas.h"
 #include "report/pdf/pdf_writer.h"
 #include "report/preview/gui_module.h"
 #include "report/preview/view_model.h"
 #include "report/print/printer.h"
-#include "report/render/draw_page.h"
 #include "vantorel/error.h"
 #include "vantorel/platform.h"
 
@@ -76,9 +78,6 @@ struct GFree {
 };
 using GText = std::unique_ptr<char, GFree>;
 
-constexpr double kMargin = 16;  // pixels of grey around the page
-constexpr double kShadow = 4;   // pixels the page's shadow is offset by
-
 // The toolbar's zoom list: the steps, then the two fitting modes.
 constexpr int kFitWidthRow = static_cast<int>(kZoomStepCount);
 constexpr int kFitPageRow = kFitWidthRow + 1;
@@ -101,7 +100,7 @@ void ShowError(GtkWindow* parent, const std::string& primary, const std::string&
 class PreviewWindow {
  public:
   PreviewWindow(const Document& document, const PreviewSettings& settings)
-      : document_(document), settings_(settings) {
+      : document_(document), settings_(settings), canvas_(document, canvas::PageFlow::kOnePage) {
     title_ = !settings.title.empty()            ? settings.title
              : !document.metadata.title.empty() ? document.metadata.title
                                                 : "Report preview";
@@ -110,7 +109,6 @@ class PreviewWindow {
 
   ~PreviewWindow() {
     if (window_ != nullptr) gtk_widget_destroy(window_);
-    if (relayout_source_ != 0) g_source_remove(relayout_source_);
     // The job being followed reads the document, which the caller frees once we return.
     if (print_thread_.joinable()) print_thread_.join();
     std::lock_guard lock(print_mutex_);
@@ -127,7 +125,7 @@ class PreviewWindow {
     gtk_widget_show_all(window_);
     if (settings_.maximized) gtk_window_maximize(GTK_WINDOW(window_));
     // The keys act on the page, not on the first entry GTK would give the focus to.
-    gtk_widget_grab_focus(area_);
+    canvas_.GrabFocus();
     gtk_editable_select_region(GTK_EDITABLE(page_entry_), 0, 0);
     UpdateControls();
     loop_.reset(g_main_loop_new(nullptr, FALSE));
@@ -221,8 +219,13 @@ class PreviewWindow {
 
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_box_pack_start(GTK_BOX(box), toolbar_, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), MakePageView(), TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), canvas_.widget(), TRUE, TRUE, 0);
     gtk_container_add(GTK_CONTAINER(window_), box);
+    // The find marks' fill goes under the text so it stays readable, their outline over it.
+    canvas_.SetMarks([this](cairo_t* cr, size_t page, canvas::MarkLayer layer) {
+      DrawMatches(cr, page, layer == canvas::MarkLayer::kUnderItems);
+    });
+    canvas_.SetOnChanged([this] { UpdateControls(); });
     SetZoom(ZoomMode::kFixed, 1.0);
   }
 
@@ -312,36 +315,6 @@ class PreviewWindow {
     AddWidget(nullptr, find_status_);
   }
 
-  // The scrolled area the page is drawn in.
-  GtkWidget* MakePageView() {
-    area_ = gtk_drawing_area_new();
-    gtk_widget_set_can_focus(area_, TRUE);
-    Connect(
-        area_, "draw",
-        +[](GtkWidget*, cairo_t* cr, gpointer data) {
-          Self(data)->Draw(cr);
-          return gboolean{FALSE};
-        },
-        this);
-    scrolled_ = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_container_add(GTK_CONTAINER(scrolled_), area_);
-    gtk_widget_set_vexpand(scrolled_, TRUE);
-    Connect(
-        scrolled_, "size-allocate",
-        +[](GtkWidget*, GdkRectangle* size, gpointer data) {
-          Self(data)->OnViewResized(size->width, size->height);
-        },
-        this);
-    gtk_widget_add_events(scrolled_, GDK_SCROLL_MASK);
-    Connect(
-        scrolled_, "scroll-event",
-        +[](GtkWidget*, GdkEventScroll* event, gpointer data) {
-          return Self(data)->OnScroll(event);
-        },
-        this);
-    return scrolled_;
-  }
-
   size_t PageCount() const { return document_.pages.size(); }
 
   void OnDestroyed() {
@@ -354,16 +327,14 @@ class PreviewWindow {
   }
 
   void GoTo(size_t page) {
-    if (PageCount() == 0) return;
-    page_ = std::min(page, PageCount() - 1);
-    GtkAdjustment* vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled_));
-    gtk_adjustment_set_value(vertical, gtk_adjustment_get_lower(vertical));
-    Relayout();
+    if (window_ == nullptr || PageCount() == 0) return;
+    canvas_.ShowPage(page);
   }
 
   void Step(int delta) {
-    if (delta < 0 && page_ == 0) return;
-    GoTo(delta < 0 ? page_ - 1 : page_ + 1);
+    const size_t page = canvas_.page();
+    if (delta < 0 && page == 0) return;
+    GoTo(delta < 0 ? page - 1 : page + 1);
   }
 
   void GoToLast() {
@@ -379,116 +350,35 @@ class PreviewWindow {
     } else {
       UpdateControls();  // put the current number back
     }
-    gtk_widget_grab_focus(area_);
+    canvas_.GrabFocus();
   }
 
   void SetZoom(ZoomMode mode, double zoom) {
-    mode_ = mode;
-    if (mode == ZoomMode::kFixed) zoom_ = zoom;
-    Relayout();
+    if (window_ != nullptr) canvas_.SetZoom(mode, zoom);
   }
 
   void ZoomBy(int direction) {
-    SetZoom(ZoomMode::kFixed, direction > 0 ? ZoomIn(zoom_) : ZoomOut(zoom_));
+    if (window_ != nullptr) canvas_.ZoomBy(direction);
   }
 
   void OnZoomChosen() {
     if (updating_) return;
     const int row = gtk_combo_box_get_active(GTK_COMBO_BOX(zoom_combo_));
     if (row == kFitWidthRow) {
-      SetZoom(ZoomMode::kFitWidth, zoom_);
+      SetZoom(ZoomMode::kFitWidth, canvas_.zoom());
     } else if (row == kFitPageRow) {
-      SetZoom(ZoomMode::kFitPage, zoom_);
+      SetZoom(ZoomMode::kFitPage, canvas_.zoom());
     } else if (row >= 0 && row < kFitWidthRow) {
       SetZoom(ZoomMode::kFixed, kZoomSteps[row]);
     }
   }
 
-  void OnViewResized(int width, int height) {
-    if (width == view_width_ && height == view_height_) return;
-    view_width_ = width;
-    view_height_ = height;
-    // Resizing the page from inside GTK's allocation pass would nest layouts: do it just after.
-    if (mode_ != ZoomMode::kFixed && relayout_source_ == 0) {
-      relayout_source_ = g_idle_add(
-          +[](gpointer data) {
-            Self(data)->relayout_source_ = 0;
-            Self(data)->Relayout();
-            return gboolean{G_SOURCE_REMOVE};
-          },
-          this);
-    }
-  }
-
-  gboolean OnScroll(GdkEventScroll* event) {
-    if ((event->state & GDK_CONTROL_MASK) == 0) return FALSE;
-    double dx = 0, dy = 0;
-    if (event->direction == GDK_SCROLL_UP) dy = -1;
-    if (event->direction == GDK_SCROLL_DOWN) dy = 1;
-    if (event->direction == GDK_SCROLL_SMOOTH)
-      gdk_event_get_scroll_deltas(reinterpret_cast<GdkEvent*>(event), &dx, &dy);
-    if (dy != 0) ZoomBy(dy < 0 ? 1 : -1);
-    return TRUE;
-  }
-
-  // The current page's size in pixels at the current zoom, and the zoom itself.
-  double Scale() const { return zoom_ * kPixelsPerPoint; }
-
-  // Recomputes the zoom of a fitting mode and the drawing area's size, then repaints.
-  void Relayout() {
-    if (window_ == nullptr) return;
-    if (PageCount() > 0) {
-      const SizeF size = document_.pages[page_].size;
-      if (mode_ != ZoomMode::kFixed && view_width_ > 0) {
-        zoom_ = FitZoom(mode_, size, view_width_, view_height_, kMargin);
-      }
-      const int width = static_cast<int>(std::ceil(size.width * Scale() + 2 * kMargin));
-      const int height = static_cast<int>(std::ceil(size.height * Scale() + 2 * kMargin));
-      gtk_widget_set_size_request(area_, width, height);
-    }
-    gtk_widget_queue_draw(area_);
-    UpdateControls();
-  }
-
-  void Draw(cairo_t* cr) {
-    const double width = gtk_widget_get_allocated_width(area_);
-    const double height = gtk_widget_get_allocated_height(area_);
-    cairo_set_source_rgb(cr, 0.56, 0.57, 0.58);
-    cairo_rectangle(cr, 0, 0, width, height);
-    cairo_fill(cr);
-    if (PageCount() == 0) return;
-
-    const Page& page = document_.pages[page_];
-    const double scale = Scale();
-    const double page_width = page.size.width * scale;
-    const double page_height = page.size.height * scale;
-    const double x = std::floor(std::max(kMargin, (width - page_width) / 2));
-    const double y = kMargin;
-    cairo_set_source_rgba(cr, 0, 0, 0, 0.35);
-    cairo_rectangle(cr, x + kShadow, y + kShadow, page_width, page_height);
-    cairo_fill(cr);
-    cairo_set_source_rgb(cr, 1, 1, 1);
-    cairo_rectangle(cr, x, y, page_width, page_height);
-    cairo_fill(cr);
-
-    cairo_save(cr);
-    cairo_translate(cr, x, y);
-    cairo_scale(cr, scale, scale);
-    cairo_rectangle(cr, 0, 0, page.size.width, page.size.height);
-    cairo_clip(cr);
-    // The marks' fill goes under the text so it stays readable, their outline over it.
-    DrawMatches(cr, true);
-    DrawPage(cr, document_, page);
-    DrawMatches(cr, false);
-    cairo_restore(cr);
-  }
-
-  // Marks the find matches of the current page, the current one stronger: their fill, or their
+  // Marks the find matches of page "page", the current one stronger: their fill, or their
   // outline.
-  void DrawMatches(cairo_t* cr, bool fill) const {
+  void DrawMatches(cairo_t* cr, size_t page, bool fill) const {
     for (size_t i = 0; i < matches_.size(); ++i) {
       const Match& match = matches_[i];
-      if (match.page != page_) continue;
+      if (match.page != page) continue;
       const bool current = i == current_match_;
       cairo_rectangle(cr, match.box.x, match.box.y, match.box.width, match.box.height);
       if (fill) {
@@ -504,7 +394,7 @@ class PreviewWindow {
 
   void OnFindChanged() {
     matches_ = FindText(document_, gtk_entry_get_text(GTK_ENTRY(find_entry_)));
-    current_match_ = FirstMatchFrom(matches_, page_);
+    current_match_ = FirstMatchFrom(matches_, canvas_.page());
     ShowCurrentMatch();
   }
 
@@ -526,22 +416,16 @@ class PreviewWindow {
     } else {
       gtk_style_context_remove_class(style, GTK_STYLE_CLASS_ERROR);
     }
-    if (!matches_.empty() && matches_[current_match_].page != page_) {
+    if (!matches_.empty() && matches_[current_match_].page != canvas_.page()) {
       GoTo(matches_[current_match_].page);
     } else {
-      Relayout();
+      canvas_.Redraw();
+      UpdateControls();
     }
     if (matches_.empty()) return;
     // Scroll the match into view when the page is larger than the window.
     const Match& match = matches_[current_match_];
-    GtkAdjustment* vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled_));
-    const double top = kMargin + match.box.y * Scale();
-    const double bottom = kMargin + match.box.bottom() * Scale();
-    const double shown = gtk_adjustment_get_page_size(vertical);
-    const double value = gtk_adjustment_get_value(vertical);
-    if (top < value || bottom > value + shown) {
-      gtk_adjustment_set_value(vertical, std::max(0.0, top - shown / 3));
-    }
+    canvas_.ScrollIntoView(match.page, match.box);
   }
 
   void Print() {
@@ -671,20 +555,22 @@ class PreviewWindow {
     if (window_ == nullptr) return;
     updating_ = true;
     const size_t count = PageCount();
-    const size_t shown = count == 0 ? 0 : page_ + 1;
+    const size_t page = canvas_.page();
+    const size_t shown = count == 0 ? 0 : page + 1;
     gtk_entry_set_text(GTK_ENTRY(page_entry_), std::to_string(shown).c_str());
     gtk_label_set_text(GTK_LABEL(page_count_), ("/ " + std::to_string(count)).c_str());
-    gtk_widget_set_sensitive(GTK_WIDGET(first_), page_ > 0);
-    gtk_widget_set_sensitive(GTK_WIDGET(previous_), page_ > 0);
-    gtk_widget_set_sensitive(GTK_WIDGET(next_), page_ + 1 < count);
-    gtk_widget_set_sensitive(GTK_WIDGET(last_), page_ + 1 < count);
-    gtk_widget_set_sensitive(GTK_WIDGET(zoom_out_), zoom_ > kZoomSteps[0] + 1e-6);
-    gtk_widget_set_sensitive(GTK_WIDGET(zoom_in_), zoom_ < kZoomSteps[kZoomStepCount - 1] - 1e-6);
+    const double zoom = canvas_.zoom();
+    gtk_widget_set_sensitive(GTK_WIDGET(first_), page > 0);
+    gtk_widget_set_sensitive(GTK_WIDGET(previous_), page > 0);
+    gtk_widget_set_sensitive(GTK_WIDGET(next_), page + 1 < count);
+    gtk_widget_set_sensitive(GTK_WIDGET(last_), page + 1 < count);
+    gtk_widget_set_sensitive(GTK_WIDGET(zoom_out_), zoom > kZoomSteps[0] + 1e-6);
+    gtk_widget_set_sensitive(GTK_WIDGET(zoom_in_), zoom < kZoomSteps[kZoomStepCount - 1] - 1e-6);
     int row = -1;
-    if (mode_ == ZoomMode::kFitWidth) row = kFitWidthRow;
-    if (mode_ == ZoomMode::kFitPage) row = kFitPageRow;
+    if (canvas_.zoom_mode() == ZoomMode::kFitWidth) row = kFitWidthRow;
+    if (canvas_.zoom_mode() == ZoomMode::kFitPage) row = kFitPageRow;
     for (size_t i = 0; row < 0 && i < kZoomStepCount; ++i) {
-      if (std::fabs(kZoomSteps[i] - zoom_) < 1e-6) row = static_cast<int>(i);
+      if (std::fabs(kZoomSteps[i] - zoom) < 1e-6) row = static_cast<int>(i);
     }
     gtk_combo_box_set_active(GTK_COMBO_BOX(zoom_combo_), row);
     std::string found = "0 / 0";
@@ -703,7 +589,7 @@ class PreviewWindow {
 
     std::lock_guard lock(g_status_mutex);
     g_status = "page " + std::string(gtk_entry_get_text(GTK_ENTRY(page_entry_))) + " " +
-               gtk_label_get_text(GTK_LABEL(page_count_)) + "; zoom " + Percent(zoom_) + "; find " +
+               gtk_label_get_text(GTK_LABEL(page_count_)) + "; zoom " + Percent(zoom) + "; find " +
                found;
   }
 
@@ -728,16 +614,9 @@ class PreviewWindow {
   GtkToolItem* find_next_ = nullptr;
   GtkWidget* find_status_ = nullptr;
   GtkWidget* print_status_ = nullptr;
-  GtkWidget* scrolled_ = nullptr;
-  GtkWidget* area_ = nullptr;
+  canvas::PageCanvas canvas_;  // the pages, zoomed and scrolled
   MainLoop loop_;
 
-  size_t page_ = 0;
-  ZoomMode mode_ = ZoomMode::kFixed;
-  double zoom_ = 1.0;
-  int view_width_ = 0;
-  int view_height_ = 0;
-  guint relayout_source_ = 0;  // a pending Relayout after the view was resized
   bool updating_ = false;  // set while UpdateControls sets widgets, so their signals are ignored
   std::vector<Match> matches_;
   size_t current_match_ = 0;

@@ -25,8 +25,8 @@ struct WorkshopInvoiceForm {
   const std::string* logo_after_words = nullptr;
 };
 
-inline void PrintWorkshopInvoice(CRepoter& rep, int16_t id, const std::string& text,
-                                 double amount, const WorkshopInvoiceForm& form) {
+inline void PrintWorkshopInvoice(CRepoter& rep, int16_t id, const std::string& text, double amount,
+                                 const WorkshopInvoiceForm& form) {
   if (!(id > 0)) return;
   ThreadReportState().RptName = form.template_name;
   TemplatePokes pokes(rep);
