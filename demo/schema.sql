@@ -1162,14 +1162,14 @@ create view vu_ws_gstpurchaselines as
 select p.bill_date as doc_date, p.bill_no as doc_no, p.am_id as party_id,
   a.am_name as party_name, a.am_gst as party_gstin, '27' as pos_state_code, d.hsn,
   d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt as cgst, d.sgst_amt as sgst,
-  d.igst_amt as igst, cast(0 as numeric(12,2)) as cess
+  d.igst_amt as igst, 0.00 as cess
 from ws_purchase p
 join ws_purchasedet d on d.pu_id = p.pu_id
 join fa_acmaster a on a.am_id = p.am_id
 union all
 select r.pr_date, r.pr_no, r.am_id, a.am_name, a.am_gst, '27', d.hsn, d.description, d.uqc,
   -d.qty, d.gst_rate, -d.taxable, -d.cgst_amt, -d.sgst_amt, -d.igst_amt,
-  cast(0 as numeric(12,2))
+  0.00
 from ws_purret r
 join ws_purretdet d on d.pr_id = r.pr_id
 join fa_acmaster a on a.am_id = r.am_id;
@@ -1310,7 +1310,7 @@ select i.idate as doc_date, i.num as doc_no, coalesce(i.cust_id, i.am_id) as par
   cast(coalesce(p.cgst_rate, 0) + coalesce(p.sgst_rate, 0) + coalesce(p.igst_rate, 0) as integer)
     as gst_rate,
   p.taxable, coalesce(p.cgst_amt, 0) as cgst, coalesce(p.sgst_amt, 0) as sgst,
-  coalesce(p.igst_amt, 0) as igst, cast(0 as numeric(12,2)) as cess
+  coalesce(p.igst_amt, 0) as igst, 0.00 as cess
 from invoice i
 join purdata p on p.invid = i.id
 left join customer c on c.cust_id = i.cust_id
@@ -1326,7 +1326,7 @@ select u.billdate as doc_date, u.billno as doc_no, u.supid as party_id, a.am_nam
   cast(coalesce(l.cgst_rate, 0) + coalesce(l.sgst_rate, 0) + coalesce(l.igst_rate, 0) as integer)
     as gst_rate,
   l.taxable, coalesce(l.cgst_amt, 0) as cgst, coalesce(l.sgst_amt, 0) as sgst,
-  coalesce(l.igst_amt, 0) as igst, cast(0 as numeric(12,2)) as cess
+  coalesce(l.igst_amt, 0) as igst, 0.00 as cess
 from purchase u
 join purveh l on l.purid = u.id
 join fa_acmaster a on a.am_id = u.supid
