@@ -29,7 +29,7 @@ struct PrintContext {
   std::string db;      // the demo database file; some prints change a setting in it first
   Facts facts;         // its facts
   std::string logo;    // the dealership's logo picture
-  std::string folder;  // where prints may write files of their own (the e-invoice QR picture)
+  std::string folder;  // where prints may write files of their own (the e-invoices' QR pictures)
 
   // The fact "key"; throws std::runtime_error when the facts have none.
   const std::string& Fact(const std::string& key) const;
@@ -43,8 +43,8 @@ struct DemoPrint {
   const char* method;         // the print method
   const char* arguments;      // as text, facts in braces: "{sticker_invoice_id} 4", and "{logo}"
                               // and "{qr}" for the context's logo and QR picture
-  // A setting or a file the print needs first; null when it needs none.
-  void (*prepare)(const PrintContext& context);
+  // A setting or a file the print needs first; empty when it needs none.
+  std::function<void(const PrintContext& context)> prepare;
   // Calls the method by name with the arguments, as a late-binding host does.
   std::function<void(CRepoter& rep, const PrintContext& context)> print;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdint>
 #include <stdexcept>
 
@@ -132,6 +133,29 @@ std::string Base64Url(std::string_view bytes) {
     for (size_t i = 0; i <= count; ++i) text += kAlphabet[(group >> (18 - 6 * i)) & 0x3f];
   }
   return text;
+}
+
+std::string SignedQr(const std::string& data) {
+  static const std::string kHeader = [] {
+    const std::string key = Sha256("Invoice registration portal, signing certificate 2024");
+    std::string kid;
+    for (char c : Sha256Hex(key).substr(0, 40)) {
+      kid += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    const std::string thumbprint = Base64Url(key.substr(0, 20));
+    return Base64Url("{\"alg\":\"RS256\",\"kid\":\"" + kid + "\",\"typ\":\"JWT\",\"x5t\":\"" +
+                     thumbprint + "\"}");
+  }();
+  std::string quoted;
+  for (char c : data) {
+    if (c == '"' || c == '\\') quoted += '\\';
+    quoted += c;
+  }
+  const std::string signed_part =
+      kHeader + "." + Base64Url("{\"data\":\"" + quoted + "\",\"iss\":\"NIC\"}");
+  std::string signature;
+  for (char block = 0; block < 8; ++block) signature += Sha256(signed_part + block);
+  return signed_part + "." + Base64Url(signature);
 }
 
 }  // namespace vantorel::demo

@@ -30,6 +30,13 @@ std::string Sha256Hex(std::string_view data);
 // JSON Web Token are written.
 std::string Base64Url(std::string_view bytes);
 
+// The signed QR code of an e-invoice as the invoice registration portal returns it: a JSON Web
+// Token (header.payload.signature, each base64url) signed with the portal's key (RS256), its
+// payload holding the invoice's particulars as a JSON text under "data". The demo cannot sign as
+// the portal does: its signature is 256 bytes, as long as the portal's, drawn from digests of the
+// header and payload, so the same invoice always gets the same code.
+std::string SignedQr(const std::string& data);
+
 }  // namespace vantorel::demo
 
 #endif  // VANTOREL_DEMO_IDENTIFIERS_H_

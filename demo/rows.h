@@ -63,6 +63,13 @@ class Dataset {
     return tables_.emplace_back(std::move(name), std::move(columns));
   }
   const std::deque<Table>& tables() const { return tables_; }
+  // The table called "name", or nullptr: a later step adds rows to an earlier step's table.
+  Table* Find(const std::string& name) {
+    for (Table& table : tables_) {
+      if (table.name() == name) return &table;
+    }
+    return nullptr;
+  }
 
  private:
   std::deque<Table> tables_;

@@ -51,34 +51,6 @@ const Factory& FactoryOf(int supplier) {
                                           : kLudhiana;
 }
 
-// The signed QR code of an e-invoice as the invoice registration portal returns it: a JSON Web
-// Token (header.payload.signature, each base64url) signed with the portal's key (RS256), its
-// payload holding the invoice's particulars as a JSON text under "data". The demo cannot sign as
-// the portal does: its signature is 256 bytes, as long as the portal's, drawn from digests of the
-// header and payload, so the same invoice always gets the same code.
-std::string SignedQr(const std::string& data) {
-  static const std::string kHeader = [] {
-    const std::string key = Sha256("Invoice registration portal, signing certificate 2024");
-    std::string kid;
-    for (char c : Sha256Hex(key).substr(0, 40)) {
-      kid += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    }
-    const std::string thumbprint = Base64Url(key.substr(0, 20));
-    return Base64Url("{\"alg\":\"RS256\",\"kid\":\"" + kid + "\",\"typ\":\"JWT\",\"x5t\":\"" +
-                     thumbprint + "\"}");
-  }();
-  std::string quoted;
-  for (char c : data) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  const std::string signed_part =
-      kHeader + "." + Base64Url("{\"data\":\"" + quoted + "\",\"iss\":\"NIC\"}");
-  std::string signature;
-  for (char block = 0; block < 8; ++block) signature += Sha256(signed_part + block);
-  return signed_part + "." + Base64Url(signature);
-}
-
 // House and street, then the locality when there is one: what an enquiry slip notes.
 std::string StreetAddress(const Customer& c) {
   return c.add3.empty() ? c.add1 : c.add1 + ", " + c.add3;

@@ -1176,7 +1176,526 @@ join fa_acmaster a on a.am_id = r.am_id;
 
 
 -- ===== Workshop: job cards, job and counter invoices, e-invoices, mechanics, follow-ups =====
+-- The workshop's documents select by these ids (16-bit): job cards 20001-, job invoices
+-- 22001-, counter invoices 24001-, claims 26001-, follow-ups 28001-, mechanics 301-. A bill is
+-- named by its id and its ma_rv, the way the host keeps it beside the number: CASH (series JI/
+-- and CI/) or CREDIT (series JCR/ and CCR/, billed on the customer's account in fa_acmaster).
 
+drop view if exists vu_ws_gstsalelines;
+drop view if exists vu_ws_followup;
+drop view if exists vu_ws_history;
+drop view if exists vu_ws_labour;
+drop view if exists vu_ws_requisition;
+drop view if exists vu_ws_claim;
+drop view if exists vu_ws_counterinv;
+drop view if exists vu_ws_proforma;
+drop view if exists vu_ws_jobinv;
+drop view if exists vu_ws_jobcard;
+drop table if exists ws_followup;
+drop table if exists ws_claimdet;
+drop table if exists ws_claim;
+drop table if exists ws_counterinvdet;
+drop table if exists ws_counterinv;
+drop table if exists ws_proformadet;
+drop table if exists ws_proforma;
+drop table if exists ws_jobinvdet;
+drop table if exists ws_jobinv;
+drop table if exists ws_labour;
+drop table if exists ws_requisition;
+drop table if exists ws_jobcomplaint;
+drop table if exists ws_jobcard;
+drop table if exists ws_mechanic;
+
+-- Mechanics (type M) and supervisors (type S) of each branch's workshop.
+create table ws_mechanic (
+  mech_id integer primary key,
+  mech_name varchar(60) not null,
+  mech_type varchar(1) not null,
+  br_id integer not null,
+  mobile varchar(20),
+  skill varchar(60),
+  joined date
+);
+
+-- Job cards: a vehicle's visit to the workshop, opened at reception. veh_id and cust_id are set
+-- for vehicles the dealership sold; the owner as the card records it either way.
+create table ws_jobcard (
+  job_srl integer primary key,
+  job_no varchar(24) not null unique,
+  job_date date not null,
+  job_intime timestamp not null,
+  br_id integer not null,
+  cust_id integer,
+  am_id integer,
+  veh_id integer,
+  cname varchar(80) not null,
+  cadd1 varchar(80),
+  cadd2 varchar(80),
+  ccity varchar(40),
+  cpin varchar(6),
+  cstate varchar(40),
+  cstatecode varchar(2),
+  cmobile varchar(20),
+  cgstin varchar(15),
+  regno varchar(16) not null,
+  chassis varchar(17) not null,
+  engine varchar(20),
+  make varchar(40),
+  model varchar(60) not null,
+  color varchar(40),
+  sale_date date,
+  kms integer not null,
+  fuel_level varchar(20),
+  service_type varchar(20) not null,
+  coupon_no varchar(24),
+  mech_id integer not null references ws_mechanic (mech_id),
+  sup_id integer not null references ws_mechanic (mech_id),
+  est_amount numeric(12,2) not null,
+  promised timestamp,
+  delivered timestamp,
+  status varchar(10) not null,
+  next_date date,
+  next_kms integer
+);
+
+-- The customer's complaints on a job card, and what the workshop did about each.
+create table ws_jobcomplaint (
+  job_srl integer not null references ws_jobcard (job_srl),
+  line integer not null,
+  complaint varchar(120) not null,
+  action varchar(120),
+  primary key (job_srl, line)
+);
+
+-- Parts a mechanic requisitioned from the store for a job (warranty Y: claimed from the maker).
+create table ws_requisition (
+  req_id integer primary key,
+  job_srl integer not null references ws_jobcard (job_srl),
+  req_no varchar(24) not null,
+  req_date date not null,
+  mech_id integer not null references ws_mechanic (mech_id),
+  line integer not null,
+  part_no varchar(30) not null,
+  part_desc varchar(120) not null,
+  part_type varchar(10) not null,
+  hsn varchar(8) not null,
+  qty integer not null,
+  mrp numeric(12,2) not null,
+  warranty varchar(1) not null
+);
+
+-- Labour done on a job, by mechanic (claim FSC or WC: a free service or warranty job the maker
+-- pays for).
+create table ws_labour (
+  lab_id integer primary key,
+  job_srl integer not null references ws_jobcard (job_srl),
+  line integer not null,
+  lab_code varchar(10) not null,
+  lab_desc varchar(120) not null,
+  mech_id integer not null references ws_mechanic (mech_id),
+  hours numeric(5,2) not null,
+  charge numeric(12,2) not null,
+  claim varchar(3)
+);
+
+-- Job (service) invoices: parts at MRP and labour under SAC 998714, one per delivered job.
+create table ws_jobinv (
+  id integer primary key,
+  ma_rv varchar(6) not null,
+  inv_no varchar(20) not null unique,
+  inv_date date not null,
+  job_srl integer,
+  br_id integer not null,
+  cust_id integer,
+  am_id integer,
+  cname varchar(80) not null,
+  cadd1 varchar(80),
+  cadd2 varchar(80),
+  ccity varchar(40),
+  cpin varchar(6),
+  cstate varchar(40),
+  cstatecode varchar(2),
+  cmobile varchar(20),
+  cgstin varchar(15),
+  pos_state varchar(40) not null,
+  pos_code varchar(2) not null,
+  paymode varchar(20),
+  tot_parts numeric(12,2) not null,
+  tot_labour numeric(12,2) not null,
+  tot_discount numeric(12,2) not null,
+  tot_taxable numeric(12,2) not null,
+  tot_cgst numeric(12,2) not null,
+  tot_sgst numeric(12,2) not null,
+  tot_igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  invamt numeric(12,2) not null,
+  irn varchar(64),
+  ack_no varchar(15),
+  ack_date timestamp,
+  qr_text varchar(1400),
+  remarks varchar(200),
+  prepared_by varchar(60)
+);
+
+-- Lines of job invoices: item_kind P a part, L labour (uqc OTH, no MRP).
+create table ws_jobinvdet (
+  invid integer not null references ws_jobinv (id),
+  line integer not null,
+  item_kind varchar(1) not null,
+  code varchar(30) not null,
+  description varchar(120) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  mrp numeric(12,2),
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netprice numeric(12,2) not null,
+  mech_id integer,
+  primary key (invid, line)
+);
+
+-- Proforma invoices (estimates) of jobs, by job card.
+create table ws_proforma (
+  job_srl integer primary key references ws_jobcard (job_srl),
+  pf_no varchar(20) not null unique,
+  pf_date date not null,
+  valid_upto date not null,
+  remarks varchar(200)
+);
+
+create table ws_proformadet (
+  job_srl integer not null references ws_proforma (job_srl),
+  line integer not null,
+  item_kind varchar(1) not null,
+  code varchar(30) not null,
+  description varchar(120) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  mrp numeric(12,2),
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netprice numeric(12,2) not null,
+  primary key (job_srl, line)
+);
+
+-- Parts sold over the counter (job_srl is null).
+create table ws_counterinv (
+  id integer primary key,
+  ma_rv varchar(6) not null,
+  inv_no varchar(20) not null unique,
+  inv_date date not null,
+  job_srl integer,
+  br_id integer not null,
+  cust_id integer,
+  am_id integer,
+  cname varchar(80) not null,
+  cadd1 varchar(80),
+  cadd2 varchar(80),
+  ccity varchar(40),
+  cpin varchar(6),
+  cstate varchar(40),
+  cstatecode varchar(2),
+  cmobile varchar(20),
+  cgstin varchar(15),
+  pos_state varchar(40) not null,
+  pos_code varchar(2) not null,
+  paymode varchar(20),
+  tot_parts numeric(12,2) not null,
+  tot_labour numeric(12,2) not null,
+  tot_discount numeric(12,2) not null,
+  tot_taxable numeric(12,2) not null,
+  tot_cgst numeric(12,2) not null,
+  tot_sgst numeric(12,2) not null,
+  tot_igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  invamt numeric(12,2) not null,
+  irn varchar(64),
+  ack_no varchar(15),
+  ack_date timestamp,
+  qr_text varchar(1400),
+  remarks varchar(200),
+  prepared_by varchar(60)
+);
+
+create table ws_counterinvdet (
+  invid integer not null references ws_counterinv (id),
+  line integer not null,
+  item_kind varchar(1) not null,
+  code varchar(30) not null,
+  description varchar(120) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  mrp numeric(12,2),
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netprice numeric(12,2) not null,
+  mech_id integer,
+  primary key (invid, line)
+);
+
+-- Claims on the manufacturers, e-invoiced to them: docfrom WC (warranty parts and labour) or FSC
+-- (free service coupons); the claim e-invoice selects by docid and docfrom.
+create table ws_claim (
+  docid integer primary key,
+  docfrom varchar(3) not null,
+  claim_no varchar(20) not null unique,
+  claim_date date not null,
+  br_id integer not null,
+  am_id integer not null,
+  maker_ref varchar(24),
+  pos_state varchar(40) not null,
+  pos_code varchar(2) not null,
+  tot_taxable numeric(12,2) not null,
+  tot_cgst numeric(12,2) not null,
+  tot_sgst numeric(12,2) not null,
+  tot_igst numeric(12,2) not null,
+  round_off numeric(12,2) not null,
+  claimamt numeric(12,2) not null,
+  irn varchar(64) not null,
+  ack_no varchar(15) not null,
+  ack_date timestamp not null,
+  qr_text varchar(1400) not null
+);
+
+create table ws_claimdet (
+  docid integer not null references ws_claim (docid),
+  line integer not null,
+  job_srl integer not null references ws_jobcard (job_srl),
+  chassis varchar(17) not null,
+  regno varchar(16) not null,
+  item_kind varchar(1) not null,
+  code varchar(30) not null,
+  description varchar(120) not null,
+  hsn varchar(8) not null,
+  uqc varchar(3) not null,
+  qty integer not null,
+  mrp numeric(12,2),
+  rate numeric(12,2) not null,
+  amount numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate integer not null,
+  cgst_rate numeric(5,2) not null,
+  cgst_amt numeric(12,2) not null,
+  sgst_rate numeric(5,2) not null,
+  sgst_amt numeric(12,2) not null,
+  igst_rate numeric(5,2) not null,
+  igst_amt numeric(12,2) not null,
+  netprice numeric(12,2) not null,
+  primary key (docid, line)
+);
+
+-- The next service of every vehicle, from its last visit: PENDING, or CALLED with the answer.
+create table ws_followup (
+  fu_id integer primary key,
+  job_srl integer not null references ws_jobcard (job_srl),
+  due_service varchar(20) not null,
+  due_date date not null,
+  due_kms integer not null,
+  status varchar(10) not null,
+  called_on date,
+  remarks varchar(120)
+);
+
+-- Job cards with branch, mechanic, supervisor and bill.
+create view vu_ws_jobcard as
+select j.*, b.br_name, b.br_code, b.coid, m.mech_name, s.mech_name as sup_name,
+  i.inv_no, i.inv_date, i.invamt,
+  coalesce(j.cadd1 || ', ', '') || coalesce(j.cadd2 || ', ', '') || j.ccity ||
+    coalesce(' - ' || j.cpin, '') as caddress
+from ws_jobcard j
+left join branch b on b.br_id = j.br_id
+left join ws_mechanic m on m.mech_id = j.mech_id
+left join ws_mechanic s on s.mech_id = j.sup_id
+left join ws_jobinv i on i.job_srl = j.job_srl;
+
+-- Job invoices, one row per line, with the job card's vehicle and the line's mechanic.
+create view vu_ws_jobinv as
+select i.id, i.ma_rv, i.inv_no, i.inv_date, i.job_srl, i.br_id, b.br_name, b.coid, i.cust_id,
+  i.am_id, i.cname, i.cadd1, i.cadd2, i.ccity, i.cpin, i.cstate, i.cstatecode, i.cmobile,
+  i.cgstin, i.pos_state, i.pos_code, i.paymode, i.tot_parts, i.tot_labour, i.tot_discount,
+  i.tot_taxable, i.tot_cgst, i.tot_sgst, i.tot_igst, i.round_off, i.invamt, i.irn, i.ack_no,
+  i.ack_date, i.qr_text, i.remarks, i.prepared_by,
+  j.job_no, j.job_date, j.regno, j.chassis, j.engine, j.make, j.model, j.color, j.sale_date,
+  j.kms, j.service_type, j.coupon_no, j.next_date, j.next_kms, jm.mech_name as job_mechanic,
+  js.mech_name as sup_name,
+  d.line, d.item_kind, d.code, d.description, d.hsn, d.uqc, d.qty, d.mrp, d.rate, d.amount,
+  d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
+  d.igst_rate, d.igst_amt, d.netprice, d.mech_id, m.mech_name,
+  coalesce(i.cadd1 || ', ', '') || coalesce(i.cadd2 || ', ', '') || i.ccity ||
+    coalesce(' - ' || i.cpin, '') as caddress
+from ws_jobinv i
+join ws_jobinvdet d on d.invid = i.id
+join ws_jobcard j on j.job_srl = i.job_srl
+left join branch b on b.br_id = i.br_id
+left join ws_mechanic m on m.mech_id = d.mech_id
+left join ws_mechanic jm on jm.mech_id = j.mech_id
+left join ws_mechanic js on js.mech_id = j.sup_id;
+
+-- Proforma invoices, one row per line, with the job card and the estimate's totals (the total
+-- rounded to the rupee).
+create view vu_ws_proforma as
+select p.job_srl, p.pf_no, p.pf_date, p.valid_upto, p.remarks, j.job_no, j.job_date, j.br_id,
+  b.br_name, b.coid, j.cust_id, j.am_id, j.cname, j.cadd1, j.cadd2, j.ccity, j.cpin, j.cstate,
+  j.cstatecode, j.cmobile, j.cgstin, j.regno, j.chassis, j.engine, j.make, j.model, j.color,
+  j.kms, j.service_type, m.mech_name, s.mech_name as sup_name,
+  d.line, d.item_kind, d.code, d.description, d.hsn, d.uqc, d.qty, d.mrp, d.rate, d.amount,
+  d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
+  d.igst_rate, d.igst_amt, d.netprice,
+  coalesce(j.cadd1 || ', ', '') || coalesce(j.cadd2 || ', ', '') || j.ccity ||
+    coalesce(' - ' || j.cpin, '') as caddress,
+  j.coupon_no, j.sale_date, j.cstate as pos_state, j.cstatecode as pos_code,
+  m.mech_name as job_mechanic, s.mech_name as prepared_by, t.tot_parts, t.tot_labour,
+  t.tot_discount, t.tot_taxable, t.tot_cgst, t.tot_sgst, t.tot_igst,
+  round(t.total, 0) - t.total as round_off, round(t.total, 0) as invamt
+from ws_proforma p
+join ws_proformadet d on d.job_srl = p.job_srl
+join ws_jobcard j on j.job_srl = p.job_srl
+join (select job_srl, sum(case when item_kind = 'P' then amount else 0 end) as tot_parts,
+    sum(case when item_kind = 'L' then amount else 0 end) as tot_labour,
+    sum(discount) as tot_discount, sum(taxable) as tot_taxable, sum(cgst_amt) as tot_cgst,
+    sum(sgst_amt) as tot_sgst, sum(igst_amt) as tot_igst, sum(netprice) as total
+  from ws_proformadet group by job_srl) t on t.job_srl = p.job_srl
+left join branch b on b.br_id = j.br_id
+left join ws_mechanic m on m.mech_id = j.mech_id
+left join ws_mechanic s on s.mech_id = j.sup_id;
+
+-- Counter invoices, one row per line.
+create view vu_ws_counterinv as
+select i.id, i.ma_rv, i.inv_no, i.inv_date, i.br_id, b.br_name, b.coid, i.cust_id, i.am_id,
+  i.cname, i.cadd1, i.cadd2, i.ccity, i.cpin, i.cstate, i.cstatecode, i.cmobile, i.cgstin,
+  i.pos_state, i.pos_code, i.paymode, i.tot_parts, i.tot_discount, i.tot_taxable, i.tot_cgst,
+  i.tot_sgst, i.tot_igst, i.round_off, i.invamt, i.irn, i.ack_no, i.ack_date, i.qr_text,
+  i.remarks, i.prepared_by,
+  d.line, d.item_kind, d.code, d.description, d.hsn, d.uqc, d.qty, d.mrp, d.rate, d.amount,
+  d.discount, d.taxable, d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt,
+  d.igst_rate, d.igst_amt, d.netprice,
+  coalesce(i.cadd1 || ', ', '') || coalesce(i.cadd2 || ', ', '') || i.ccity ||
+    coalesce(' - ' || i.cpin, '') as caddress
+from ws_counterinv i
+join ws_counterinvdet d on d.invid = i.id
+left join branch b on b.br_id = i.br_id;
+
+-- Claims on the manufacturers, one row per line, the maker as the buyer.
+create view vu_ws_claim as
+select c.docid, c.docfrom, c.claim_no, c.claim_date, c.br_id, b.br_name, b.coid, c.am_id,
+  a.am_name as cname, a.am_add1 as cadd1, a.am_add2 as cadd2, a.am_add3 as cadd3,
+  a.am_town as ccity, a.am_pin as cpin, a.am_state as cstate, a.am_statecode as cstatecode,
+  a.am_gst as cgstin, a.am_pan as cpan, c.maker_ref, c.pos_state, c.pos_code, c.tot_taxable,
+  c.tot_cgst, c.tot_sgst, c.tot_igst, c.round_off, c.claimamt, c.irn, c.ack_no, c.ack_date,
+  c.qr_text,
+  d.line, d.job_srl, j.job_no, j.job_date, d.chassis, d.regno, j.model, j.kms, d.item_kind,
+  d.code, d.description, d.hsn, d.uqc, d.qty, d.mrp, d.rate, d.amount, d.discount, d.taxable,
+  d.gst_rate, d.cgst_rate, d.cgst_amt, d.sgst_rate, d.sgst_amt, d.igst_rate, d.igst_amt,
+  d.netprice, t.tot_parts, t.tot_labour, t.tot_discount,
+  coalesce(a.am_add1 || ', ', '') || coalesce(a.am_add2 || ', ', '') ||
+    coalesce(a.am_add3 || ', ', '') || a.am_town || coalesce(' - ' || a.am_pin, '') as caddress
+from ws_claim c
+join ws_claimdet d on d.docid = c.docid
+join (select docid, sum(case when item_kind = 'P' then amount else 0 end) as tot_parts,
+    sum(case when item_kind = 'L' then amount else 0 end) as tot_labour,
+    sum(discount) as tot_discount
+  from ws_claimdet group by docid) t on t.docid = c.docid
+join ws_jobcard j on j.job_srl = d.job_srl
+left join fa_acmaster a on a.am_id = c.am_id
+left join branch b on b.br_id = c.br_id;
+
+-- Parts requisitioned, with the job, the mechanic who asked and the job's supervisor.
+create view vu_ws_requisition as
+select r.req_id, r.job_srl, r.req_no, r.req_date, r.mech_id, m.mech_name, j.sup_id,
+  s.mech_name as sup_name, r.line, r.part_no, r.part_desc, r.part_type, r.hsn, r.qty, r.mrp,
+  r.qty * r.mrp as value, r.warranty, j.job_no, j.job_date, j.regno, j.model,
+  j.service_type, j.cname, j.br_id, b.br_name, b.coid
+from ws_requisition r
+join ws_jobcard j on j.job_srl = r.job_srl
+left join ws_mechanic m on m.mech_id = r.mech_id
+left join ws_mechanic s on s.mech_id = j.sup_id
+left join branch b on b.br_id = j.br_id;
+
+-- Labour done, with the job, the mechanic who did it and the job's supervisor.
+create view vu_ws_labour as
+select l.lab_id, l.job_srl, l.line, l.lab_code, l.lab_desc, l.mech_id, m.mech_name, j.sup_id,
+  s.mech_name as sup_name, l.hours, l.charge, l.claim, j.job_no, j.job_date, j.regno, j.model,
+  j.service_type, j.cname, j.br_id, b.br_name, b.coid
+from ws_labour l
+join ws_jobcard j on j.job_srl = l.job_srl
+left join ws_mechanic m on m.mech_id = l.mech_id
+left join ws_mechanic s on s.mech_id = j.sup_id
+left join branch b on b.br_id = j.br_id;
+
+-- A vehicle's service history: its job cards with what they were billed.
+create view vu_ws_history as
+select j.job_srl, j.job_no, j.job_date, j.br_id, b.br_name, b.coid, j.cname, j.cmobile,
+  j.regno, j.chassis, j.engine, j.make, j.model, j.color, j.sale_date, j.kms, j.service_type,
+  j.coupon_no, j.status, m.mech_name, s.mech_name as sup_name, i.id as inv_id, i.inv_no,
+  i.inv_date, coalesce(i.tot_parts, 0) as tot_parts, coalesce(i.tot_labour, 0) as tot_labour,
+  coalesce(i.invamt, 0) as invamt, j.next_date, j.next_kms
+from ws_jobcard j
+left join branch b on b.br_id = j.br_id
+left join ws_mechanic m on m.mech_id = j.mech_id
+left join ws_mechanic s on s.mech_id = j.sup_id
+left join ws_jobinv i on i.job_srl = j.job_srl;
+
+-- Service reminders, with the vehicle, its owner and its last visit.
+create view vu_ws_followup as
+select f.fu_id, f.job_srl, f.due_service, f.due_date, f.due_kms, f.status, f.called_on,
+  f.remarks, j.job_no, j.job_date as last_date, j.kms as last_kms, j.service_type as last_service,
+  j.br_id, b.br_name, b.coid, j.cname, j.cmobile, j.regno, j.chassis, j.model, j.sale_date,
+  m.mech_name
+from ws_followup f
+join ws_jobcard j on j.job_srl = f.job_srl
+left join branch b on b.br_id = j.br_id
+left join ws_mechanic m on m.mech_id = j.mech_id;
+
+-- Every taxable line of the workshop's outward supplies (job, counter and claim e-invoices),
+-- for the GST summaries: one row per line, in the columns every GST line view shares.
+create view vu_ws_gstsalelines as
+select i.inv_date as doc_date, i.inv_no as doc_no, coalesce(i.am_id, i.cust_id) as party_id,
+  i.cname as party_name, i.cgstin as party_gstin, i.pos_code as pos_state_code, d.hsn,
+  d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt as cgst, d.sgst_amt as sgst,
+  d.igst_amt as igst, 0.00 as cess
+from ws_jobinv i join ws_jobinvdet d on d.invid = i.id
+union all
+select i.inv_date, i.inv_no, coalesce(i.am_id, i.cust_id), i.cname, i.cgstin, i.pos_code,
+  d.hsn, d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt, d.sgst_amt,
+  d.igst_amt, 0.00
+from ws_counterinv i join ws_counterinvdet d on d.invid = i.id
+union all
+select c.claim_date, c.claim_no, c.am_id, a.am_name, a.am_gst, c.pos_code, d.hsn,
+  d.description, d.uqc, d.qty, d.gst_rate, d.taxable, d.cgst_amt, d.sgst_amt, d.igst_amt,
+  0.00
+from ws_claim c join ws_claimdet d on d.docid = c.docid
+join fa_acmaster a on a.am_id = c.am_id;
 
 -- ===== Accounts: the chart of accounts and the vouchers =====
 
@@ -1301,8 +1820,8 @@ create table gst_hsn (
   uqc varchar(3) not null
 );
 
--- Every outward supply line (vehicle invoices), with the columns of the workshop's
--- vu_ws_gstsalelines, so that the GST summaries add up both alike.
+-- Every outward supply line: the vehicle invoices, and the workshop's job, counter and claim
+-- invoices (vu_ws_gstsalelines, whose columns these are).
 create view vu_gst_outward as
 select i.idate as doc_date, i.num as doc_no, coalesce(i.cust_id, i.am_id) as party_id,
   coalesce(c.cname, a.am_name) as party_name, coalesce(c.cgstin, a.am_gst) as party_gstin,
@@ -1314,7 +1833,11 @@ select i.idate as doc_date, i.num as doc_no, coalesce(i.cust_id, i.am_id) as par
 from invoice i
 join purdata p on p.invid = i.id
 left join customer c on c.cust_id = i.cust_id
-left join fa_acmaster a on a.am_id = i.am_id;
+left join fa_acmaster a on a.am_id = i.am_id
+union all
+select doc_date, doc_no, party_id, party_name, party_gstin, pos_state_code, hsn, description, uqc,
+  qty, gst_rate, taxable, cgst, sgst, igst, cess
+from vu_ws_gstsalelines;
 
 -- Every inward supply line: the vehicle purchase bills, and the workshop's spares purchases
 -- with their returns negative (vu_ws_gstpurchaselines, whose columns these are).

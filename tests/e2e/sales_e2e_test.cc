@@ -244,6 +244,39 @@ std::string Slashed(const Facts& f, const char* key) {
   return FormatDate(*Date::FromIso(f.at(key)), "dd/mm/yyyy", '/');
 }
 
+// A workshop bill named by facts "<key>_id", "<key>_rv" and "<key>_amt": its number, its
+// customer and the words of the amount the host passes, with the method's prefix.
+std::vector<std::string> WorkshopBillShows(data::Connection& db, const Facts& f,
+                                           const std::string& table, const std::string& key,
+                                           const std::string& prefix) {
+  const std::string where = " from " + table + " where id=" + f.at(key + "_id") + " and ma_rv='" +
+                            f.at(key + "_rv") + "'";
+  return {One(db, "select inv_no" + where), One(db, "select cname" + where),
+          prefix + Words(std::stod(f.at(key + "_amt")))};
+}
+
+std::vector<std::string> JobBillShows(data::Connection& db, const Facts& f, const std::string& key,
+                                      const std::string& prefix) {
+  return WorkshopBillShows(db, f, "ws_jobinv", key, prefix);
+}
+
+std::vector<std::string> CounterBillShows(data::Connection& db, const Facts& f,
+                                          const std::string& key) {
+  return WorkshopBillShows(db, f, "ws_counterinv", key, "RUPEES : ");
+}
+
+// The original for the buyer and the duplicate for the dealer's file.
+std::vector<std::string> Copies(std::vector<std::string> shows) {
+  shows.push_back("ORIGINAL FOR RECIPIENT");
+  shows.push_back("DUPLICATE FOR SUPPLIER");
+  return shows;
+}
+
+// A date fact as the host's short date form writes it in a title.
+std::string ShortDate(const Facts& f, const char* key) {
+  return ShortDateText(*Date::FromIso(f.at(key)), RegionalDateSettings{});
+}
+
 // What each method's first example call of the catalogue must show. A method without an entry
 // is still printed, to a valid PDF without a message; an entry makes the test read it too.
 const std::map<std::string, Expected>& Expectations() {
@@ -354,7 +387,68 @@ const std::map<std::string, Expected>& Expectations() {
 
     // Spares purchase and stock documents, parts stock reports.
 
-    // Job cards, job invoices, counter invoices, service and technician lists.
+      // Job cards, job invoices, counter invoices, service and technician lists.
+      SHOWS("w_jobcardprint",
+            return {One(db, "select job_no from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
+                    One(db, "select regno from ws_jobcard where job_srl=" + f.at("jobcard_srl")),
+                    One(db, "select complaint from ws_jobcomplaint where line=1 and job_srl=" +
+                                f.at("jobcard_srl"))}),
+      SHOWS("w_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+      SHOWS("w_jobinvPrintHero", return JobBillShows(db, f, "jobinv", "Rs. ")),
+      SHOWS("custom_w_jobinvPrint",
+            return Copies(JobBillShows(db, f, "jobinv_credit", "RUPEES : "))),
+      SHOWS("w_proinvoicePrint",
+            return {"PROFORMA INVOICE",
+                    One(db, "select pf_no from ws_proforma where job_srl=" + f.at("proforma_srl")),
+                    One(db, "select cname from ws_jobcard where job_srl=" + f.at("proforma_srl"))}),
+      SHOWS("w_gstjobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+      SHOWS("Apro_jobinvPrint", return JobBillShows(db, f, "jobinv", "RUPEES : ")),
+      SHOWS("EInvoiceService",
+            {
+              std::vector<std::string> shows = JobBillShows(db, f, "einvoice_service", "RUPEES : ");
+              shows.push_back(
+                  One(db, "select irn from ws_jobinv where id=" + f.at("einvoice_service_id")));
+              shows.push_back(
+                  One(db, "select ack_no from ws_jobinv where id=" + f.at("einvoice_service_id")));
+              return shows;
+            }),
+      SHOWS("w_counterprint", return CounterBillShows(db, f, "counter")),
+      SHOWS("w_counterprinthero", return CounterBillShows(db, f, "counter")),
+      SHOWS("w_gstcounterprinthero", return CounterBillShows(db, f, "counter_igst")),
+      SHOWS("custom_w_counterprint", return Copies(CounterBillShows(db, f, "counter_b2b"))),
+      SHOWS("w_gstcounterprint", return CounterBillShows(db, f, "counter_b2b")),
+      SHOWS("Apro_counterprint", return CounterBillShows(db, f, "counter")),
+      SHOWS("EInvoiceClaim",
+            return {One(db, "select claim_no from ws_claim where docid=" + f.at("claim_docid")),
+                    One(db, "select irn from ws_claim where docid=" + f.at("claim_docid")),
+                    One(db,
+                        "select am_name from ws_claim c, fa_acmaster a where c.am_id = a.am_id "
+                        "and docid=" +
+                            f.at("claim_docid")),
+                    "RUPEES : " + Words(std::stod(f.at("claim_amt")))}),
+      SHOWS("w_ServiceReport",
+            return {"Service Followup Report from " + ShortDate(f, "followup_from") + " to " +
+                        ShortDate(f, "followup_to"),
+                    One(db, "select regno from vu_ws_followup order by due_date, fu_id")}),
+      SHOWS("w_mechreqlist",
+            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                        " MECHANIC NAME : " + f.at("mechanic_name"),
+                    "Total:"}),
+      SHOWS("w_mechlablist",
+            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                        " MECHANIC NAME : " + f.at("mechanic_name"),
+                    "Total:"}),
+      SHOWS("w_superreqlist",
+            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                        " SUPERVISOR NAME : " + f.at("supervisor_name"),
+                    "Total:"}),
+      SHOWS("w_superlablist",
+            return {"REPORT FROM " + ShortDate(f, "list_from") + " TO " + ShortDate(f, "list_to") +
+                        " SUPERVISOR NAME : " + f.at("supervisor_name"),
+                    "Total:"}),
+      SHOWS("w_history", return {"SERVICE HISTORY", f.at("history_chassis"),
+                                 One(db, "select regno from ws_jobcard where chassis='" +
+                                             f.at("history_chassis") + "' order by job_srl")}),
 
     // Ledgers, trial balances, vouchers, cheques and notes.
 
