@@ -505,8 +505,8 @@ const std::map<std::string, Expected>& Expectations() {
     SHOWS("GstSaleSummary",
           return {"GST SUMMARY OF OUTWARD SUPPLIES (SALES)",
                   IndianAmount(Amount(db,
-                                      "select sum(p.taxable) from invoice i join purdata p "
-                                      "on p.invid = i.id where i.idate between '" +
+                                      "select sum(taxable) from vu_gst_outward where doc_date "
+                                      "between '" +
                                           f.at("gst_from") + "' and '" + f.at("gst_to") + "'"))}),
     SHOWS("GstPurchaseSummary",
           return {"GST SUMMARY OF INWARD SUPPLIES (PURCHASES)",
