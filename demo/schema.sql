@@ -5,6 +5,21 @@
 -- Statements end with a semicolon at the end of a line and comments sit on lines of their own,
 -- so a loader may split the text on line-final semicolons.
 
+-- The VAT year, quotations and the top list (their views read the sales tables).
+drop view if exists vu_ws_toplist;
+drop view if exists vu_quotation;
+drop view if exists vu_gst_inward;
+drop view if exists vu_gst_outward;
+drop view if exists vu_vat_wsheet;
+drop table if exists ws_toplistdet;
+drop table if exists ws_toplist;
+drop table if exists quotation;
+drop table if exists gst_hsn;
+drop table if exists vat_payment;
+drop table if exists vat_cform;
+drop table if exists vat_purchase;
+drop table if exists vat_sale;
+drop table if exists vat_dealer;
 drop view if exists vu_vintrf;
 drop view if exists vu_btveh;
 drop view if exists vu_purveh;
@@ -1912,4 +1927,244 @@ left join branch b on b.br_id = x.br_id;
 
 
 -- ===== Accounts: the VAT year, C forms, quotations, the top list, labels =====
+
+-- The VAT year: state VAT ended on 30 June 2017, so the returns print April 2016 to June 2017.
+-- The firm's registration under the state VAT and the central sales tax, which its VAT returns
+-- print (coid as in firm).
+create table vat_dealer (
+  coid integer primary key,
+  mvat_tin varchar(12) not null,
+  cst_tin varchar(12) not null,
+  registered_on date not null,
+  periodicity varchar(10) not null,
+  vat_office varchar(60) not null,
+  signatory varchar(60) not null,
+  designation varchar(30) not null
+);
+
+-- Sales bills of that year, one row per bill line: vehicles and spare parts at 13.5 %, helmets
+-- and accessories at 12.5 %, cycles at 5 %, and inter-state sales to the Belagavi sub-dealer at
+-- the CST rate of 2 % against Form C (sale_type I). vat_amt is vat_rate on taxable to the paisa
+-- (half up) and total = taxable + vat_amt. ret_mm and ret_yy name the monthly return the bill
+-- falls in; party_tin is the buyer's TIN (MVAT TINs end in V), null for a retail buyer.
+create table vat_sale (
+  vs_id integer primary key,
+  bill_no varchar(20) not null,
+  bill_date date not null,
+  ret_mm integer not null,
+  ret_yy integer not null,
+  sale_type varchar(1) not null,
+  party_name varchar(80) not null,
+  party_tin varchar(12),
+  party_state varchar(40),
+  item_kind varchar(1) not null,
+  description varchar(80) not null,
+  qty integer not null,
+  vat_rate numeric(5,2) not null,
+  taxable numeric(12,2) not null,
+  vat_amt numeric(12,2) not null,
+  total numeric(12,2) not null
+);
+create index ix_vat_sale_date on vat_sale (bill_date);
+
+-- Purchase bills of the VAT year, one row per bill line: local purchases with VAT (purchase_type
+-- L, set-off claimed) and inter-state purchases from the manufacturers at 2 % CST against Form C
+-- (purchase_type I, cf_id the C form that covers it). tax_amt is tax_rate on taxable to the
+-- paisa and total = taxable + tax_amt.
+create table vat_purchase (
+  vp_id integer primary key,
+  bill_no varchar(30) not null,
+  bill_date date not null,
+  ret_mm integer not null,
+  ret_yy integer not null,
+  purchase_type varchar(1) not null,
+  am_id integer not null,
+  supplier_name varchar(80) not null,
+  supplier_tin varchar(15),
+  supplier_state varchar(40),
+  item_kind varchar(1) not null,
+  description varchar(80) not null,
+  qty integer not null,
+  tax_rate numeric(5,2) not null,
+  taxable numeric(12,2) not null,
+  tax_amt numeric(12,2) not null,
+  total numeric(12,2) not null,
+  cf_id integer
+);
+create index ix_vat_purchase_date on vat_purchase (bill_date);
+
+-- The C forms the dealer issued to its inter-state suppliers, one per supplier and quarter;
+-- amount is the sum of the totals of the purchases it covers (vat_purchase.cf_id), bills their
+-- number.
+create table vat_cform (
+  cf_id integer primary key,
+  cform_series varchar(4) not null,
+  cform_no varchar(16) not null,
+  issue_date date not null,
+  am_id integer not null,
+  supplier_name varchar(80) not null,
+  supplier_tin varchar(15),
+  supplier_state varchar(40) not null,
+  period_from date not null,
+  period_to date not null,
+  bills integer not null,
+  amount numeric(12,2) not null
+);
+
+-- Tax paid into the government treasury by challan (MTR-6) for each monthly return: qno the
+-- quarter of the financial year (1 April-June … 4 January-March), mm and yy the month of the
+-- return; total = vat_amt + cst_amt + interest.
+create table vat_payment (
+  pay_id integer primary key,
+  qno integer not null,
+  mm integer not null,
+  yy integer not null,
+  challan_no varchar(20) not null,
+  pay_date date not null,
+  bank varchar(60) not null,
+  vat_amt numeric(12,2) not null,
+  cst_amt numeric(12,2) not null,
+  interest numeric(12,2) not null,
+  total numeric(12,2) not null
+);
+
+-- The return's computation: sales and purchases of each month by side (S sales, P purchases),
+-- kind of trade (L local, I inter-state) and rate.
+create view vu_vat_wsheet as
+select ret_yy as yy, ret_mm as mm, 'S' as side, sale_type as trade, vat_rate as rate,
+  count(*) as bills, sum(taxable) as taxable, sum(vat_amt) as tax, sum(total) as total
+from vat_sale group by ret_yy, ret_mm, sale_type, vat_rate
+union all
+select ret_yy, ret_mm, 'P', purchase_type, tax_rate, count(*), sum(taxable), sum(tax_amt),
+  sum(total)
+from vat_purchase group by ret_yy, ret_mm, purchase_type, tax_rate;
+
+-- HSN codes with the description and unit quantity code the GST returns print.
+create table gst_hsn (
+  hsn varchar(8) primary key,
+  description varchar(80) not null,
+  uqc varchar(3) not null
+);
+
+-- Every outward supply line: the vehicle invoices, and the workshop's job, counter and claim
+-- invoices (vu_ws_gstsalelines, whose columns these are).
+create view vu_gst_outward as
+select i.idate as doc_date, i.num as doc_no, coalesce(i.cust_id, i.am_id) as party_id,
+  coalesce(c.cname, a.am_name) as party_name, coalesce(c.cgstin, a.am_gst) as party_gstin,
+  i.pos_code as pos_state_code, p.hsn, p.description, p.uom as uqc, p.qty,
+  cast(coalesce(p.cgst_rate, 0) + coalesce(p.sgst_rate, 0) + coalesce(p.igst_rate, 0) as integer)
+    as gst_rate,
+  p.taxable, coalesce(p.cgst_amt, 0) as cgst, coalesce(p.sgst_amt, 0) as sgst,
+  coalesce(p.igst_amt, 0) as igst, 0.00 as cess
+from invoice i
+join purdata p on p.invid = i.id
+left join customer c on c.cust_id = i.cust_id
+left join fa_acmaster a on a.am_id = i.am_id
+union all
+select doc_date, doc_no, party_id, party_name, party_gstin, pos_state_code, hsn, description, uqc,
+  qty, gst_rate, taxable, cgst, sgst, igst, cess
+from vu_ws_gstsalelines;
+
+-- Every inward supply line: the vehicle purchase bills, and the workshop's spares purchases
+-- with their returns negative (vu_ws_gstpurchaselines, whose columns these are).
+create view vu_gst_inward as
+select u.billdate as doc_date, u.billno as doc_no, u.supid as party_id, a.am_name as party_name,
+  a.am_gst as party_gstin, '27' as pos_state_code, l.hsn,
+  case when m.variant is null then m.model else m.model || ' ' || m.variant end as description,
+  l.uom as uqc, l.qty,
+  cast(coalesce(l.cgst_rate, 0) + coalesce(l.sgst_rate, 0) + coalesce(l.igst_rate, 0) as integer)
+    as gst_rate,
+  l.taxable, coalesce(l.cgst_amt, 0) as cgst, coalesce(l.sgst_amt, 0) as sgst,
+  coalesce(l.igst_amt, 0) as igst, 0.00 as cess
+from purchase u
+join purveh l on l.purid = u.id
+join fa_acmaster a on a.am_id = u.supid
+join vehicle v on v.veh_id = l.veh_id
+join vehmodel m on m.model_id = v.model_id
+union all
+select doc_date, doc_no, party_id, party_name, party_gstin, pos_state_code, hsn, description, uqc,
+  qty, gst_rate, taxable, cgst, sgst, igst, cess
+from vu_ws_gstpurchaselines;
+
+-- Vehicle quotations given to walk-in customers: the on-road price of one model, colour and
+-- branch. exsh_price is the ex-showroom price with GST (taxable + gst_amt); onroad = exsh_price
+-- + reg_charges + hsrp + insurance + accessories + ext_warranty - discount.
+create table quotation (
+  id integer primary key,
+  qno varchar(20) not null,
+  qdate date not null,
+  valid_upto date not null,
+  br_id integer not null,
+  ctitle varchar(6),
+  cname varchar(80) not null,
+  cadd1 varchar(80),
+  ccity varchar(40),
+  cpin varchar(6),
+  cmobile varchar(10),
+  cemail varchar(80),
+  model_id integer not null,
+  color_name varchar(30),
+  exsh_price numeric(12,2) not null,
+  taxable numeric(12,2) not null,
+  gst_rate numeric(5,2) not null,
+  gst_amt numeric(12,2) not null,
+  reg_charges numeric(12,2) not null,
+  hsrp numeric(12,2) not null,
+  insurance numeric(12,2) not null,
+  accessories numeric(12,2) not null,
+  acc_list varchar(120),
+  ext_warranty numeric(12,2) not null,
+  discount numeric(12,2) not null,
+  onroad numeric(12,2) not null,
+  executive varchar(40),
+  finance_note varchar(120)
+);
+
+-- A quotation with its model and the issuing branch (the template selects by id).
+create view vu_quotation as
+select q.*, m.make, m.model, m.variant, m.model_code, m.hsn, m.fuel, m.cc, m.battery_kwh,
+  b.coid, b.br_name, b.br_rto
+from quotation q
+join vehmodel m on m.model_id = q.model_id
+join branch b on b.br_id = q.br_id;
+
+-- The workshop's top lists: a saved selection (what is ranked, over which period and branch)
+-- and its ranked lines as the workshop's Top List screen worked them out. basis P ranks spare
+-- parts by sale value, M mechanics by labour billed, S service types by job count.
+create table ws_toplist (
+  td_id integer primary key,
+  title varchar(80) not null,
+  basis varchar(1) not null,
+  from_date date not null,
+  to_date date not null,
+  br_id integer not null,
+  top_n integer not null,
+  prepared_by varchar(40),
+  prepared_on date not null
+);
+
+-- One ranked line of a top list: code and name of the part, mechanic or service type; docs
+-- the number of invoices or job cards, qty the quantity (parts) or hours (labour), amount the
+-- value before tax; share the line's percentage of the selection's whole amount (two decimals).
+create table ws_toplistdet (
+  td_id integer not null references ws_toplist (td_id),
+  rank_no integer not null,
+  code varchar(20) not null,
+  name varchar(80) not null,
+  category varchar(30),
+  docs integer not null,
+  qty numeric(10,2) not null,
+  amount numeric(12,2) not null,
+  share numeric(5,2) not null,
+  primary key (td_id, rank_no)
+);
+
+-- A top list with its lines and the branch that printed it.
+create view vu_ws_toplist as
+select t.td_id, t.title, t.basis, t.from_date, t.to_date, t.br_id, t.top_n, t.prepared_by,
+  t.prepared_on, d.rank_no, d.code, d.name, d.category, d.docs, d.qty, d.amount, d.share,
+  b.br_name, b.coid
+from ws_toplist t
+join ws_toplistdet d on d.td_id = t.td_id
+join branch b on b.br_id = t.br_id;
 

@@ -17,7 +17,7 @@ packages=(
   # test and demo tools
   sqlite3 qpdf poppler-utils xvfb xdotool x11-utils xauth postgresql mariadb-server mariadb-client
   cups cups-client cups-bsd
-  printer-driver-cups-pdf hyperfine valgrind imagemagick
+  printer-driver-cups-pdf hyperfine valgrind imagemagick zbar-tools
 )
 
 missing=()

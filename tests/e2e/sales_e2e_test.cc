@@ -615,6 +615,84 @@ const std::map<std::string, Expected>& Expectations() {
                               " and line = 1")}),
 
     // VAT and C-form returns, GST summaries, quotations, top lists and QR labels.
+    SHOWS("VAT23print",
+          return {
+              "Tax Period From : " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to"),
+              "ANNEXURE J1: CUSTOMER-WISE SALES",
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_sale where bill_date "
+                                  "between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS("VAT24print",
+          return {
+              "Tax Period From : " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to"),
+              "ANNEXURE J2: SUPPLIER-WISE PURCHASES", "Vayu Motocorp Ltd",
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_purchase where bill_date "
+                                  "between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS(
+        "Vat18Print",
+        return {"From " + Slashed(f, "vat_quarter_from") + "  To  " + Slashed(f, "vat_quarter_to"),
+                "SALES REGISTER: VAT AND CENTRAL SALES TAX",
+                IndianAmount(Amount(db,
+                                    "select sum(total) from vat_sale where bill_date "
+                                    "between '" +
+                                        f.at("vat_quarter_from") + "' and '" +
+                                        f.at("vat_quarter_to") + "'"))}),
+    SHOWS(
+        "Vat19Print",
+        return {"From " + Slashed(f, "vat_quarter_from") + "  To  " + Slashed(f, "vat_quarter_to"),
+                "PURCHASE REGISTER: VAT AND CENTRAL SALES TAX",
+                IndianAmount(Amount(db,
+                                    "select sum(total) from vat_purchase where bill_date "
+                                    "between '" +
+                                        f.at("vat_quarter_from") + "' and '" +
+                                        f.at("vat_quarter_to") + "'"))}),
+    SHOWS("PrintCformList",
+          return {
+              "C form List From " + Slashed(f, "vat_fy_from") + "  To  " + Slashed(f, "vat_fy_to") +
+                  " (" + f.at("cform_title") + ")",
+              One(db, "select cform_no from vat_cform order by cf_id limit 1"),
+              IndianAmount(Amount(db,
+                                  "select sum(total) from vat_purchase where "
+                                  "purchase_type = 'I' and bill_date between '" +
+                                      f.at("vat_fy_from") + "' and '" + f.at("vat_fy_to") + "'"))}),
+    SHOWS("PrintVat16",
+          const std::string month =
+              " from vat_payment where mm = " + f.at("vat16_mm") + " and yy = " + f.at("vat16_yy");
+          return {"FORM 231: RETURN OF VALUE ADDED TAX", One(db, "select challan_no" + month),
+                  IndianAmount(Amount(db, "select total" + month)),
+                  "Rupees " + Words(Amount(db, "select total" + month))}),
+    SHOWS("GstSaleSummary",
+          return {"GST SUMMARY OF OUTWARD SUPPLIES (SALES)",
+                  IndianAmount(Amount(db,
+                                      "select sum(taxable) from vu_gst_outward where doc_date "
+                                      "between '" +
+                                          f.at("gst_from") + "' and '" + f.at("gst_to") + "'"))}),
+    SHOWS("GstPurchaseSummary",
+          return {"GST SUMMARY OF INWARD SUPPLIES (PURCHASES)",
+                  IndianAmount(Amount(db,
+                                      "select sum(taxable) from vu_gst_inward where "
+                                      "doc_date between '" +
+                                          f.at("gst_from") + "' and '" + f.at("gst_to") + "'"))}),
+    SHOWS("WS_TOPLIST",
+          const std::string list = " from vu_ws_toplist where td_id = " + f.at("toplist_id");
+          return {"WORKSHOP TOP LIST", One(db, "select title" + list + " limit 1"),
+                  One(db, "select name" + list + " and rank_no = 1"),
+                  IndianAmount(Amount(db, "select sum(amount)" + list))}),
+    SHOWS("QuotePrint",
+          const std::string quote = " from quotation where id = " + f.at("quotation_id");
+          return {"QUOTATION", One(db, "select cname" + quote), One(db, "select qno" + quote),
+                  IndianAmount(Amount(db, "select onroad" + quote)),
+                  "RUPEES " + Words(Amount(db, "select onroad" + quote))}),
+    SHOWS(
+        "PartsQrPrint",
+        const std::string first = "select part_no from (" + f.at("parts_qr_sql") + ") s";
+        return {One(db, first), One(db, "select part_desc from (" + f.at("parts_qr_sql") + ") s")}),
+    SHOWS("ChassisQrPrint",
+          return {One(db, "select chassis from (" + f.at("chassis_qr_sql") + ") s"),
+                  One(db, "select engine from (" + f.at("chassis_qr_sql") + ") s")}),
 
   };
   return expectations;
