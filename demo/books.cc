@@ -407,8 +407,10 @@ class Books {
 
   void PostWorkshop() {
     for (const Posting& p : workshop_.postings) {
-      const bool purchase = p.kind.find("PURCHASE") != std::string::npos;
-      const bool reverse = p.kind.find("RETURN") != std::string::npos;
+      // The store's debit notes return goods to a supplier, as its purchase returns do.
+      const bool debit_note = p.kind == "DEBIT NOTE";
+      const bool purchase = p.kind.find("PURCHASE") != std::string::npos || debit_note;
+      const bool reverse = p.kind.find("RETURN") != std::string::npos || debit_note;
       const int party = p.party == 0                ? ac::kCash
                         : known_.count(p.party) > 0 ? p.party
                                                     : ac::kWorkshopCustomers;
@@ -424,11 +426,12 @@ class Books {
       const int64_t round = p.total - (p.taxable + p.cgst + p.sgst + p.igst);
       // A purchase debits the goods and taxes; a sale credits them; a return turns either round.
       const bool debit_goods = purchase != reverse;
+      // A negative amount (a round-off down) goes to the other side.
       auto side = [&](int account, int64_t paise) {
-        if (debit_goods) {
-          v.Dr(account, paise);
+        if (debit_goods == (paise > 0)) {
+          v.Dr(account, paise < 0 ? -paise : paise);
         } else {
-          v.Cr(account, paise);
+          v.Cr(account, paise < 0 ? -paise : paise);
         }
       };
       side(goods, p.taxable);

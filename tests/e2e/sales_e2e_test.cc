@@ -20,6 +20,7 @@
 #include "host/date_format.h"
 #include "reports/catalogue.h"
 #include "support/postgres.h"
+#include "support/shared_demo.h"
 #include "support/shell.h"
 #include "support/test_support.h"
 #include "vantorel/crepoter.h"
@@ -82,7 +83,7 @@ class Demo {
     return demo;
   }
 
-  std::string folder() const { return dir_.path().string(); }
+  std::string folder() const { return folder_; }
   std::string sqlite() const { return folder() + "/demo.db"; }
   const std::map<std::string, std::string>& facts() const { return facts_; }
 
@@ -99,53 +100,60 @@ class Demo {
   }
 
  private:
-  Demo() {
-    const std::string command = std::string(DEMO_GEN) + " --sqlite " + sqlite() + " --sql " +
-                                folder() + "/data.sql --facts " + folder() + "/facts.txt";
-    if (std::system(command.c_str()) != 0) ADD_FAILURE() << "demo_gen failed";
+  // The prints only read the database, so every test process reads the same files.
+  Demo() : folder_(testing::SharedDemoFolder(DEMO_GEN)) {
     facts_ = ReadFacts(folder() + "/facts.txt");
   }
 
+  void Load(data::Connection& db) const {
+    for (const std::string& file :
+         {std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql", folder() + "/data.sql"}) {
+      for (const std::string& statement : Statements(file)) db.Execute(statement);
+    }
+  }
+
+  // Loaded once per start of the server, into a schema of its own.
   void LoadPostgres() {
     postgres_loaded_ = true;
     const std::string server = testing::PostgresConnectionString();
-    if (server.empty()) return;
-    const std::string schema = "sales_e2e_" + std::to_string(::getpid());
-    auto db = data::Connection::OpenForLoading(server);
-    db->Execute("drop schema if exists " + schema + " cascade");
-    db->Execute("create schema " + schema);
-    db->Execute("set search_path to " + schema);
-    db->Execute("set client_min_messages to warning");
-    for (const std::string& file :
-         {std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql", folder() + "/data.sql"}) {
-      for (const std::string& statement : Statements(file)) db->Execute(statement);
-    }
+    const std::string server_folder = testing::ServerFolder("pg/cluster");
+    if (server.empty() || server_folder.empty()) return;
+    const std::string schema = "e2e_demo";
+    testing::Once(server_folder, schema, [&] {
+      auto db = data::Connection::OpenForLoading(server);
+      db->Execute("drop schema if exists " + schema + " cascade");
+      db->Execute("create schema " + schema);
+      db->Execute("set search_path to " + schema);
+      db->Execute("set client_min_messages to warning");
+      Load(*db);
+    });
     // Every connection the component and the templates make lands in that schema.
     postgres_ = server + ";ConnSettings=set search_path to " + schema;
   }
 
+  // Loaded once per start of the server, into a database of its own.
   void LoadMariaDb() {
     mariadb_loaded_ = true;
     const std::string server = testing::MariaDbConnectionString();
-    if (server.empty()) return;
-    const std::string database = "sales_e2e_" + std::to_string(::getpid());
-    {
-      auto db = data::Connection::OpenForLoading(server);
-      db->Execute("drop database if exists " + database);
-      db->Execute("create database " + database);
-    }
+    const std::string server_folder = testing::ServerFolder("mariadb/server");
+    if (server.empty() || server_folder.empty()) return;
+    const std::string database = "e2e_demo";
     const std::string connection =
         server.substr(0, server.find("Database=dms")) + "Database=" + database +
         server.substr(server.find("Database=dms") + std::string("Database=dms").size());
-    auto db = data::Connection::OpenForLoading(connection);
-    for (const std::string& file :
-         {std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql", folder() + "/data.sql"}) {
-      for (const std::string& statement : Statements(file)) db->Execute(statement);
-    }
+    testing::Once(server_folder, database, [&] {
+      {
+        auto db = data::Connection::OpenForLoading(server);
+        db->Execute("drop database if exists " + database);
+        db->Execute("create database " + database);
+      }
+      auto db = data::Connection::OpenForLoading(connection);
+      Load(*db);
+    });
     mariadb_ = connection;
   }
 
-  testing::TempDir dir_;
+  std::string folder_;
   std::map<std::string, std::string> facts_;
   std::string postgres_;
   bool postgres_loaded_ = false;

@@ -13,28 +13,27 @@
 #include "component/dispatch.h"
 #include "reports/catalogue.h"
 #include "sales_fixture.h"
+#include "support/shared_demo.h"
 
 namespace vantorel::testing {
 namespace {
 
 using Facts = std::map<std::string, std::string>;
 
-// The demo database and its facts, generated once for all cases.
+// The demo database and its facts, shared with the other test processes: the methods only read
+// it.
 class DemoDatabase {
  public:
   static const DemoDatabase& Get() {
     static const DemoDatabase demo;
     return demo;
   }
-  std::string file() const { return dir_.path().string() + "/demo.db"; }
+  std::string file() const { return folder_ + "/demo.db"; }
   const Facts& facts() const { return facts_; }
 
  private:
-  DemoDatabase() {
-    const std::string command = std::string(DEMO_GEN) + " --sqlite " + file() + " --facts " +
-                                dir_.path().string() + "/facts.txt";
-    if (std::system(command.c_str()) != 0) ADD_FAILURE() << "demo_gen failed";
-    std::ifstream in(dir_.path().string() + "/facts.txt");
+  DemoDatabase() : folder_(SharedDemoFolder(DEMO_GEN)) {
+    std::ifstream in(folder_ + "/facts.txt");
     for (std::string line; std::getline(in, line);) {
       const size_t equals = line.find('=');
       if (line.empty() || line[0] == '#' || equals == std::string::npos) continue;
@@ -43,7 +42,7 @@ class DemoDatabase {
     facts_["logo"] = "/logos/firm.png";
     facts_["qr"] = "/qr/invoice.png";
   }
-  TempDir dir_;
+  std::string folder_;
   Facts facts_;
 };
 
