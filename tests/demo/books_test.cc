@@ -31,37 +31,7 @@ std::string Balances(const std::string& upto) {
          upto + "'), 0) as bal from fa_acmaster a";
 }
 
-class Books : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    folder_ = new TempFolder;
-    ASSERT_EQ(
-        RunGenerator("--sqlite " + folder_->File("demo.db") + " --facts " + folder_->File("facts")),
-        0);
-    facts_ = new Facts(ReadFacts(folder_->File("facts")));
-  }
-  static void TearDownTestSuite() {
-    delete facts_;
-    delete folder_;
-  }
-  void SetUp() override { db_ = data::Connection::Open(folder_->File("demo.db")); }
-
-  Value One(const std::string& sql) {
-    const auto rows = Rows(*db_, sql);
-    EXPECT_EQ(rows.size(), 1u) << sql;
-    return rows.empty() ? Value() : rows[0][0];
-  }
-  int64_t Count(const std::string& sql) { return One(sql).integer(); }
-  double Number(const std::string& sql) { return ToDouble(One(sql)); }
-  std::string Get(const std::string& key) { return Fact(*facts_, key); }
-
-  static TempFolder* folder_;
-  static Facts* facts_;
-  std::unique_ptr<data::Connection> db_;
-};
-
-TempFolder* Books::folder_ = nullptr;
-Facts* Books::facts_ = nullptr;
+class Books : public GeneratedDemo {};
 
 TEST_F(Books, HasVouchersOfEveryKind) {
   for (const char* type : {"SALES", "PURCHASE", "RECEIPT", "PAYMENT", "JOURNAL", "CONTRA",
@@ -106,7 +76,7 @@ TEST_F(Books, TheOpeningBalancesAgree) {
 
 TEST_F(Books, EveryTrialBalanceAgrees) {
   for (const std::string& upto :
-       std::vector<std::string>{"2024-03-31", "2024-09-30", Get("trial_date"), "2025-12-31"}) {
+       std::vector<std::string>{"2024-03-31", "2024-09-30", Id("trial_date"), "2025-12-31"}) {
     const std::string balances = Balances(upto);
     const double debits = Number("select sum(bal) from (" + balances + ") t where bal > 0");
     const double credits = Number("select -sum(bal) from (" + balances + ") t where bal < 0");
@@ -121,10 +91,10 @@ TEST_F(Books, EveryTrialBalanceAgrees) {
 }
 
 TEST_F(Books, EveryLedgerClosesAtItsOpeningPlusItsMovements) {
-  const std::string from = Get("ledger_from");
-  const std::string to = Get("ledger_to");
+  const std::string from = Id("ledger_from");
+  const std::string to = Id("ledger_to");
   for (const std::string& account :
-       {Get("ledger_refid"), Get("cash_account_id"), Get("party_account_id"), std::string("1")}) {
+       {Id("ledger_refid"), Id("cash_account_id"), Id("party_account_id"), std::string("1")}) {
     const double opening = Number(
         "select a.am_opbal + coalesce((select sum(vd_dr - vd_cr) from vu_ledger where am_id = " +
         account + " and vm_date < '" + from +
@@ -140,9 +110,9 @@ TEST_F(Books, EveryLedgerClosesAtItsOpeningPlusItsMovements) {
   }
   // The running balance of the cash book never leaves the till short.
   const auto rows =
-      Rows(*db_, "select vd_dr - vd_cr from vu_ledger where am_id = " + Get("cash_account_id") +
+      Rows(*db_, "select vd_dr - vd_cr from vu_ledger where am_id = " + Id("cash_account_id") +
                      " order by vm_date, vm_id, vd_line");
-  double cash = Number("select am_opbal from fa_acmaster where am_id = " + Get("cash_account_id"));
+  double cash = Number("select am_opbal from fa_acmaster where am_id = " + Id("cash_account_id"));
   for (const auto& row : rows) {
     cash += ToDouble(row[0]);
     ASSERT_GE(cash, -0.005);
@@ -155,31 +125,30 @@ TEST_F(Books, IdsFitTheInterface) {
                           "select max(did) from gstdcnmst", "select max(xid) from oldveh"}) {
     EXPECT_LE(Count(sql), 32767) << sql;
   }
-  const int64_t refid = std::stoll(Get("ledger_refid"));
+  const int64_t refid = std::stoll(Id("ledger_refid"));
   EXPECT_GT(refid, 65535);
   EXPECT_LE(refid, 2147483647);
-  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Get("ledger_refid")), 1);
-  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Get("party_account_id")), 1);
+  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Id("ledger_refid")), 1);
+  EXPECT_EQ(Count("select count(*) from fa_acmaster where am_id = " + Id("party_account_id")), 1);
   for (const char* key :
        {"voucher_id", "voucher_payment_id", "voucher_journal_id", "cheque_voucher_id"}) {
-    EXPECT_EQ(Count("select count(*) from vchmst where vm_id = " + Get(key)), 1) << key;
+    EXPECT_EQ(Count("select count(*) from vchmst where vm_id = " + Id(key)), 1) << key;
   }
   EXPECT_EQ(
-      Count("select count(*) from gstvmst where dtype = 'G' and did = " + Get("gst_voucher_id")),
-      1);
+      Count("select count(*) from gstvmst where dtype = 'G' and did = " + Id("gst_voucher_id")), 1);
   EXPECT_EQ(
-      Count("select count(*) from gstvmst where dtype = 'P' and did = " + Get("payout_voucher_id")),
+      Count("select count(*) from gstvmst where dtype = 'P' and did = " + Id("payout_voucher_id")),
       1);
   EXPECT_EQ(Count("select count(*) from gstdcnmst where dtype = 'C' and did = " +
-                  Get("gst_credit_note_id")),
+                  Id("gst_credit_note_id")),
             1);
   EXPECT_EQ(Count("select count(*) from gstdcnmst where dtype = 'D' and did = " +
-                  Get("gst_debit_note_id")),
+                  Id("gst_debit_note_id")),
             1);
-  EXPECT_EQ(Count("select count(*) from oldveh where xid = " + Get("old_vehicle_id")), 1);
+  EXPECT_EQ(Count("select count(*) from oldveh where xid = " + Id("old_vehicle_id")), 1);
   EXPECT_EQ(
-      ToText(One("select distinct grp_name from fa_group where grp_id = " + Get("trial_group_id"))),
-      Get("trial_group_name"));
+      ToText(One("select distinct grp_name from fa_group where grp_id = " + Id("trial_group_id"))),
+      Id("trial_group_name"));
 }
 
 TEST_F(Books, GstDocumentsAddUpAndArePosted) {
@@ -226,11 +195,11 @@ TEST_F(Books, EverySaleAndPurchaseIsPosted) {
 }
 
 TEST_F(Books, TheHostsSqlRuns) {
-  EXPECT_GT(Rows(*db_, Get("party_ledger_sql")).size(), 3u);
-  EXPECT_GT(Rows(*db_, Get("voucher_user_sql")).size(), 3u);
-  const auto natures = Rows(*db_, Get("trial_nature_sql"));
+  EXPECT_GT(Rows(*db_, Id("party_ledger_sql")).size(), 3u);
+  EXPECT_GT(Rows(*db_, Id("voucher_user_sql")).size(), 3u);
+  const auto natures = Rows(*db_, Id("trial_nature_sql"));
   EXPECT_GT(natures.size(), 3u);
-  EXPECT_NE(Get("party_ledger_title").find("Vayu Motocorp"), std::string::npos);
+  EXPECT_NE(Id("party_ledger_title").find("Vayu Motocorp"), std::string::npos);
 }
 
 TEST(BooksCashBook, ABusyDealersCashBookHasTheEntriesAsked) {

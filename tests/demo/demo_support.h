@@ -15,6 +15,8 @@
 #include <vector>
 
 #include "data/connection.h"
+#include "data/temp_database.h"
+#include "data/value.h"
 
 namespace vantorel::demo::testing {
 
@@ -594,6 +596,41 @@ inline std::vector<std::vector<data::Value>> Rows(
   while (cursor->Next(row)) rows.push_back(row);
   return rows;
 }
+
+// A suite over the demo database that demo_gen writes once for it, with its facts; each test
+// opens its own connection.
+class GeneratedDemo : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    folder_ = new data::testing::TempFolder;
+    ASSERT_EQ(
+        RunGenerator("--sqlite " + folder_->File("demo.db") + " --facts " + folder_->File("facts")),
+        0);
+    facts_ = new Facts(ReadFacts(folder_->File("facts")));
+  }
+  static void TearDownTestSuite() {
+    delete facts_;
+    facts_ = nullptr;
+    delete folder_;
+    folder_ = nullptr;
+  }
+  void SetUp() override { db_ = data::Connection::Open(folder_->File("demo.db")); }
+
+  std::vector<std::vector<data::Value>> Query(const std::string& sql) { return Rows(*db_, sql); }
+  // The one value "sql" selects.
+  data::Value One(const std::string& sql) {
+    const auto rows = Query(sql);
+    EXPECT_EQ(rows.size(), 1u) << sql;
+    return rows.empty() ? data::Value() : rows[0][0];
+  }
+  int64_t Count(const std::string& sql) { return One(sql).integer(); }
+  double Number(const std::string& sql) { return data::ToDouble(One(sql)); }
+  std::string Id(const std::string& key) { return Fact(*facts_, key); }
+
+  static inline data::testing::TempFolder* folder_ = nullptr;
+  static inline Facts* facts_ = nullptr;
+  std::unique_ptr<data::Connection> db_;
+};
 
 }  // namespace vantorel::demo::testing
 

@@ -133,43 +133,14 @@ TEST(DemoGenerator, ScriptsSplitIntoStatementsAtLineEnds) {
   }
 }
 
-class DemoDatabase : public ::testing::Test {
+class DemoDatabase : public GeneratedDemo {
  protected:
-  static void SetUpTestSuite() {
-    folder_ = new TempFolder;
-    ASSERT_EQ(
-        RunGenerator("--sqlite " + folder_->File("demo.db") + " --facts " + folder_->File("facts")),
-        0);
-    facts_ = new Facts(ReadFacts(folder_->File("facts")));
-  }
-  static void TearDownTestSuite() {
-    delete facts_;
-    delete folder_;
-  }
-  void SetUp() override { db_ = data::Connection::Open(folder_->File("demo.db")); }
-
-  std::vector<std::vector<Value>> Query(const std::string& sql) { return Rows(*db_, sql); }
-  Value One(const std::string& sql) {
-    const auto rows = Query(sql);
-    EXPECT_EQ(rows.size(), 1u) << sql;
-    return rows.empty() ? Value() : rows[0][0];
-  }
-  int64_t Count(const std::string& sql) { return One(sql).integer(); }
-  double Number(const std::string& sql) { return ToDouble(One(sql)); }
-  std::string Id(const std::string& key) { return Fact(*facts_, key); }
   std::vector<std::string> Column(const std::string& sql) {
     std::vector<std::string> values;
     for (const auto& row : Query(sql)) values.push_back(ToText(row[0]));
     return values;
   }
-
-  static TempFolder* folder_;
-  static Facts* facts_;
-  std::unique_ptr<data::Connection> db_;
 };
-
-TempFolder* DemoDatabase::folder_ = nullptr;
-Facts* DemoDatabase::facts_ = nullptr;
 
 TEST_F(DemoDatabase, EveryTableAndViewHasRows) {
   for (const auto& relations : {Tables(), Views()}) {

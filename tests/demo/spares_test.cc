@@ -24,37 +24,7 @@ using data::testing::TempFolder;
 // Amounts as the database holds them, in paise.
 int64_t Paise(const Value& value) { return std::llround(ToDouble(value) * 100); }
 
-class SparesDatabase : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    folder_ = new TempFolder;
-    ASSERT_EQ(
-        RunGenerator("--sqlite " + folder_->File("demo.db") + " --facts " + folder_->File("facts")),
-        0);
-    facts_ = new Facts(ReadFacts(folder_->File("facts")));
-  }
-  static void TearDownTestSuite() {
-    delete facts_;
-    delete folder_;
-  }
-  void SetUp() override { db_ = data::Connection::Open(folder_->File("demo.db")); }
-
-  std::vector<std::vector<Value>> Query(const std::string& sql) { return Rows(*db_, sql); }
-  Value One(const std::string& sql) {
-    const auto rows = Query(sql);
-    EXPECT_EQ(rows.size(), 1u) << sql;
-    return rows.empty() ? Value() : rows[0][0];
-  }
-  int64_t Count(const std::string& sql) { return One(sql).integer(); }
-  std::string Id(const std::string& key) { return Fact(*facts_, key); }
-
-  static TempFolder* folder_;
-  static Facts* facts_;
-  std::unique_ptr<data::Connection> db_;
-};
-
-TempFolder* SparesDatabase::folder_ = nullptr;
-Facts* SparesDatabase::facts_ = nullptr;
+class SparesDatabase : public GeneratedDemo {};
 
 TEST_F(SparesDatabase, PartsMasterHoldsADealersParts) {
   EXPECT_GE(Count("select count(*) from ws_partmaster"), 1500);
