@@ -20,7 +20,7 @@ std::vector<QueryUse> DeliveryParameters(std::vector<Use> parameters) {
 
 // The workshop's documents select their rows by parameters of one query, each tested for before
 // it is set: a template without the query or one of them prints nothing.
-std::vector<QueryUse> BillParameters(const char* query, std::vector<const char*> names) {
+std::vector<QueryUse> BillParameters(const char* query, const std::vector<const char*>& names) {
   QueryUse use{.name = query, .lookup = Lookup::kChecked};
   for (const char* name : names) use.parameters.emplace_back(name, Lookup::kChecked);
   return {use};
