@@ -169,6 +169,7 @@ bool ShapeWithoutLookups(hb_buffer_t* buffer, const FontInfo& font) {
   for (unsigned i = 0; i < count; ++i) {
     const uint32_t c = infos[i].codepoint;
     if (c >= 0x80 || !font.plain_without_letters[c]) return false;
+    if (i > 0 && font.kerned_pairs[infos[i - 1].codepoint * 128 + c]) return false;
   }
   hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
   for (unsigned i = 0; i < count; ++i) {

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <stdexcept>
 #include <tuple>
+#include <vector>
 
 namespace vantorel::report::text {
 namespace {
@@ -99,20 +100,21 @@ namespace {
 // FontInfo::plain_without_letters of "font": the glyphs of the lookups HarfBuzz's plan for a text
 // of digits and signs applies (its script is then unset) are left out, and so is everything when
 // the font has kerning or layout tables HarfBuzz reads besides GSUB and GPOS.
-std::bitset<128> PlainWithoutLetters(const FontInfo& font) {
-  std::bitset<128> plain;
+void FindPlainWithoutLetters(FontInfo& font) {
+  std::bitset<128>& plain = font.plain_without_letters;
+  std::vector<std::pair<hb_codepoint_t, hb_codepoint_t>> kerned;
   hb_face_t* face = hb_font_get_face(font.hb);
-  if (!hb_ot_layout_has_positioning(face)) return plain;
+  if (!hb_ot_layout_has_positioning(face)) return;
   for (hb_tag_t table : {HB_TAG('k', 'e', 'r', 'x'), HB_TAG('m', 'o', 'r', 'x'),
                          HB_TAG('m', 'o', 'r', 't'), HB_TAG('t', 'r', 'a', 'k')}) {
     hb_blob_t* blob = hb_face_reference_table(face, table);
     const unsigned length = hb_blob_get_length(blob);
     hb_blob_destroy(blob);
-    if (length > 0) return plain;
+    if (length > 0) return;
   }
   hb_set_t* touched = hb_set_create();
   // HarfBuzz kerns a text without letters by the old 'kern' table, when the font has one: its
-  // kerned pairs count as touched. Only the plain pair lists of OpenType's table are read.
+  // kerned pairs are kept apart. Only the plain pair lists of OpenType's table are read.
   hb_blob_t* kern = hb_face_reference_table(face, HB_TAG('k', 'e', 'r', 'n'));
   unsigned kern_length = 0;
   const auto* bytes = reinterpret_cast<const uint8_t*>(hb_blob_get_data(kern, &kern_length));
@@ -130,17 +132,14 @@ std::bitset<128> PlainWithoutLetters(const FontInfo& font) {
     const unsigned pairs = u16(at + 6);
     for (unsigned p = 0; p < pairs && at + 14 + p * 6 + 6 <= at + length; ++p) {
       const size_t pair = at + 14 + p * 6;
-      if (u16(pair + 4) != 0) {
-        hb_set_add(touched, u16(pair));
-        hb_set_add(touched, u16(pair + 2));
-      }
+      if (u16(pair + 4) != 0) kerned.emplace_back(u16(pair), u16(pair + 2));
     }
     at += length;
   }
   hb_blob_destroy(kern);
   if (!readable) {
     hb_set_destroy(touched);
-    return plain;
+    return;
   }
   hb_buffer_t* buffer = hb_buffer_create();
   hb_buffer_add_utf8(buffer, "0", 1, 0, 1);
@@ -160,16 +159,23 @@ std::bitset<128> PlainWithoutLetters(const FontInfo& font) {
       hb_ot_layout_lookup_collect_glyphs(face, table, lookup, touched, touched, touched, touched);
     }
   }
+  std::array<hb_codepoint_t, 128> glyphs{};
   for (uint32_t c = 0x20; c < 0x7F; ++c) {
     const bool letter = (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
-    hb_codepoint_t glyph = 0;
-    plain[c] = !letter && font.ascii[c] && hb_font_get_nominal_glyph(font.hb, c, &glyph) &&
-               !hb_set_has(touched, glyph);
+    plain[c] = !letter && font.ascii[c] && hb_font_get_nominal_glyph(font.hb, c, &glyphs[c]) &&
+               !hb_set_has(touched, glyphs[c]);
+  }
+  for (const auto& [left, right] : kerned) {
+    for (uint32_t a = 0x20; a < 0x7F; ++a) {
+      if (!plain[a] || glyphs[a] != left) continue;
+      for (uint32_t b = 0x20; b < 0x7F; ++b) {
+        if (plain[b] && glyphs[b] == right) font.kerned_pairs[a * 128 + b] = true;
+      }
+    }
   }
   hb_set_destroy(lookups);
   hb_set_destroy(touched);
   hb_shape_plan_destroy(plan);
-  return plain;
 }
 
 }  // namespace
@@ -255,7 +261,7 @@ std::unique_ptr<FontInfo> ThreadFonts::LoadFont(std::string_view family, bool bo
           static_cast<float>(hb_font_get_glyph_h_advance(info->hb, glyph)) / PANGO_SCALE;
     }
   }
-  info->plain_without_letters = PlainWithoutLetters(*info);
+  FindPlainWithoutLetters(*info);
   return info;
 }
 
