@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <utility>
 
 #include "data/sql_params.h"
@@ -346,7 +347,44 @@ class SqliteConnection final : public Connection {
   std::shared_ptr<Database> db_;
 };
 
+// A thread's kept connections, by native path.
+struct KeptConnections {
+  struct Kept {
+    std::shared_ptr<Database> db;
+    dev_t device;
+    ino_t inode;
+  };
+  std::map<std::string, Kept> by_path;
+  SqliteReuseStats stats;
+};
+
+std::weak_ptr<KeptConnections>& ThreadKept() {
+  thread_local std::weak_ptr<KeptConnections> kept;
+  return kept;
+}
+
+bool Running(sqlite3* db) {
+  for (sqlite3_stmt* s = sqlite3_next_stmt(db, nullptr); s != nullptr;
+       s = sqlite3_next_stmt(db, s)) {
+    if (sqlite3_stmt_busy(s)) return true;
+  }
+  return false;
+}
+
 }  // namespace
+
+std::shared_ptr<void> KeepSqliteConnections() {
+  std::weak_ptr<KeptConnections>& slot = ThreadKept();
+  if (auto kept = slot.lock()) return kept;
+  auto kept = std::make_shared<KeptConnections>();
+  slot = kept;
+  return kept;
+}
+
+SqliteReuseStats ThisThreadSqliteReuse() {
+  const auto kept = ThreadKept().lock();
+  return kept ? kept->stats : SqliteReuseStats{};
+}
 
 std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   const std::string native = NativePath(path);
@@ -359,6 +397,15 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   if (S_ISDIR(info.st_mode)) {
     throw Error(errnum::kUnspecified, kSource,
                 "unable to open database file " + path + ": it is a folder", SQLITE_CANTOPEN);
+  }
+  const std::shared_ptr<KeptConnections> kept = ThreadKept().lock();
+  if (kept) {
+    const auto found = kept->by_path.find(native);
+    if (found != kept->by_path.end() && found->second.device == info.st_dev &&
+        found->second.inode == info.st_ino && !Running(found->second.db->get())) {
+      ++kept->stats.reused;
+      return std::make_unique<SqliteConnection>(found->second.db);
+    }
   }
   sqlite3* handle = nullptr;
   const int rc = sqlite3_open_v2(native.c_str(), &handle, SQLITE_OPEN_READONLY, nullptr);
@@ -382,6 +429,10 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
     throw Error(error.number(), kSource, error.description() + ": " + path, error.system_code());
   }
   db->GuardReads();
+  if (kept) {
+    ++kept->stats.opened;
+    kept->by_path[native] = {db, info.st_dev, info.st_ino};
+  }
   return std::make_unique<SqliteConnection>(std::move(db));
 }
 
