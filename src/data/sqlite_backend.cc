@@ -351,8 +351,7 @@ class SqliteConnection final : public Connection {
 struct KeptConnections {
   struct Kept {
     std::shared_ptr<Database> db;
-    dev_t device;
-    ino_t inode;
+    struct stat file;  // as it was when opened
   };
   std::map<std::string, Kept> by_path;
   SqliteReuseStats stats;
@@ -361,6 +360,14 @@ struct KeptConnections {
 std::weak_ptr<KeptConnections>& ThreadKept() {
   thread_local std::weak_ptr<KeptConnections> kept;
   return kept;
+}
+
+// True when "now" is the file "then" was, unchanged: a file written over in place by other means
+// than SQLite's could look unchanged to a connection's page cache, so any change of size or time
+// opens it anew (SQLite's own commits in WAL mode leave the main file as it was).
+bool SameFile(const struct stat& then, const struct stat& now) {
+  return then.st_dev == now.st_dev && then.st_ino == now.st_ino && then.st_size == now.st_size &&
+         then.st_mtim.tv_sec == now.st_mtim.tv_sec && then.st_mtim.tv_nsec == now.st_mtim.tv_nsec;
 }
 
 bool Running(sqlite3* db) {
@@ -401,8 +408,8 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   const std::shared_ptr<KeptConnections> kept = ThreadKept().lock();
   if (kept) {
     const auto found = kept->by_path.find(native);
-    if (found != kept->by_path.end() && found->second.device == info.st_dev &&
-        found->second.inode == info.st_ino && !Running(found->second.db->get())) {
+    if (found != kept->by_path.end() && SameFile(found->second.file, info) &&
+        !Running(found->second.db->get())) {
       ++kept->stats.reused;
       return std::make_unique<SqliteConnection>(found->second.db);
     }
@@ -431,7 +438,7 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   db->GuardReads();
   if (kept) {
     ++kept->stats.opened;
-    kept->by_path[native] = {db, info.st_dev, info.st_ino};
+    kept->by_path[native] = {db, info};
   }
   return std::make_unique<SqliteConnection>(std::move(db));
 }

@@ -340,6 +340,19 @@ TEST_F(KeptSqliteConnections, AChangeCommittedBetweenTwoReadsIsSeen) {
   EXPECT_EQ(Count(path_), 1);
   testing::CreateSqlite(path_, "insert into t values (2); insert into t values (3);");
   EXPECT_EQ(Count(path_), 3);
+}
+
+TEST_F(KeptSqliteConnections, AChangeCommittedInWalModeIsSeenOnTheKeptConnection) {
+  testing::CreateSqlite(path_, "pragma journal_mode = wal;");
+  sqlite3* writer = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &writer), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(writer, "pragma wal_autocheckpoint = 0", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  ASSERT_EQ(sqlite3_exec(writer, "insert into t values (2)", nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_EQ(Count(path_), 2);
+  sqlite3_close(writer);
   EXPECT_EQ(ThisThreadSqliteReuse().reused, 1);
 }
 
