@@ -51,8 +51,8 @@ struct FontInfo {
   std::array<float, 128> ascii_advance{};  // their advances in points, kerning aside
   // ASCII characters that shape as their own glyph at its own advance in a text without
   // letters: no substitution or positioning HarfBuzz applies to such a text touches them, and
-  // the font has no layout tables but GSUB, GPOS and a plain 'kern' table. Digits, dates and amounts are so in our
-  // fonts, and are shaped without HarfBuzz (ShapeWithoutLookups).
+  // the font has no layout tables but GSUB, GPOS and a plain 'kern' table. Digits, dates and
+  // amounts mostly are so in our fonts, and are shaped without HarfBuzz (ShapeWithoutLookups).
   std::bitset<128> plain_without_letters;
   // Pairs of those characters (first × 128 + second) that the font's old 'kern' table kerns.
   std::bitset<128 * 128> kerned_pairs;

@@ -229,8 +229,9 @@ TEST(LayOutTest, NumbersShapeAsHarfBuzzShapesThem) {
         const FontInfo& font = ThreadFonts::Current().Primary(family, bold, italic, 9);
         EXPECT_TRUE(font.plain_without_letters['0'] || family == std::string("DejaVu Sans"))
             << family;
-        std::vector<std::string> texts = {"2,05,630.00", "1,05,630.00", "22-02-2030", "-12.50", "(1,200.00)",
-                                          "11/11/11", "1 1 1", "Tax 18%", "AV To"};
+        std::vector<std::string> texts = {"2,05,630.00", "1,05,630.00", "22-02-2030",
+                                          "-12.50",      "(1,200.00)",  "11/11/11",
+                                          "1 1 1",       "Tax 18%",     "AV To"};
         for (int i = 0; i < 400; ++i) {
           std::string text;
           for (uint32_t n = 1 + (next() >> 16) % 14; n > 0; --n) {
