@@ -219,6 +219,8 @@ class VANTOREL_EXPORT CRepoter {
   std::string PDFPath_;
 
   std::unique_ptr<engine::ReportRun> run_;
+  // Keeps the SQLite connections prints on the creating thread open, for the next print.
+  std::shared_ptr<void> kept_connections_;
   std::string text_buffer_;
 };
 

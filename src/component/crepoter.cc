@@ -5,6 +5,7 @@
 
 #include "component/built_in_engine.h"
 #include "component/report_state.h"
+#include "data/sqlite_backend.h"
 #include "engine/port.h"
 #include "engine/steps.h"
 
@@ -24,7 +25,8 @@ std::shared_ptr<engine::Engine> DefaultEngineOrOurs() {
 CRepoter::CRepoter() : CRepoter(DefaultEngineOrOurs()) {}
 
 CRepoter::CRepoter(std::shared_ptr<engine::Engine> engine)
-    : run_(std::make_unique<engine::ReportRun>(std::move(engine))) {}
+    : run_(std::make_unique<engine::ReportRun>(std::move(engine))),
+      kept_connections_(data::KeepSqliteConnections()) {}
 
 CRepoter::~CRepoter() = default;
 

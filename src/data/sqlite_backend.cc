@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <utility>
 
 #include "data/sql_params.h"
@@ -346,7 +347,51 @@ class SqliteConnection final : public Connection {
   std::shared_ptr<Database> db_;
 };
 
+// A thread's kept connections, by native path.
+struct KeptConnections {
+  struct Kept {
+    std::shared_ptr<Database> db;
+    struct stat file;  // as it was when opened
+  };
+  std::map<std::string, Kept> by_path;
+  SqliteReuseStats stats;
+};
+
+std::weak_ptr<KeptConnections>& ThreadKept() {
+  thread_local std::weak_ptr<KeptConnections> kept;
+  return kept;
+}
+
+// True when "now" is the file "then" was, unchanged: a file written over in place by other means
+// than SQLite's could look unchanged to a connection's page cache, so any change of size or time
+// opens it anew (SQLite's own commits in WAL mode leave the main file as it was).
+bool SameFile(const struct stat& then, const struct stat& now) {
+  return then.st_dev == now.st_dev && then.st_ino == now.st_ino && then.st_size == now.st_size &&
+         then.st_mtim.tv_sec == now.st_mtim.tv_sec && then.st_mtim.tv_nsec == now.st_mtim.tv_nsec;
+}
+
+bool Running(sqlite3* db) {
+  for (sqlite3_stmt* s = sqlite3_next_stmt(db, nullptr); s != nullptr;
+       s = sqlite3_next_stmt(db, s)) {
+    if (sqlite3_stmt_busy(s)) return true;
+  }
+  return false;
+}
+
 }  // namespace
+
+std::shared_ptr<void> KeepSqliteConnections() {
+  std::weak_ptr<KeptConnections>& slot = ThreadKept();
+  if (auto kept = slot.lock()) return kept;
+  auto kept = std::make_shared<KeptConnections>();
+  slot = kept;
+  return kept;
+}
+
+SqliteReuseStats ThisThreadSqliteReuse() {
+  const auto kept = ThreadKept().lock();
+  return kept ? kept->stats : SqliteReuseStats{};
+}
 
 std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   const std::string native = NativePath(path);
@@ -359,6 +404,15 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
   if (S_ISDIR(info.st_mode)) {
     throw Error(errnum::kUnspecified, kSource,
                 "unable to open database file " + path + ": it is a folder", SQLITE_CANTOPEN);
+  }
+  const std::shared_ptr<KeptConnections> kept = ThreadKept().lock();
+  if (kept) {
+    const auto found = kept->by_path.find(native);
+    if (found != kept->by_path.end() && SameFile(found->second.file, info) &&
+        !Running(found->second.db->get())) {
+      ++kept->stats.reused;
+      return std::make_unique<SqliteConnection>(found->second.db);
+    }
   }
   sqlite3* handle = nullptr;
   const int rc = sqlite3_open_v2(native.c_str(), &handle, SQLITE_OPEN_READONLY, nullptr);
@@ -382,6 +436,10 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path) {
     throw Error(error.number(), kSource, error.description() + ": " + path, error.system_code());
   }
   db->GuardReads();
+  if (kept) {
+    ++kept->stats.opened;
+    kept->by_path[native] = {db, info};
+  }
   return std::make_unique<SqliteConnection>(std::move(db));
 }
 

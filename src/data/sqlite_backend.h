@@ -16,6 +16,23 @@ namespace vantorel::data {
 // (errnum::kUnspecified, the path named), never a new empty database.
 std::unique_ptr<Connection> OpenSqlite(const std::string& path);
 
+// While a handle from KeepSqliteConnections lives, the SQLite connections opened on the thread
+// that made it are kept and opened again for the same file without reading its schema anew. A
+// kept connection is handed out only while none of its statements is running, so each statement
+// reads what was committed before it starts (a change the host commits between two prints is
+// seen), and only while the path still names the same file. Connections never go to another
+// thread; they close when the thread's last handle is released. The key is the file's path:
+// nothing of a connection string is kept.
+std::shared_ptr<void> KeepSqliteConnections();
+
+// How many SQLite connections this thread opened and reused since its current handles were made;
+// zeros when it has none.
+struct SqliteReuseStats {
+  int opened = 0;
+  int reused = 0;
+};
+SqliteReuseStats ThisThreadSqliteReuse();
+
 }  // namespace vantorel::data
 
 #endif  // VANTOREL_DATA_SQLITE_BACKEND_H_

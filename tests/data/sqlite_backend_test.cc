@@ -2,8 +2,10 @@
 #include <sqlite3.h>
 
 #include <filesystem>
+#include <thread>
 
 #include "data/connection.h"
+#include "data/sqlite_backend.h"
 #include "temp_database.h"
 #include "vantorel/error.h"
 
@@ -290,6 +292,114 @@ TEST_F(DataSqlite, HabitualFunctionsWork) {
             Value::Integer(20240331));
   EXPECT_TRUE(One("select year('not a date')").is_null());
   EXPECT_EQ(ToText(One("select length(getdate())")), "19");
+}
+
+}  // namespace
+}  // namespace vantorel::data
+
+namespace vantorel::data {
+namespace {
+
+class KeptSqliteConnections : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    path_ = folder_.File("kept.db");
+    testing::CreateSqlite(path_, "create table t (n integer); insert into t values (1);");
+  }
+
+  int64_t Count(const std::string& path) {
+    const auto connection = Connection::Open(path);
+    const auto cursor = connection->Execute("select count(*) from t");
+    std::vector<Value> row;
+    EXPECT_TRUE(cursor->Next(row));
+    return row.at(0).integer();
+  }
+
+  testing::TempFolder folder_;
+  std::string path_;
+};
+
+TEST_F(KeptSqliteConnections, WithoutAHandleNothingIsKept) {
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 0);
+  EXPECT_EQ(ThisThreadSqliteReuse().reused, 0);
+}
+
+TEST_F(KeptSqliteConnections, TheSameFileIsOpenedOnce) {
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().reused, 2);
+}
+
+TEST_F(KeptSqliteConnections, AChangeCommittedBetweenTwoReadsIsSeen) {
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  testing::CreateSqlite(path_, "insert into t values (2); insert into t values (3);");
+  EXPECT_EQ(Count(path_), 3);
+}
+
+TEST_F(KeptSqliteConnections, AChangeCommittedInWalModeIsSeenOnTheKeptConnection) {
+  testing::CreateSqlite(path_, "pragma journal_mode = wal;");
+  sqlite3* writer = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &writer), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(writer, "pragma wal_autocheckpoint = 0", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  ASSERT_EQ(sqlite3_exec(writer, "insert into t values (2)", nullptr, nullptr, nullptr), SQLITE_OK);
+  EXPECT_EQ(Count(path_), 2);
+  sqlite3_close(writer);
+  EXPECT_EQ(ThisThreadSqliteReuse().reused, 1);
+}
+
+TEST_F(KeptSqliteConnections, AFileReplacedUnderItsPathIsOpenedAnew) {
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  const std::string other = folder_.File("other.db");
+  testing::CreateSqlite(other, "create table t (n integer); insert into t values (7), (8);");
+  std::filesystem::rename(other, path_);
+  EXPECT_EQ(Count(path_), 2);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 2);
+}
+
+TEST_F(KeptSqliteConnections, AConnectionBusyWithAStatementIsNotHandedOut) {
+  const auto keep = KeepSqliteConnections();
+  const auto first = Connection::Open(path_);
+  const auto cursor = first->Execute("select n from t");
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 2);
+}
+
+TEST_F(KeptSqliteConnections, TwoThreadsDoNotShareOne) {
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  SqliteReuseStats other;
+  std::thread thread([&] {
+    const auto keep_there = KeepSqliteConnections();
+    EXPECT_EQ(Count(path_), 1);
+    EXPECT_EQ(Count(path_), 1);
+    other = ThisThreadSqliteReuse();
+  });
+  thread.join();
+  EXPECT_EQ(other.opened, 1) << "the other thread opened its own";
+  EXPECT_EQ(other.reused, 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().reused, 0);
+}
+
+TEST_F(KeptSqliteConnections, ReleasingTheLastHandleClosesThem) {
+  {
+    const auto keep = KeepSqliteConnections();
+    EXPECT_EQ(Count(path_), 1);
+  }
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().opened, 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().reused, 0);
 }
 
 }  // namespace

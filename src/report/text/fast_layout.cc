@@ -163,6 +163,26 @@ bool CanLayOutFast(std::string_view text, const FontInfo& font) {
   return true;
 }
 
+bool ShapeWithoutLookups(hb_buffer_t* buffer, const FontInfo& font) {
+  unsigned count = 0;
+  hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
+  for (unsigned i = 0; i < count; ++i) {
+    const uint32_t c = infos[i].codepoint;
+    if (c >= 0x80 || !font.plain_without_letters[c]) return false;
+    if (i > 0 && font.kerned_pairs[infos[i - 1].codepoint * 128 + c]) return false;
+  }
+  hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+  for (unsigned i = 0; i < count; ++i) {
+    hb_codepoint_t glyph = 0;
+    hb_font_get_nominal_glyph(font.hb, infos[i].codepoint, &glyph);
+    infos[i].codepoint = glyph;
+    positions[i] = {};
+    positions[i].x_advance = hb_font_get_glyph_h_advance(font.hb, glyph);
+  }
+  hb_buffer_set_content_type(buffer, HB_BUFFER_CONTENT_TYPE_GLYPHS);
+  return true;
+}
+
 LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const FontInfo& font,
                        const LineGeometry& geometry) {
   thread_local Shaper shaper;
@@ -205,7 +225,10 @@ LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const Font
       hb_buffer_set_language(buffer, kEnglish);
       hb_buffer_guess_segment_properties(buffer);
       hb_buffer_set_flags(buffer, hb_buffer_flags_t(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
-      hb_shape(font.hb, buffer, spacing != 0 ? kNoLigatures : nullptr, spacing != 0 ? 3 : 0);
+      // Numbers and dates, most of a register's texts, need none of HarfBuzz's shaping.
+      if (spacing != 0 || !ShapeWithoutLookups(buffer, font)) {
+        hb_shape(font.hb, buffer, spacing != 0 ? kNoLigatures : nullptr, spacing != 0 ? 3 : 0);
+      }
 
       unsigned count = 0;
       const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);

@@ -1,11 +1,15 @@
 #include "report/text/fonts.h"
 
+#include <hb-ot.h>
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 
 #include <cstdlib>
+#include <cstring>
+#include <initializer_list>
 #include <stdexcept>
 #include <tuple>
+#include <vector>
 
 namespace vantorel::report::text {
 namespace {
@@ -91,6 +95,91 @@ bool FontInfo::IsCovered(uint32_t code_point) const {
   return hb_font_get_nominal_glyph(hb, code_point, &glyph) != 0;
 }
 
+namespace {
+
+// FontInfo::plain_without_letters of "font": the glyphs of the lookups HarfBuzz's plan for a text
+// of digits and signs applies (its script is then unset) are left out, and so is everything when
+// the font has kerning or layout tables HarfBuzz reads besides GSUB and GPOS.
+void FindPlainWithoutLetters(FontInfo& font) {
+  std::bitset<128>& plain = font.plain_without_letters;
+  std::vector<std::pair<hb_codepoint_t, hb_codepoint_t>> kerned;
+  hb_face_t* face = hb_font_get_face(font.hb);
+  if (!hb_ot_layout_has_positioning(face)) return;
+  for (hb_tag_t table : {HB_TAG('k', 'e', 'r', 'x'), HB_TAG('m', 'o', 'r', 'x'),
+                         HB_TAG('m', 'o', 'r', 't'), HB_TAG('t', 'r', 'a', 'k')}) {
+    hb_blob_t* blob = hb_face_reference_table(face, table);
+    const unsigned length = hb_blob_get_length(blob);
+    hb_blob_destroy(blob);
+    if (length > 0) return;
+  }
+  hb_set_t* touched = hb_set_create();
+  // HarfBuzz kerns a text without letters by the old 'kern' table, when the font has one: its
+  // kerned pairs are kept apart. Only the plain pair lists of OpenType's table are read.
+  hb_blob_t* kern = hb_face_reference_table(face, HB_TAG('k', 'e', 'r', 'n'));
+  unsigned kern_length = 0;
+  const auto* bytes = reinterpret_cast<const uint8_t*>(hb_blob_get_data(kern, &kern_length));
+  const auto u16 = [&](size_t at) {
+    return at + 2 <= kern_length ? static_cast<unsigned>(bytes[at] << 8 | bytes[at + 1]) : 0u;
+  };
+  bool readable = kern_length == 0 || (kern_length >= 4 && u16(0) == 0);
+  size_t at = 4;
+  for (unsigned t = 0; readable && kern_length > 0 && t < u16(2); ++t) {
+    const unsigned length = u16(at + 2), coverage = u16(at + 4);
+    if (coverage >> 8 != 0 || length < 14 || at + length > kern_length) {
+      readable = false;
+      break;
+    }
+    const unsigned pairs = u16(at + 6);
+    for (unsigned p = 0; p < pairs && at + 14 + p * 6 + 6 <= at + length; ++p) {
+      const size_t pair = at + 14 + p * 6;
+      if (u16(pair + 4) != 0) kerned.emplace_back(u16(pair), u16(pair + 2));
+    }
+    at += length;
+  }
+  hb_blob_destroy(kern);
+  if (!readable) {
+    hb_set_destroy(touched);
+    return;
+  }
+  hb_buffer_t* buffer = hb_buffer_create();
+  hb_buffer_add_utf8(buffer, "0", 1, 0, 1);
+  hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+  hb_buffer_set_language(buffer, hb_language_from_string("en", 2));
+  hb_buffer_guess_segment_properties(buffer);
+  hb_segment_properties_t properties;
+  hb_buffer_get_segment_properties(buffer, &properties);
+  hb_buffer_destroy(buffer);
+  hb_shape_plan_t* plan = hb_shape_plan_create_cached(face, &properties, nullptr, 0, nullptr);
+  hb_set_t* lookups = hb_set_create();
+  for (hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
+    hb_set_clear(lookups);
+    hb_ot_shape_plan_collect_lookups(plan, table, lookups);
+    hb_codepoint_t lookup = HB_SET_VALUE_INVALID;
+    while (hb_set_next(lookups, &lookup)) {
+      hb_ot_layout_lookup_collect_glyphs(face, table, lookup, touched, touched, touched, touched);
+    }
+  }
+  std::array<hb_codepoint_t, 128> glyphs{};
+  for (uint32_t c = 0x20; c < 0x7F; ++c) {
+    const bool letter = (c | 0x20) >= 'a' && (c | 0x20) <= 'z';
+    plain[c] = !letter && font.ascii[c] && hb_font_get_nominal_glyph(font.hb, c, &glyphs[c]) &&
+               !hb_set_has(touched, glyphs[c]);
+  }
+  for (const auto& [left, right] : kerned) {
+    for (uint32_t a = 0x20; a < 0x7F; ++a) {
+      if (!plain[a] || glyphs[a] != left) continue;
+      for (uint32_t b = 0x20; b < 0x7F; ++b) {
+        if (plain[b] && glyphs[b] == right) font.kerned_pairs[a * 128 + b] = true;
+      }
+    }
+  }
+  hb_set_destroy(lookups);
+  hb_set_destroy(touched);
+  hb_shape_plan_destroy(plan);
+}
+
+}  // namespace
+
 ThreadFonts& ThreadFonts::Current() {
   thread_local ThreadFonts fonts;
   return fonts;
@@ -125,13 +214,32 @@ PangoFontDescription* ThreadFonts::Describe(std::string_view family, bool bold, 
 }
 
 const FontInfo& ThreadFonts::Primary(std::string_view family, bool bold, bool italic, float size) {
+  // Called for every text measured, fitted and drawn, nearly always for the font of the call
+  // before: that one is answered without building a key.
+  if (last_ != nullptr && last_bold_ == bold && last_italic_ == italic && last_size_ == size &&
+      last_family_ == family) {
+    return *last_;
+  }
   std::string key(family);
-  key += bold ? "|b" : "|-";
-  key += italic ? "i|" : "-|";
-  key += std::to_string(size);
+  key += '\0';
+  key += static_cast<char>(bold | italic << 1);
+  char size_bytes[sizeof size];
+  std::memcpy(size_bytes, &size, sizeof size);
+  key.append(size_bytes, sizeof size);
   auto found = fonts_.find(key);
-  if (found != fonts_.end()) return *found->second;
+  if (found == fonts_.end()) {
+    found = fonts_.emplace(std::move(key), LoadFont(family, bold, italic, size)).first;
+  }
+  last_ = found->second.get();
+  last_family_.assign(family);
+  last_bold_ = bold;
+  last_italic_ = italic;
+  last_size_ = size;
+  return *last_;
+}
 
+std::unique_ptr<FontInfo> ThreadFonts::LoadFont(std::string_view family, bool bold, bool italic,
+                                                float size) {
   auto info = std::make_unique<FontInfo>();
   PangoFontDescription* description = Describe(family, bold, italic, size);
   info->font.reset(pango_font_map_load_font(map_.get(), context_.get(), description));
@@ -153,7 +261,8 @@ const FontInfo& ThreadFonts::Primary(std::string_view family, bool bold, bool it
           static_cast<float>(hb_font_get_glyph_h_advance(info->hb, glyph)) / PANGO_SCALE;
     }
   }
-  return *fonts_.emplace(std::move(key), std::move(info)).first->second;
+  FindPlainWithoutLetters(*info);
+  return info;
 }
 
 std::pair<DecorationLine, DecorationLine> ThreadFonts::Decorations(PangoFont* font) {

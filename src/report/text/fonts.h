@@ -49,6 +49,13 @@ struct FontInfo {
   DecorationLine strikeout;
   std::bitset<128> ascii;                  // which ASCII characters the font has, looked up once
   std::array<float, 128> ascii_advance{};  // their advances in points, kerning aside
+  // ASCII characters that shape as their own glyph at its own advance in a text without
+  // letters: no substitution or positioning HarfBuzz applies to such a text touches them, and
+  // the font has no layout tables but GSUB, GPOS and a plain 'kern' table. Digits, dates and
+  // amounts mostly are so in our fonts, and are shaped without HarfBuzz (ShapeWithoutLookups).
+  std::bitset<128> plain_without_letters;
+  // Pairs of those characters (first × 128 + second) that the font's old 'kern' table kerns.
+  std::bitset<128 * 128> kerned_pairs;
   bool IsCovered(uint32_t code_point) const;
 };
 
@@ -79,11 +86,20 @@ class ThreadFonts {
  private:
   ThreadFonts();
 
+  // A new FontInfo for the arguments.
+  std::unique_ptr<FontInfo> LoadFont(std::string_view family, bool bold, bool italic, float size);
+
   // Declared first so it goes last: the fonts below hold references into it.
   GObjectPtr<PangoFontMap> map_;
   GObjectPtr<PangoContext> context_;
   GObjectPtr<PangoLayout> layout_;
-  std::unordered_map<std::string, std::unique_ptr<FontInfo>> fonts_;
+  std::unordered_map<std::string, std::unique_ptr<FontInfo>> fonts_;  // family, style, size bits
+  // The font of the last Primary call and its arguments.
+  const FontInfo* last_ = nullptr;
+  std::string last_family_;
+  bool last_bold_ = false;
+  bool last_italic_ = false;
+  float last_size_ = 0;
   struct FontDecorations {
     GObjectPtr<PangoFont> font;  // held so the key cannot be reused by another font
     std::pair<DecorationLine, DecorationLine> lines;

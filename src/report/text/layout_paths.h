@@ -69,6 +69,11 @@ std::vector<KeptSpan> FindKeptSpans(std::string_view text);
 // "font".
 bool CanLayOutFast(std::string_view text, const FontInfo& font);
 
+// Shapes "buffer" (holding text of "font", its properties set, not yet shaped) as hb_shape would,
+// without HarfBuzz's shaping, when every character is in font.plain_without_letters: each
+// character its nominal glyph at its advance. False, leaving the buffer as it was, otherwise.
+bool ShapeWithoutLookups(hb_buffer_t* buffer, const FontInfo& font);
+
 LaidOutText LayOutFast(std::string_view text, const TextStyle& style, const FontInfo& font,
                        const LineGeometry& geometry);
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "report/text/fonts.h"
 #include "report/text/layout.h"
@@ -201,6 +202,68 @@ TEST(LayOutTest, FastPathAndPangoAgreeOnPlainLatin) {
         const LaidOutText pango = LayOutWithPango(ValidUtf8(text), style, font, geometry);
         EXPECT_NEAR(fast.size.width, pango.size.width, 0.5) << family << ": " << text;
         EXPECT_FLOAT_EQ(fast.size.height, pango.size.height) << family << ": " << text;
+      }
+    }
+  }
+}
+
+// "text" in a new buffer set up as the fast path sets it up before shaping.
+hb_buffer_t* BufferOf(const std::string& text) {
+  hb_buffer_t* buffer = hb_buffer_create();
+  hb_buffer_add_utf8(buffer, text.data(), static_cast<int>(text.size()), 0,
+                     static_cast<int>(text.size()));
+  hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+  hb_buffer_set_language(buffer, hb_language_from_string("en", 2));
+  hb_buffer_guess_segment_properties(buffer);
+  hb_buffer_set_flags(buffer, hb_buffer_flags_t(HB_BUFFER_FLAG_BOT | HB_BUFFER_FLAG_EOT));
+  return buffer;
+}
+
+TEST(LayOutTest, NumbersShapeAsHarfBuzzShapesThem) {
+  const std::string kSigns = "0123456789 ,.-/:()%+*#&'\"=_[]@!?;<>";
+  uint32_t seed = 12345;
+  const auto next = [&seed] { return seed = seed * 1103515245 + 12345; };
+  for (const char* family : {"Arial", "Times New Roman", "Courier New", "DejaVu Sans"}) {
+    for (const bool bold : {false, true}) {
+      for (const bool italic : {false, true}) {
+        const FontInfo& font = ThreadFonts::Current().Primary(family, bold, italic, 9);
+        EXPECT_TRUE(font.plain_without_letters['0'] || family == std::string("DejaVu Sans"))
+            << family;
+        std::vector<std::string> texts = {"2,05,630.00", "1,05,630.00", "22-02-2030",
+                                          "-12.50",      "(1,200.00)",  "11/11/11",
+                                          "1 1 1",       "Tax 18%",     "AV To"};
+        for (int i = 0; i < 400; ++i) {
+          std::string text;
+          for (uint32_t n = 1 + (next() >> 16) % 14; n > 0; --n) {
+            text += kSigns[(next() >> 16) % kSigns.size()];
+          }
+          texts.push_back(text);
+        }
+        for (const std::string& text : texts) {
+          hb_buffer_t* ours = BufferOf(text);
+          hb_buffer_t* theirs = BufferOf(text);
+          const bool taken = ShapeWithoutLookups(ours, font);
+          hb_shape(font.hb, theirs, nullptr, 0);
+          if (taken) {
+            unsigned count = 0, their_count = 0;
+            const hb_glyph_info_t* info = hb_buffer_get_glyph_infos(ours, &count);
+            const hb_glyph_info_t* their_info = hb_buffer_get_glyph_infos(theirs, &their_count);
+            const hb_glyph_position_t* pos = hb_buffer_get_glyph_positions(ours, &count);
+            const hb_glyph_position_t* their_pos =
+                hb_buffer_get_glyph_positions(theirs, &their_count);
+            ASSERT_EQ(count, their_count) << family << ": " << text;
+            for (unsigned g = 0; g < count; ++g) {
+              EXPECT_EQ(info[g].codepoint, their_info[g].codepoint) << family << ": " << text;
+              EXPECT_EQ(info[g].cluster, their_info[g].cluster) << family << ": " << text;
+              EXPECT_EQ(pos[g].x_advance, their_pos[g].x_advance) << family << ": " << text;
+              EXPECT_EQ(pos[g].y_advance, their_pos[g].y_advance) << family << ": " << text;
+              EXPECT_EQ(pos[g].x_offset, their_pos[g].x_offset) << family << ": " << text;
+              EXPECT_EQ(pos[g].y_offset, their_pos[g].y_offset) << family << ": " << text;
+            }
+          }
+          hb_buffer_destroy(ours);
+          hb_buffer_destroy(theirs);
+        }
       }
     }
   }
