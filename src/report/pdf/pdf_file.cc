@@ -73,6 +73,12 @@ void AppendNumber(std::string& out, double value) {
   }
 }
 
+std::u32string DecodeUtf8(std::string_view text) {
+  std::u32string out;
+  for (size_t at = 0; at < text.size();) out += NextCodePoint(text, at);
+  return out;
+}
+
 void AppendUtf16Hex(std::string& out, std::string_view text) {
   for (size_t at = 0; at < text.size();) {
     const char32_t c = NextCodePoint(text, at);
@@ -107,10 +113,9 @@ std::string Deflate(std::string_view bytes) {
   // and deflating is otherwise a tenth of the writing time.
   uLongf size = compressBound(static_cast<uLong>(bytes.size()));
   std::string out(size, '\0');
-  const int status =
-      compress2(reinterpret_cast<Bytef*>(out.data()), &size,
-                reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()),
-                Z_BEST_SPEED);
+  const int status = compress2(reinterpret_cast<Bytef*>(out.data()), &size,
+                               reinterpret_cast<const Bytef*>(bytes.data()),
+                               static_cast<uLong>(bytes.size()), Z_BEST_SPEED);
   if (status != Z_OK) {
     throw Error(errnum::kEngineFailure, "Vantorel.Pdf", "Cannot compress a PDF stream");
   }
@@ -174,8 +179,8 @@ void PdfFile::Finish(uint32_t root, uint32_t info) {
     scratch_ += entry;
   }
   scratch_ += "trailer\n<</Size " + std::to_string(offsets_.size() + 1) + "/Root " +
-              std::to_string(root) + " 0 R/Info " + std::to_string(info) +
-              " 0 R>>\nstartxref\n" + std::to_string(xref) + "\n%%EOF\n";
+              std::to_string(root) + " 0 R/Info " + std::to_string(info) + " 0 R>>\nstartxref\n" +
+              std::to_string(xref) + "\n%%EOF\n";
   Put(scratch_);
 }
 

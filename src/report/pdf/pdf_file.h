@@ -26,6 +26,9 @@ void AppendTextString(std::string& out, std::string_view text);
 // Appends "text" as UTF-16BE hex digits, without brackets or byte order mark.
 void AppendUtf16Hex(std::string& out, std::string_view text);
 
+// The code points of "text"; invalid UTF-8 bytes become U+FFFD.
+std::u32string DecodeUtf8(std::string_view text);
+
 // Deflates "bytes" (zlib format, as FlateDecode reads it).
 std::string Deflate(std::string_view bytes);
 

@@ -50,7 +50,9 @@ constexpr size_t kKeptFaces = 32;
 constexpr size_t kKeptSubsets = 8;
 
 // Thousandths of an em from font units.
-int Scaled(double units, unsigned upem) { return static_cast<int>(std::lround(units * 1000.0 / upem)); }
+int Scaled(double units, unsigned upem) {
+  return static_cast<int>(std::lround(units * 1000.0 / upem));
+}
 
 std::shared_ptr<const FontFace> LoadFace(FT_Face ft) {
   if (ft == nullptr || !FT_IS_SFNT(ft) || ft->stream == nullptr ||
@@ -108,13 +110,19 @@ std::shared_ptr<const FontFace> LoadFace(FT_Face ft) {
   return face;
 }
 
-// The face's subset holding "glyphs" (sorted, notdef first) with their ids kept, or null when
-// HarfBuzz cannot subset it.
-std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vector<uint32_t>& glyphs) {
+// The face's subset holding "glyphs" (sorted, notdef first) with their ids kept, and a character
+// map for the characters "unicodes" (those glyphs that show one character each) — programs that
+// turn a PDF into PostScript and back, such as a print queue's filters, recover the text from
+// it. Null when HarfBuzz cannot subset the face.
+std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vector<uint32_t>& glyphs,
+                                          const std::vector<uint32_t>& unicodes) {
+  std::vector<uint32_t> key = glyphs;
+  key.push_back(0xFFFFFFFF);
+  key.insert(key.end(), unicodes.begin(), unicodes.end());
   {
     std::lock_guard lock(face.mutex);
     for (auto it = face.subsets.begin(); it != face.subsets.end(); ++it) {
-      if (it->first == glyphs) {
+      if (it->first == key) {
         face.subsets.splice(face.subsets.begin(), face.subsets, it);
         return face.subsets.front().second;
       }
@@ -124,12 +132,15 @@ std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vecto
   if (input == nullptr) return nullptr;
   hb_set_t* wanted = hb_subset_input_glyph_set(input);
   for (const uint32_t glyph : glyphs) hb_set_add(wanted, glyph);
+  hb_set_t* characters = hb_subset_input_unicode_set(input);
+  for (const uint32_t unicode : unicodes) hb_set_add(characters, unicode);
   // Ids kept, so the page's glyph ids are the embedded font's; layout tables dropped, as a PDF
   // places every glyph itself.
-  hb_subset_input_set_flags(input, HB_SUBSET_FLAGS_RETAIN_GIDS | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+  hb_subset_input_set_flags(input, HB_SUBSET_FLAGS_RETAIN_GIDS | HB_SUBSET_FLAGS_NOTDEF_OUTLINE |
+                                       HB_SUBSET_FLAGS_GLYPH_NAMES);
   hb_set_t* dropped = hb_subset_input_set(input, HB_SUBSET_SETS_DROP_TABLE_TAG);
-  for (const char* tag : {"GSUB", "GPOS", "GDEF", "BASE", "JSTF", "MATH", "kern", "morx",
-                          "kerx", "DSIG", "vhea", "vmtx", "VORG"}) {
+  for (const char* tag : {"GSUB", "GPOS", "GDEF", "BASE", "JSTF", "MATH", "kern", "morx", "kerx",
+                          "DSIG", "vhea", "vmtx", "VORG"}) {
     hb_set_add(dropped, hb_tag_from_string(tag, 4));
   }
   hb_face_t* subset = hb_subset_or_fail(face.face, input);
@@ -143,7 +154,7 @@ std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vecto
   hb_face_destroy(subset);
   if (bytes->empty()) return nullptr;
   std::lock_guard lock(face.mutex);
-  face.subsets.emplace_front(glyphs, bytes);
+  face.subsets.emplace_front(std::move(key), bytes);
   if (face.subsets.size() > kKeptSubsets) face.subsets.pop_back();
   return bytes;
 }
@@ -260,7 +271,14 @@ void PdfFonts::WriteFont(const Embedded& font) {
     if (font.shown[glyph]) glyphs.push_back(glyph);
   }
   const std::string name = SubsetTag(glyphs, face.name) + "+" + face.name;
-  const std::shared_ptr<const std::string> subset = Subset(face, glyphs);
+  std::vector<uint32_t> unicodes;
+  for (const auto& [glyph, text] : font.unicode) {
+    const std::u32string characters = DecodeUtf8(text);
+    if (characters.size() == 1) unicodes.push_back(characters[0]);
+  }
+  std::sort(unicodes.begin(), unicodes.end());
+  unicodes.erase(std::unique(unicodes.begin(), unicodes.end()), unicodes.end());
+  const std::shared_ptr<const std::string> subset = Subset(face, glyphs, unicodes);
 
   const uint32_t cid_font = file_.Reserve();
   const uint32_t descriptor = file_.Reserve();

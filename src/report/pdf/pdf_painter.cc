@@ -47,8 +47,8 @@ JpegInfo ReadJpegInfo(std::string_view jpeg) {
     const size_t length = static_cast<size_t>(at(i + 2)) << 8 | at(i + 3);
     if (length < 2 || i + 2 + length > jpeg.size()) return info;
     if (marker == 0xEE && length >= 7 && jpeg.substr(i + 4, 5) == "Adobe") info.adobe = true;
-    const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 &&
-                       marker != 0xCC;
+    const bool frame =
+        marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
     if (frame) {
       if (length >= 8) info.components = at(i + 9);
       return info;
@@ -65,9 +65,8 @@ uint32_t PdfResources::Image(const std::shared_ptr<const ImageData>& image) {
   if (const auto found = images_.find(image.get()); found != images_.end()) return found->second;
   const ImageData& data = *image;
   uint32_t id = 0;
-  const std::string size =
-      "/Type/XObject/Subtype/Image/Width " + std::to_string(data.width) + "/Height " +
-      std::to_string(data.height) + "/BitsPerComponent 8";
+  const std::string size = "/Type/XObject/Subtype/Image/Width " + std::to_string(data.width) +
+                           "/Height " + std::to_string(data.height) + "/BitsPerComponent 8";
   const JpegInfo jpeg = ReadJpegInfo(data.jpeg);
   const bool valid = data.width > 0 && data.height > 0 && data.stride >= data.width * 4 &&
                      data.pixels.size() >= static_cast<size_t>(data.stride) * data.height;
@@ -85,8 +84,8 @@ uint32_t PdfResources::Image(const std::shared_ptr<const ImageData>& image) {
     std::string alpha(data.has_alpha ? count : 0, '\0');
     size_t k = 0;
     for (int row = 0; row < data.height; ++row) {
-      const auto* pixel =
-          reinterpret_cast<const uint32_t*>(data.pixels.data() + static_cast<size_t>(row) * data.stride);
+      const auto* pixel = reinterpret_cast<const uint32_t*>(data.pixels.data() +
+                                                            static_cast<size_t>(row) * data.stride);
       for (int column = 0; column < data.width; ++column, ++k) {
         const uint32_t p = pixel[column];
         const uint32_t a = data.has_alpha ? p >> 24 : 255;
@@ -393,8 +392,7 @@ void PdfPainter::ShowRun(const text::GlyphRun& run, float x, float y, const Colo
     if (backward) next -= count;
     const size_t first = next;
     if (!backward) next += count;
-    if (count == 1 &&
-        fonts.Map(font.index, static_cast<uint32_t>(run.glyphs[first].index), text)) {
+    if (count == 1 && fonts.Map(font.index, static_cast<uint32_t>(run.glyphs[first].index), text)) {
       show(run.glyphs[first]);
       continue;
     }

@@ -55,8 +55,8 @@ class PdfPainter final : public render::Painter {
   void Fill(const RectF& box, float radius, const Color& color) override;
   void ShowRun(const text::GlyphRun& run, float x, float y, const Color& color,
                const RectF& bounds) override;
-  void ShowTurnedText(const text::LaidOutText& laid_out, const TextStyle& style,
-                      const RectF& box, int rotation, bool clip, float y) override;
+  void ShowTurnedText(const text::LaidOutText& laid_out, const TextStyle& style, const RectF& box,
+                      int rotation, bool clip, float y) override;
   void BeginGroup(const RectF& clip) override;
   void EndGroup() override;
   void DrawImage(const ImageItem& item, const std::shared_ptr<const ImageData>& image) override;

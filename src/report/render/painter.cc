@@ -25,7 +25,7 @@ void Painter::StrokeSegment(PointF from, PointF to, const Stroke& stroke, cairo_
   if (!Visible(stroke)) return;
   const auto add = [&](PointF a, PointF b) {
     StrokeShape({{a.x, a.y, b.x - a.x, b.y - a.y}, 0, true}, stroke, cap,
-                   SegmentBounds(a, b, stroke.width));
+                SegmentBounds(a, b, stroke.width));
   };
   if (stroke.style != LineStyle::kDouble) {
     add(from, to);
@@ -48,10 +48,10 @@ void Painter::StrokeBox(const RectF& box, float radius, const Stroke& stroke) {
   }
   const RectF outer = Inflated(box, w);
   StrokeShape({outer, radius > 0 ? radius + w : 0, false}, stroke, CAIRO_LINE_CAP_BUTT,
-                 Inflated(outer, w));
+              Inflated(outer, w));
   if (box.width > 2 * w && box.height > 2 * w) {
-    StrokeShape({Inflated(box, -w), std::max(0.0f, radius - w), false}, stroke,
-                   CAIRO_LINE_CAP_BUTT, box);
+    StrokeShape({Inflated(box, -w), std::max(0.0f, radius - w), false}, stroke, CAIRO_LINE_CAP_BUTT,
+                box);
   }
 }
 

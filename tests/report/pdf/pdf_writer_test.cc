@@ -8,8 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -20,6 +22,7 @@
 
 #include "report/barcode/barcode.h"
 #include "report/image/image_loader.h"
+#include "report/pdf/resource_filter.h"
 #include "report/text/layout.h"
 #include "report/text/text_layout.h"
 #include "vantorel/error.h"
@@ -276,6 +279,98 @@ TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
       << text.text;
 }
 
+// The colour of the pixel at ("x", "y") points of page 1 of "pdf", rendered at 72 dpi.
+std::array<int, 3> PixelAt(const fs::path& pdf, int x, int y) {
+  const Output ppm = RunTool("pdftoppm -r 72 -f 1 -l 1 -x " + std::to_string(x) + " -y " +
+                             std::to_string(y) + " -W 1 -H 1 '" + pdf.string() + "'");
+  // A binary PPM: "P6\n1 1\n255\n" then three bytes.
+  if (ppm.status != 0 || ppm.text.size() < 3) return {-1, -1, -1};
+  const std::string& t = ppm.text;
+  return {static_cast<uint8_t>(t[t.size() - 3]), static_cast<uint8_t>(t[t.size() - 2]),
+          static_cast<uint8_t>(t[t.size() - 1])};
+}
+
+TEST_F(PdfWriterTest, TranslucentFillsBlendWithWhatIsUnder) {
+  ASSERT_TRUE(HaveTool("pdftoppm"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  Document document;
+  Page page{{200, 100}, {}};
+  page.items.push_back(RectItem{{10, 10, 80, 80}, Color{255, 0, 0, 128}, Stroke{0}});
+  page.items.push_back(RectItem{{110, 10, 80, 80}, Color{0, 0, 255, 255}, Stroke{0}});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "translucent.pdf";
+  WritePdf(document, path.string());
+  const std::array<int, 3> half = PixelAt(path, 50, 50);
+  EXPECT_EQ(half[0], 255);
+  EXPECT_NEAR(half[1], 127, 3);
+  EXPECT_NEAR(half[2], 127, 3);
+  // The opacity is the fill's own: the next fill is opaque again.
+  EXPECT_EQ(PixelAt(path, 150, 50), (std::array<int, 3>{0, 0, 255}));
+}
+
+TEST_F(PdfWriterTest, PictureWithTransparencyKeepsIt) {
+  ASSERT_TRUE(HaveTool("pdfimages"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  // 4 × 4 pixels: the left half opaque green, the right half fully transparent.
+  auto image = std::make_shared<ImageData>();
+  image->source = "stamp.png";
+  image->width = image->height = 4;
+  image->stride = 16;
+  image->has_alpha = true;
+  image->pixels.assign(64, 0);
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 2; ++x) {
+      const uint32_t green = 0xFF00C000;  // premultiplied ARGB32, native endian
+      std::memcpy(&image->pixels[y * 16 + x * 4], &green, 4);
+    }
+  }
+  Document document;
+  const uint32_t index = document.AddImage(image);
+  Page page{{200, 100}, {}};
+  page.items.push_back(RectItem{{0, 0, 200, 100}, Color{0, 0, 255, 255}, Stroke{0}});
+  page.items.push_back(ImageItem{{20, 10, 80, 80}, index, ImageFit::kStretch});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "stamp.pdf";
+  WritePdf(document, path.string());
+  const Output images = RunTool("pdfimages -list '" + path.string() + "'");
+  EXPECT_NE(images.text.find("smask"), std::string::npos) << images.text;
+  EXPECT_EQ(PixelAt(path, 40, 50), (std::array<int, 3>{0, 192, 0}));
+  EXPECT_EQ(PixelAt(path, 80, 50), (std::array<int, 3>{0, 0, 255}));
+}
+
+TEST_F(PdfWriterTest, TurnedTextIsTextAndStaysInItsBox) {
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  Document document;
+  TextStyle style;
+  style.size = 10;
+  style.rotation = 90;
+  style.wrap = false;
+  const uint32_t index = document.InternStyle(style);
+  Page page{{200, 300}, {}};
+  page.items.push_back(TextItem{{50, 20, 20, 260}, index, "DUPLICATE FOR TRANSPORTER"});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "turned.pdf";
+  WritePdf(document, path.string());
+  const Output text = RunTool("pdftotext -bbox '" + path.string() + "' -");
+  EXPECT_NE(text.text.find(">TRANSPORTER<"), std::string::npos) << text.text;
+  const std::regex word(
+      R"re(xMin="([0-9.]+)" yMin="([0-9.]+)" xMax="([0-9.]+)" yMax="([0-9.]+)")re");
+  size_t words = 0;
+  for (auto it = std::sregex_iterator(text.text.begin(), text.text.end(), word);
+       it != std::sregex_iterator(); ++it, ++words) {
+    // Read bottom to top: each word is taller than wide, inside the box.
+    const double x0 = std::stod((*it)[1]), y0 = std::stod((*it)[2]);
+    const double x1 = std::stod((*it)[3]), y1 = std::stod((*it)[4]);
+    EXPECT_GT(y1 - y0, x1 - x0);
+    EXPECT_GE(x0, 50 - 0.5);
+    EXPECT_LE(x1, 70 + 0.5);
+    EXPECT_GE(y0, 20 - 0.5);
+    EXPECT_LE(y1, 280 + 0.5);
+  }
+  EXPECT_EQ(words, 3u) << text.text;
+}
+
 TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
   ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
   const Document document = Invoice();
@@ -320,6 +415,33 @@ TEST_F(PdfWriterTest, ImageShownTwiceOnAPageIsListedOnce) {
     if (fields >> page) ++per_page[page];
   }
   EXPECT_EQ(per_page, (std::map<int, int>{{1, 3}, {2, 3}, {3, 3}})) << images.text;
+}
+
+TEST(ResourceFilterTest, BlanksRepeatsWhateverTheChunking) {
+  const std::string input =
+      "1 0 obj\n<< /XObject << /x6 6 0 R /x7 7 0 R /x6 6 0 R\n /x6 6 0 R >> /Font << /f-0-0 7 0 "
+      "R /f-0-0 7 0 R >> >>\nendobj\nstream\n/XObject << /a 1 0 R >>\n";
+  const std::string expected =
+      "1 0 obj\n<< /XObject << /x6 6 0 R /x7 7 0 R          \n           >> /Font << /f-0-0 7 0 "
+      "R /f-0-0 7 0 R >> >>\nendobj\nstream\n/XObject << /a 1 0 R >>\n";
+  for (size_t chunk : {size_t{1}, size_t{2}, size_t{5}, size_t{11}, input.size()}) {
+    std::string output;
+    ResourceFilter filter(
+        +[](void* closure, const unsigned char* data, unsigned int length) {
+          static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+          return CAIRO_STATUS_SUCCESS;
+        },
+        &output);
+    for (size_t at = 0; at < input.size(); at += chunk) {
+      const std::string part = input.substr(at, chunk);
+      ASSERT_EQ(ResourceFilter::Write(&filter, reinterpret_cast<const unsigned char*>(part.data()),
+                                      static_cast<unsigned int>(part.size())),
+                CAIRO_STATUS_SUCCESS);
+    }
+    ASSERT_EQ(filter.Flush(), CAIRO_STATUS_SUCCESS);
+    EXPECT_EQ(output.size(), input.size()) << "chunks of " << chunk;
+    EXPECT_EQ(output, expected) << "chunks of " << chunk;
+  }
 }
 
 TEST_F(PdfWriterTest, MetadataIsWritten) {
