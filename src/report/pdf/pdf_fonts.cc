@@ -18,6 +18,12 @@
 
 namespace vantorel::report::pdf {
 
+// A subset font file, deflated as a PDF embeds it.
+struct FontSubset {
+  std::string deflated;
+  size_t length = 0;  // before deflating
+};
+
 // A font file's face as PDFs embed it: read once per process, kept while any document or the
 // face cache holds it. HarfBuzz faces and fonts are immutable once made, so threads share them.
 struct FontFace {
@@ -33,7 +39,7 @@ struct FontFace {
   // The last subsets made of this face, by glyph set: a host printing the same document again
   // embeds the same glyphs again.
   mutable std::mutex mutex;
-  mutable std::list<std::pair<std::vector<uint32_t>, std::shared_ptr<const std::string>>> subsets;
+  mutable std::list<std::pair<std::vector<uint32_t>, std::shared_ptr<const FontSubset>>> subsets;
 
   FontFace() = default;
   FontFace(const FontFace&) = delete;
@@ -114,8 +120,8 @@ std::shared_ptr<const FontFace> LoadFace(FT_Face ft) {
 // map for the characters "unicodes" (those glyphs that show one character each) — programs that
 // turn a PDF into PostScript and back, such as a print queue's filters, recover the text from
 // it. Null when HarfBuzz cannot subset the face.
-std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vector<uint32_t>& glyphs,
-                                          const std::vector<uint32_t>& unicodes) {
+std::shared_ptr<const FontSubset> Subset(const FontFace& face, const std::vector<uint32_t>& glyphs,
+                                         const std::vector<uint32_t>& unicodes) {
   std::vector<uint32_t> key = glyphs;
   key.push_back(0xFFFFFFFF);
   key.insert(key.end(), unicodes.begin(), unicodes.end());
@@ -149,10 +155,12 @@ std::shared_ptr<const std::string> Subset(const FontFace& face, const std::vecto
   hb_blob_t* blob = hb_face_reference_blob(subset);
   unsigned length = 0;
   const char* data = hb_blob_get_data(blob, &length);
-  auto bytes = std::make_shared<const std::string>(data, length);
+  auto bytes = std::make_shared<FontSubset>();
+  bytes->length = length;
+  if (length > 0) bytes->deflated = Deflate({data, length});
   hb_blob_destroy(blob);
   hb_face_destroy(subset);
-  if (bytes->empty()) return nullptr;
+  if (length == 0) return nullptr;
   std::lock_guard lock(face.mutex);
   face.subsets.emplace_front(std::move(key), bytes);
   if (face.subsets.size() > kKeptSubsets) face.subsets.pop_back();
@@ -278,7 +286,7 @@ void PdfFonts::WriteFont(const Embedded& font) {
   }
   std::sort(unicodes.begin(), unicodes.end());
   unicodes.erase(std::unique(unicodes.begin(), unicodes.end()), unicodes.end());
-  const std::shared_ptr<const std::string> subset = Subset(face, glyphs, unicodes);
+  const std::shared_ptr<const FontSubset> subset = Subset(face, glyphs, unicodes);
 
   const uint32_t cid_font = file_.Reserve();
   const uint32_t descriptor = file_.Reserve();
@@ -313,7 +321,10 @@ void PdfFonts::WriteFont(const Embedded& font) {
   dict += ">>";
   file_.WriteObject(descriptor, dict);
 
-  if (file != 0) file_.WriteStream(file, "/Length1 " + std::to_string(subset->size()), *subset);
+  if (file != 0) {
+    file_.WriteStream(file, "/Length1 " + std::to_string(subset->length) + "/Filter/FlateDecode",
+                      subset->deflated, false);
+  }
   file_.WriteStream(to_unicode, "", ToUnicodeMap(font.unicode));
 }
 
