@@ -188,21 +188,21 @@ void AppendGlyphHex(std::string& out, uint32_t glyph) {
   out += '>';
 }
 
-std::string ToUnicodeMap(const std::map<uint32_t, std::string>& unicode) {
+std::string ToUnicodeMap(const std::vector<bool>& mapped, const std::vector<std::string>& unicode) {
   std::string cmap =
       "/CIDInit/ProcSet findresource begin\n12 dict begin\nbegincmap\n"
       "/CIDSystemInfo<</Registry(Adobe)/Ordering(UCS)/Supplement 0>>def\n"
       "/CMapName/Adobe-Identity-UCS def\n/CMapType 2 def\n"
       "1 begincodespacerange\n<0000><FFFF>\nendcodespacerange\n";
-  auto it = unicode.begin();
-  while (it != unicode.end()) {
+  uint32_t glyph = 0;
+  while (glyph < mapped.size()) {
     size_t count = 0;
     std::string block;
-    for (; it != unicode.end() && count < 100; ++it) {
-      if (it->second.empty()) continue;
-      AppendGlyphHex(block, it->first);
+    for (; glyph < mapped.size() && count < 100; ++glyph) {
+      if (!mapped[glyph] || unicode[glyph].empty()) continue;
+      AppendGlyphHex(block, glyph);
       block += '<';
-      AppendUtf16Hex(block, it->second);
+      AppendUtf16Hex(block, unicode[glyph]);
       block += ">\n";
       ++count;
     }
@@ -248,23 +248,39 @@ bool PdfFonts::Use(cairo_scaled_font_t* font, FontUse& use) {
 
 double PdfFonts::Width(uint32_t index, uint32_t glyph) {
   Embedded& font = fonts_[index];
-  const auto [at, added] = font.widths.try_emplace(glyph, 0.0);
-  if (added) {
-    at->second = hb_font_get_glyph_h_advance(font.face->font, glyph) * 1000.0 / font.face->upem;
+  if (glyph >= font.widths.size()) font.widths.resize(glyph + 1, -1);
+  float& width = font.widths[glyph];
+  if (width < 0) {
+    width = static_cast<float>(hb_font_get_glyph_h_advance(font.face->font, glyph) * 1000.0 /
+                               font.face->upem);
   }
-  return at->second;
+  return width;
 }
 
 void PdfFonts::Show(uint32_t index, uint32_t glyph) {
-  std::vector<bool>& shown = fonts_[index].shown;
-  if (glyph >= shown.size()) shown.resize(std::max<size_t>(glyph + 1, shown.size() * 2), false);
-  shown[glyph] = true;
+  if (glyph > 0xFFFF) return;  // not a TrueType glyph id
+  Embedded& font = fonts_[index];
+  if (glyph >= font.shown.size()) {
+    // Glyph ids are 16 bits; the tables grow to the largest shown.
+    const size_t size =
+        std::min<size_t>(0x10000, std::max<size_t>(glyph + 1, font.shown.size() * 2));
+    font.shown.resize(size, false);
+    font.mapped.resize(size, false);
+    font.unicode.resize(size);
+  }
+  font.shown[glyph] = true;
 }
 
 bool PdfFonts::Map(uint32_t index, uint32_t glyph, std::string_view text) {
+  if (glyph > 0xFFFF) return false;
   Show(index, glyph);
-  const auto [at, added] = fonts_[index].unicode.try_emplace(glyph, text);
-  return added || at->second == text;
+  Embedded& font = fonts_[index];
+  if (!font.mapped[glyph]) {
+    font.mapped[glyph] = true;
+    font.unicode[glyph] = text;
+    return true;
+  }
+  return font.unicode[glyph] == text;
 }
 
 void PdfFonts::WriteAll() {
@@ -280,8 +296,9 @@ void PdfFonts::WriteFont(const Embedded& font) {
   }
   const std::string name = SubsetTag(glyphs, face.name) + "+" + face.name;
   std::vector<uint32_t> unicodes;
-  for (const auto& [glyph, text] : font.unicode) {
-    const std::u32string characters = DecodeUtf8(text);
+  for (size_t glyph = 0; glyph < font.mapped.size(); ++glyph) {
+    if (!font.mapped[glyph]) continue;
+    const std::u32string characters = DecodeUtf8(font.unicode[glyph]);
     if (characters.size() == 1) unicodes.push_back(characters[0]);
   }
   std::sort(unicodes.begin(), unicodes.end());
@@ -325,7 +342,7 @@ void PdfFonts::WriteFont(const Embedded& font) {
     file_.WriteStream(file, "/Length1 " + std::to_string(subset->length) + "/Filter/FlateDecode",
                       subset->deflated, false);
   }
-  file_.WriteStream(to_unicode, "", ToUnicodeMap(font.unicode));
+  file_.WriteStream(to_unicode, "", ToUnicodeMap(font.mapped, font.unicode));
 }
 
 }  // namespace vantorel::report::pdf

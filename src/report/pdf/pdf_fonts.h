@@ -12,7 +12,6 @@
 #include <cairo.h>
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,9 +61,10 @@ class PdfFonts {
   struct Embedded {
     std::shared_ptr<const FontFace> face;
     uint32_t object = 0;
-    std::map<uint32_t, std::string> unicode;  // glyph → the UTF-8 it extracts as
-    std::vector<bool> shown;                  // by glyph id
-    std::unordered_map<uint32_t, double> widths;
+    // By glyph id: shown at all, the UTF-8 it extracts as (when "mapped"), its advance.
+    std::vector<bool> shown, mapped;
+    std::vector<std::string> unicode;
+    std::vector<float> widths;  // negative: not looked up yet
   };
 
   struct ScaledUse {

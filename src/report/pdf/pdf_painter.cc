@@ -340,7 +340,9 @@ void PdfPainter::Glyph(const FontUse& font, uint32_t glyph, double x, double y) 
     out_ += '<';
     in_hex_ = true;
   }
-  for (int bits = 12; bits >= 0; bits -= 4) out_ += kHex[(glyph >> bits) & 0xF];
+  const char hex[4] = {kHex[glyph >> 12 & 0xF], kHex[glyph >> 8 & 0xF], kHex[glyph >> 4 & 0xF],
+                       kHex[glyph & 0xF]};
+  out_.append(hex, 4);
   pen_ += resources_.fonts().Width(font.index, glyph);
 }
 
