@@ -371,6 +371,31 @@ TEST_F(PdfWriterTest, TurnedTextIsTextAndStaysInItsBox) {
   EXPECT_EQ(words, 3u) << text.text;
 }
 
+// JPEG bytes that are not a JPEG a PDF reader could decode (cut short, lengths past the end, no
+// frame) are not embedded as one: the picture's pixels are, and the file stays valid.
+TEST_F(PdfWriterTest, BrokenJpegBytesFallBackToThePixels) {
+  ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
+  const std::string broken[] = {std::string("\xFF\xD8", 2),
+                                std::string("\xFF\xD8\xFF\xE0\xFF\xFF", 6),
+                                std::string("\xFF\xD8\xFF\xDA\x00\x02", 6), "not a jpeg at all",
+                                std::string("\xFF\xD8\xFF\xC0\x00\x03\x08", 7)};
+  for (const std::string& bytes : broken) {
+    auto image = std::make_shared<ImageData>();
+    image->width = image->height = 2;
+    image->stride = 8;
+    image->pixels.assign(16, 0xFF);
+    image->jpeg = bytes;
+    Document document;
+    const uint32_t index = document.AddImage(image);
+    document.pages.push_back(Page{{100, 100}, {ImageItem{{10, 10, 50, 50}, index}}});
+    const fs::path path = dir_ / "broken.pdf";
+    WritePdf(document, path.string());
+    const Output check = RunTool("qpdf --check '" + path.string() + "'");
+    EXPECT_EQ(check.status, 0) << check.text;
+    EXPECT_EQ(ReadFile(path).find("DCTDecode"), std::string::npos);
+  }
+}
+
 TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
   ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
   const Document document = Invoice();
