@@ -10,6 +10,7 @@ packages=(
   # libraries
   libpugixml-dev libpango1.0-dev libcairo2-dev libgdk-pixbuf-2.0-dev libzint-dev libcups2-dev
   libgtk-3-dev libsqlite3-dev unixodbc-dev libcli11-dev nlohmann-json3-dev libjpeg62-turbo-dev
+  libharfbuzz-dev zlib1g-dev
   # ODBC drivers
   odbc-postgresql odbc-mariadb tdsodbc
   # fonts

@@ -1,16 +1,17 @@
 #include "report/pdf/pdf_writer.h"
 
-#include <cairo-pdf.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <ctime>
+#include <utility>
 
 #include "host/atomic_file.h"
 #include "host/native_path.h"
-#include "report/pdf/resource_filter.h"
+#include "report/pdf/pdf_file.h"
+#include "report/pdf/pdf_painter.h"
 #include "report/render/draw_page.h"
-#include "report/text/handles.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
@@ -19,76 +20,67 @@ namespace {
 constexpr char kSource[] = "Vantorel.Pdf";
 constexpr SizeF kA4 = {595.28f, 841.89f};
 
-cairo_status_t AppendToString(void* closure, const unsigned char* data, unsigned int length) {
-  static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-  return CAIRO_STATUS_SUCCESS;
-}
-
-// The write callbacks keep a failure to themselves and always tell Cairo all went well: Cairo
-// leaks memory when a write fails (seen under LeakSanitizer), and the failure is raised from the
-// sink once the document is drawn. Writes after the first failure are skipped.
-cairo_status_t WriteToFile(void* closure, const unsigned char* data, unsigned int length) {
-  static_cast<AtomicFile*>(closure)->Write(data, length);
-  return CAIRO_STATUS_SUCCESS;
-}
-
-struct StreamSink {
-  int fd;
-  int error = 0;  // the first write error, if any
-};
-
-cairo_status_t WriteToStream(void* closure, const unsigned char* data, unsigned int length) {
-  auto* sink = static_cast<StreamSink*>(closure);
-  while (length > 0 && sink->error == 0) {
-    const ssize_t written = write(sink->fd, data, length);
-    if (written < 0) {
-      if (errno != EINTR) sink->error = errno;
-      continue;
-    }
-    data += written;
-    length -= static_cast<unsigned int>(written);
-  }
-  return CAIRO_STATUS_SUCCESS;
-}
-
 SizeF PageSize(const Page& page) {
   return page.size.width > 0 && page.size.height > 0 ? page.size : kA4;
 }
 
-// Draws every page through "write"; returns Cairo's final status.
-cairo_status_t Render(const Document& document, cairo_write_func_t write, void* closure) {
-  const SizeF first = document.pages.empty() ? kA4 : PageSize(document.pages.front());
-  ResourceFilter filter(write, closure);
-  SurfacePtr surface(cairo_pdf_surface_create_for_stream(&ResourceFilter::Write, &filter,
-                                                         first.width, first.height));
+std::string CreationDate() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char date[32];
+  std::strftime(date, sizeof date, "D:%Y%m%d%H%M%SZ", &utc);
+  return date;
+}
+
+// Writes every page of "document" to "sink": each page's content as it is drawn, the pictures
+// as they are first shown, the fonts subset to what the pages showed at the end.
+void Render(const Document& document, const pdf::PdfFile::Sink& sink) {
+  pdf::PdfFile file(sink);
+  const uint32_t catalog = file.Reserve();
+  const uint32_t pages = file.Reserve();
+  const uint32_t info = file.Reserve();
+  pdf::PdfResources resources(file);
+  std::string kids;
+  size_t count = 0;
+  const auto write_page = [&](const Page* page) {
+    const SizeF size = page != nullptr ? PageSize(*page) : kA4;
+    pdf::PdfPainter painter(resources, size.height);
+    // A PDF needs a page; an empty document prints as one blank A4 sheet.
+    if (page != nullptr) DrawPage(painter, document, *page);
+    const uint32_t content = file.Reserve();
+    const uint32_t id = file.Reserve();
+    file.WriteStream(content, "", painter.content());
+    std::string dict = "<</Type/Page/Parent " + std::to_string(pages) + " 0 R/MediaBox[0 0 ";
+    pdf::AppendNumber(dict, size.width);
+    dict += ' ';
+    pdf::AppendNumber(dict, size.height);
+    dict +=
+        "]/Resources<<" + painter.Resources() + ">>/Contents " + std::to_string(content) + " 0 R>>";
+    file.WriteObject(id, dict);
+    kids += std::to_string(id) + " 0 R ";
+    ++count;
+  };
+  if (document.pages.empty()) write_page(nullptr);
+  for (const Page& page : document.pages) write_page(&page);
+  resources.WriteAll();
+  file.WriteObject(pages, "<</Type/Pages/Kids[" + kids + "]/Count " + std::to_string(count) + ">>");
+  file.WriteObject(catalog, "<</Type/Catalog/Pages " + std::to_string(pages) + " 0 R>>");
+
   const Metadata& meta = document.metadata;
-  const std::pair<cairo_pdf_metadata_t, const std::string*> fields[] = {
-      {CAIRO_PDF_METADATA_TITLE, &meta.title},
-      {CAIRO_PDF_METADATA_AUTHOR, &meta.author},
-      {CAIRO_PDF_METADATA_SUBJECT, &meta.subject},
-      {CAIRO_PDF_METADATA_CREATOR, &meta.creator}};
-  for (const auto& [field, value] : fields) {
-    if (!value->empty()) cairo_pdf_surface_set_metadata(surface.get(), field, value->c_str());
+  std::string dict = "<</Producer(Vantorel)";
+  const std::pair<const char*, const std::string*> fields[] = {{"/Title", &meta.title},
+                                                               {"/Author", &meta.author},
+                                                               {"/Subject", &meta.subject},
+                                                               {"/Creator", &meta.creator}};
+  for (const auto& [key, value] : fields) {
+    if (value->empty()) continue;
+    dict += key;
+    pdf::AppendTextString(dict, *value);
   }
-  {
-    CairoPtr cr(cairo_create(surface.get()));
-    if (document.pages.empty()) {
-      // A PDF needs a page; an empty document prints as one blank A4 sheet.
-      cairo_show_page(cr.get());
-    }
-    for (const Page& page : document.pages) {
-      const SizeF size = PageSize(page);
-      cairo_pdf_surface_set_size(surface.get(), size.width, size.height);
-      DrawPage(cr.get(), document, page);
-      cairo_show_page(cr.get());
-    }
-    const cairo_status_t status = cairo_status(cr.get());
-    if (status != CAIRO_STATUS_SUCCESS) return status;
-  }
-  cairo_surface_finish(surface.get());
-  const cairo_status_t status = cairo_surface_status(surface.get());
-  if (status != CAIRO_STATUS_SUCCESS) return status;
-  return filter.Flush();
+  dict += "/CreationDate(" + CreationDate() + ")>>";
+  file.WriteObject(info, dict);
+  file.Finish(catalog, info);
 }
 
 [[noreturn]] void CannotWrite(const std::string& path, const std::string& reason, int error = 0) {
@@ -99,29 +91,31 @@ cairo_status_t Render(const Document& document, cairo_write_func_t write, void* 
 
 std::string PdfBytes(const Document& document) {
   std::string bytes;
-  const cairo_status_t status = Render(document, AppendToString, &bytes);
-  if (status != CAIRO_STATUS_SUCCESS) {
-    throw Error(errnum::kEngineFailure, kSource,
-                std::string("Cannot make the PDF: ") + cairo_status_to_string(status));
-  }
+  Render(document, [&](const char* data, size_t size) { bytes.append(data, size); });
   return bytes;
 }
 
 void WritePdf(const Document& document, const std::string& path) {
   AtomicFile file(NativePath(path), path, {.source = kSource});
-  const cairo_status_t status = Render(document, WriteToFile, &file);
-  // A write error is raised by Commit; Cairo's own errors are named here.
-  if (file.ok() && status != CAIRO_STATUS_SUCCESS) {
-    CannotWrite(path, cairo_status_to_string(status));
-  }
+  // A write error is kept by the file and raised by Commit; later writes are skipped.
+  Render(document, [&](const char* data, size_t size) { file.Write(data, size); });
   file.Commit();
 }
 
 void StreamPdf(const Document& document, int fd, const std::string& name) {
-  StreamSink sink{fd};
-  const cairo_status_t status = Render(document, WriteToStream, &sink);
-  if (sink.error != 0) CannotWrite(name, std::strerror(sink.error), sink.error);
-  if (status != CAIRO_STATUS_SUCCESS) CannotWrite(name, cairo_status_to_string(status));
+  int error = 0;  // the first write error, if any
+  Render(document, [&](const char* data, size_t size) {
+    while (size > 0 && error == 0) {
+      const ssize_t written = write(fd, data, size);
+      if (written < 0) {
+        if (errno != EINTR) error = errno;
+        continue;
+      }
+      data += written;
+      size -= static_cast<size_t>(written);
+    }
+  });
+  if (error != 0) CannotWrite(name, std::strerror(error), error);
 }
 
 }  // namespace vantorel::report

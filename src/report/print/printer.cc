@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-#include "report/pdf/pdf_writer.h"
+#include "report/pdf/queue_pdf.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report {
@@ -317,7 +317,7 @@ void PrintDocument(const Document& document, const PrintOptions& options) {
   std::string title = options.title;
   if (title.empty()) title = document.metadata.title;
   if (title.empty()) title = "Vantorel report";
-  const std::string pdf = PdfBytes(document);
+  const std::string pdf = QueuePdfBytes(document);
 
   Job job(http.get(), queue);
   job.Create(title, options.copies);

@@ -8,36 +8,6 @@
 #include "report/render/draw_parts.h"
 
 namespace vantorel::report::render {
-namespace {
-
-// The modules of a 2D symbol (QR, Data Matrix, PDF417) lie in runs of a few heights. Each run is
-// stroked along its middle with butt caps, one stroke per height: the very same rectangles with
-// half the coordinates of filled ones, which for a dense QR code halves its share of a PDF's
-// size and of the time to write it.
-void StrokeRuns(cairo_t* cr, const BarcodeSymbol& symbol, double x, double y, double sx,
-                double sy) {
-  std::vector<float> heights;
-  for (const RectF& bar : symbol.bars) {
-    if (std::find(heights.begin(), heights.end(), bar.height) == heights.end()) {
-      heights.push_back(bar.height);
-    }
-  }
-  cairo_set_line_cap(cr, CAIRO_LINE_CAP_BUTT);
-  cairo_set_dash(cr, nullptr, 0, 0);
-  for (const float height : heights) {
-    cairo_set_line_width(cr, height * sy);
-    for (const RectF& bar : symbol.bars) {
-      if (bar.height != height || bar.width <= 0) continue;
-      const double middle = y + (bar.y + height / 2) * sy;
-      cairo_move_to(cr, x + bar.x * sx, middle);
-      cairo_line_to(cr, x + bar.right() * sx, middle);
-    }
-    cairo_stroke(cr);
-  }
-}
-
-}  // namespace
-
 void DrawBarcode(Painter& painter, const BarcodeItem& item, const BarcodeSymbol& symbol) {
   const RectF& box = item.box;
   painter.Fill(box, 0, item.background);
@@ -52,18 +22,7 @@ void DrawBarcode(Painter& painter, const BarcodeItem& item, const BarcodeSymbol&
     y += (box.height - symbol.height * sy) / 2;
   }
   if (item.color.visible() && !symbol.bars.empty()) {
-    // Hundreds of modules: painted straight away rather than batched.
-    painter.Flush();
-    cairo_t* cr = painter.cr();
-    SetColor(cr, item.color);
-    if (symbol.text.empty()) {
-      StrokeRuns(cr, symbol, x, y, sx, sy);
-    } else {
-      for (const RectF& bar : symbol.bars) {
-        cairo_rectangle(cr, x + bar.x * sx, y + bar.y * sy, bar.width * sx, bar.height * sy);
-      }
-      cairo_fill(cr);
-    }
+    painter.DrawBars(symbol, x, y, sx, sy, item.color);
   }
   if (symbol.text.empty() || symbol.text_height <= 0) return;
   const RectF band{

@@ -1,4 +1,4 @@
-// Pictures: the image's Cairo surface (cached per thread) placed in its box by the item's fit.
+// Pictures: the image's Cairo surface, made once per image and cached per thread.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -77,53 +77,6 @@ class SurfaceCache {
 cairo_surface_t* ImageSurface(const std::shared_ptr<const ImageData>& image) {
   thread_local SurfaceCache cache;
   return cache.Get(image);
-}
-
-void DrawImage(cairo_t* cr, const ImageItem& item, const std::shared_ptr<const ImageData>& image) {
-  const RectF& box = item.box;
-  if (box.width <= 0 || box.height <= 0) return;
-  cairo_surface_t* surface = ImageSurface(image);
-  if (surface == nullptr) return;
-  const double iw = image->width, ih = image->height;
-  double sx = box.width / iw, sy = box.height / ih;
-  bool clip = false;
-  switch (item.fit) {
-    case ImageFit::kContain:
-      sx = sy = std::min(sx, sy);
-      break;
-    case ImageFit::kStretch:
-      break;
-    case ImageFit::kCover:
-      sx = sy = std::max(sx, sy);
-      clip = true;
-      break;
-    case ImageFit::kCenter:
-      // Natural size: the pixels at the image's own resolution.
-      sx = image->dpi_x > 0 ? 72.0 / image->dpi_x : 0.75;
-      sy = image->dpi_y > 0 ? 72.0 / image->dpi_y : 0.75;
-      clip = true;
-      break;
-  }
-  const double width = iw * sx, height = ih * sy;
-  const double x = box.x + (box.width - width) / 2;
-  const double y = box.y + (box.height - height) / 2;
-  cairo_save(cr);
-  if (clip) {
-    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-    cairo_clip(cr);
-  }
-  cairo_translate(cr, x, y);
-  cairo_scale(cr, sx, sy);
-  cairo_set_source_surface(cr, surface, 0, 0);
-  // On pixel surfaces edge pixels repeat outwards, so a scaled picture keeps crisp edges instead
-  // of fading into the transparent outside. Vector surfaces place the image as it is: a padded
-  // pattern would make Cairo re-encode the picture for every PDF instead of embedding its JPEG.
-  if (cairo_surface_get_type(cairo_get_target(cr)) == CAIRO_SURFACE_TYPE_IMAGE) {
-    cairo_pattern_set_extend(cairo_get_source(cr), CAIRO_EXTEND_PAD);
-  }
-  cairo_rectangle(cr, 0, 0, iw, ih);
-  cairo_fill(cr);
-  cairo_restore(cr);
 }
 
 }  // namespace vantorel::report::render

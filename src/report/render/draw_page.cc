@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "report/render/cairo_painter.h"
 #include "report/render/draw_parts.h"
 
 namespace vantorel::report {
@@ -18,17 +19,10 @@ void DrawRect(Painter& painter, const RectItem& rect) {
 void DrawItems(Painter& painter, const Document& document, const std::vector<Item>& items);
 
 void DrawGroup(Painter& painter, const Document& document, const GroupItem& group) {
-  painter.Flush();
-  cairo_t* cr = painter.cr();
-  cairo_save(cr);
   // An empty clip rectangle means the group only groups.
-  if (group.clip.width > 0 && group.clip.height > 0) {
-    cairo_rectangle(cr, group.clip.x, group.clip.y, group.clip.width, group.clip.height);
-    cairo_clip(cr);
-  }
+  painter.BeginGroup(group.clip);
   DrawItems(painter, document, group.items);
-  painter.Flush();
-  cairo_restore(cr);
+  painter.EndGroup();
 }
 
 void DrawItems(Painter& painter, const Document& document, const std::vector<Item>& items) {
@@ -44,8 +38,7 @@ void DrawItems(Painter& painter, const Document& document, const std::vector<Ite
       DrawRect(painter, *rect);
     } else if (const auto* image = std::get_if<ImageItem>(&item)) {
       if (image->image < document.images.size() && document.images[image->image]) {
-        painter.Flush();
-        DrawImage(painter.cr(), *image, document.images[image->image]);
+        painter.DrawImage(*image, document.images[image->image]);
       }
     } else if (const auto* barcode = std::get_if<BarcodeItem>(&item)) {
       if (barcode->symbol < document.barcodes.size() && document.barcodes[barcode->symbol]) {
@@ -59,34 +52,33 @@ void DrawItems(Painter& painter, const Document& document, const std::vector<Ite
 
 }  // namespace
 
-void ApplyStroke(cairo_t* cr, const Stroke& stroke) {
-  const double w = stroke.width;
-  SetColor(cr, stroke.color);
-  cairo_set_line_width(cr, w);
-  cairo_set_line_join(cr, CAIRO_LINE_JOIN_MITER);
+int DashPattern(const Stroke& stroke, double dashes[4]) {
   // Dash lengths follow the width so a thick dashed rule still reads as dashed.
-  const double unit = std::max(w, 0.5);
+  const double unit = std::max(static_cast<double>(stroke.width), 0.5);
   switch (stroke.style) {
-    case LineStyle::kDash: {
-      const double dashes[] = {3 * unit, 2 * unit};
-      cairo_set_dash(cr, dashes, 2, 0);
-      break;
-    }
-    case LineStyle::kDot: {
-      const double dashes[] = {unit, unit};
-      cairo_set_dash(cr, dashes, 2, 0);
-      break;
-    }
-    case LineStyle::kDashDot: {
-      const double dashes[] = {3 * unit, 2 * unit, unit, 2 * unit};
-      cairo_set_dash(cr, dashes, 4, 0);
-      break;
-    }
+    case LineStyle::kDash:
+      dashes[0] = 3 * unit, dashes[1] = 2 * unit;
+      return 2;
+    case LineStyle::kDot:
+      dashes[0] = unit, dashes[1] = unit;
+      return 2;
+    case LineStyle::kDashDot:
+      dashes[0] = 3 * unit, dashes[1] = 2 * unit, dashes[2] = unit, dashes[3] = 2 * unit;
+      return 4;
     case LineStyle::kSolid:
     case LineStyle::kDouble:
-      cairo_set_dash(cr, nullptr, 0, 0);
       break;
   }
+  return 0;
+}
+
+void ApplyStroke(cairo_t* cr, const Stroke& stroke) {
+  SetColor(cr, stroke.color);
+  cairo_set_line_width(cr, stroke.width);
+  cairo_set_line_join(cr, CAIRO_LINE_JOIN_MITER);
+  double dashes[4];
+  const int count = DashPattern(stroke, dashes);
+  cairo_set_dash(cr, count > 0 ? dashes : nullptr, count, 0);
 }
 
 void RoundedRectangle(cairo_t* cr, double x, double y, double width, double height, double radius) {
@@ -129,17 +121,22 @@ void StrokeBorders(Painter& painter, const RectF& box, uint8_t sides, const Stro
 
 }  // namespace render
 
+void DrawPage(render::Painter& painter, const Document& document, const Page& page) {
+  render::DrawItems(painter, document, page.items);
+  painter.Flush();
+}
+
 void DrawPage(cairo_t* cr, const Document& document, const Page& page) {
   cairo_save(cr);
   {
-    render::Painter painter(cr);
+    render::CairoPainter painter(cr);
     render::DrawItems(painter, document, page.items);
   }
   cairo_restore(cr);
 }
 
 void DrawTextBox(cairo_t* cr, const TextStyle& style, const RectF& box, std::string_view text) {
-  render::Painter painter(cr);
+  render::CairoPainter painter(cr);
   render::DrawTextBox(painter, style, box, text);
 }
 

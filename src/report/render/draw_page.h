@@ -15,6 +15,13 @@
 
 namespace vantorel::report {
 
+namespace render {
+class Painter;
+}
+
+// Paints page "page" of "document" on "painter", and flushes it.
+void DrawPage(render::Painter& painter, const Document& document, const Page& page);
+
 // Paints page "page" of "document" (items in order; later items over earlier ones). Drawing
 // errors are sticky on the context, as is Cairo's way; callers check cairo_status once.
 void DrawPage(cairo_t* cr, const Document& document, const Page& page);

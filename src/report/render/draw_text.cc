@@ -15,8 +15,6 @@ using text::LaidOutText;
 
 // Allowance for float rounding when deciding whether text overflows its box.
 constexpr float kSlack = 0.01f;
-// Glyphs this many font sizes outside a clip are safe from Cairo dropping them (it drops at ten).
-constexpr float kGlyphDropDistance = 8;
 
 // Where the glyphs of "laid_out" may put ink, relative to its origin: the line boxes, widened
 // by a tenth of the font size for overhangs.
@@ -30,32 +28,23 @@ RectF InkBounds(const LaidOutText& laid_out, float size) {
   return {left - margin, -margin, right - left + 2 * margin, laid_out.size.height + 2 * margin};
 }
 
-// The decoration lines of "laid_out" as rectangles in its frame, with the colour of each.
-template <typename Visit>
-void ForEachDecoration(const LaidOutText& laid_out, const TextStyle& style, Visit&& visit) {
-  const auto add = [&](float x0, float x1, float baseline, const text::DecorationLine& line,
-                       const Color& color) {
-    if (x1 > x0 && line.thickness > 0 && color.visible()) {
-      visit(RectF{x0, baseline + line.offset, x1 - x0, line.thickness}, color);
-    }
-  };
-  for (const text::GlyphRun& run : laid_out.runs) {
-    const Color& color = run.has_color ? run.color : style.color;
-    if (run.underline) add(run.x0, run.x1, run.baseline, laid_out.underline, color);
-    if (run.strikeout) add(run.x0, run.x1, run.baseline, laid_out.strikeout, color);
-  }
-  if (style.underline || style.strikeout) {
-    for (const text::TextLine& line : laid_out.lines) {
-      const float x1 = line.left + line.width;
-      if (style.underline) add(line.left, x1, line.baseline, laid_out.underline, style.color);
-      if (style.strikeout) add(line.left, x1, line.baseline, laid_out.strikeout, style.color);
-    }
-  }
+int Rotation(const TextStyle& style) { return ((style.rotation % 360) + 360) % 360; }
+
+// The line width a text box lays its text out in: the box less its padding; rotated text runs
+// along the box's height, so its lines are as long as the box is tall.
+float FrameWidth(const TextStyle& style, const RectF& box) {
+  const Padding& pad = style.padding;
+  const int rotation = Rotation(style);
+  return rotation == 90 || rotation == 270 ? std::max(0.0f, box.height - pad.top - pad.bottom)
+                                           : std::max(0.0f, box.width - pad.left - pad.right);
 }
 
-// Upright, unclipped text: its runs and decorations go into the painter's batches.
-void PaintText(render::Painter& painter, const LaidOutText& laid_out, const TextStyle& style,
-               float x, float y) {
+}  // namespace
+
+namespace render {
+
+void PaintText(Painter& painter, const LaidOutText& laid_out, const TextStyle& style, float x,
+               float y) {
   RectF bounds = InkBounds(laid_out, style.size);
   bounds.x += x;
   bounds.y += y;
@@ -69,52 +58,7 @@ void PaintText(render::Painter& painter, const LaidOutText& laid_out, const Text
   });
 }
 
-// Draws the runs directly on the context, in whatever transformation it has.
-void PaintRuns(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style) {
-  for (const text::GlyphRun& run : laid_out.runs) {
-    const Color& color = run.has_color ? run.color : style.color;
-    if (run.glyphs.empty() || !color.visible()) continue;
-    render::SetColor(cr, color);
-    cairo_set_scaled_font(cr, run.font.get());
-    cairo_show_text_glyphs(cr, run.utf8.data(), static_cast<int>(run.utf8.size()),
-                           run.glyphs.data(), static_cast<int>(run.glyphs.size()),
-                           run.clusters.data(), static_cast<int>(run.clusters.size()),
-                           run.cluster_flags);
-  }
-  ForEachDecoration(laid_out, style, [&](const RectF& r, const Color& color) {
-    render::SetColor(cr, color);
-    cairo_rectangle(cr, r.x, r.y, r.width, r.height);
-    cairo_fill(cr);
-  });
-}
-
-int Rotation(const TextStyle& style) { return ((style.rotation % 360) + 360) % 360; }
-
-// The line width a text box lays its text out in: the box less its padding; rotated text runs
-// along the box's height, so its lines are as long as the box is tall.
-float FrameWidth(const TextStyle& style, const RectF& box) {
-  const Padding& pad = style.padding;
-  const int rotation = Rotation(style);
-  return rotation == 90 || rotation == 270 ? std::max(0.0f, box.height - pad.top - pad.bottom)
-                                           : std::max(0.0f, box.width - pad.left - pad.right);
-}
-
-bool IsVector(cairo_surface_t* surface) {
-  switch (cairo_surface_get_type(surface)) {
-    case CAIRO_SURFACE_TYPE_PDF:
-    case CAIRO_SURFACE_TYPE_PS:
-    case CAIRO_SURFACE_TYPE_SVG:
-    case CAIRO_SURFACE_TYPE_RECORDING:
-      return true;
-    default:
-      return false;
-  }
-}
-
-// True when "laid_out", placed at ("x", "y") within "box" (page coordinates, unrotated), puts
-// any line box outside "box" inflated by "margin". The padding is inside the box, so text may
-// use it before it counts as overflowing.
-bool Outside(const LaidOutText& laid_out, const RectF& box, float x, float y, float margin) {
+bool TextOutside(const LaidOutText& laid_out, const RectF& box, float x, float y, float margin) {
   if (y < box.y - margin - kSlack || y + laid_out.size.height > box.bottom() + margin + kSlack) {
     return true;
   }
@@ -123,57 +67,6 @@ bool Outside(const LaidOutText& laid_out, const RectF& box, float x, float y, fl
            x + l.left + l.width > box.right() + margin + kSlack;
   });
 }
-
-void PaintTransformed(cairo_t* cr, const LaidOutText& laid_out, const TextStyle& style,
-                      const RectF& box, int rotation, bool clip, float y) {
-  const Padding& pad = style.padding;
-  const float inner_x = box.x + pad.left;
-  const float inner_y = box.y + pad.top;
-  const float inner_width = std::max(0.0f, box.width - pad.left - pad.right);
-  const float inner_height = std::max(0.0f, box.height - pad.top - pad.bottom);
-  cairo_save(cr);
-  // Cairo drops glyphs lying more than ten font sizes outside the clip, which would take clipped
-  // text out of a PDF's text layer too. On vector surfaces such text is drawn unclipped into a
-  // group (a form in the PDF) painted through the clip, so every glyph stays in the file: hidden
-  // data must not rely on clipping. A group costs as much as dozens of texts, hence only then.
-  const bool grouped = clip && IsVector(cairo_get_target(cr)) &&
-                       (rotation != 0 || Outside(laid_out, box, inner_x, inner_y + y,
-                                                 kGlyphDropDistance * style.size));
-  if (grouped) {
-    cairo_push_group(cr);
-  } else if (clip) {
-    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-    cairo_clip(cr);
-  }
-  cairo_save(cr);
-  constexpr double kQuarterTurn = std::numbers::pi / 2;
-  if (rotation == 90) {
-    cairo_translate(cr, inner_x, inner_y + inner_height);
-    cairo_rotate(cr, -kQuarterTurn);
-  } else if (rotation == 270) {
-    cairo_translate(cr, inner_x + inner_width, inner_y);
-    cairo_rotate(cr, kQuarterTurn);
-  } else if (rotation == 180) {
-    cairo_translate(cr, inner_x + inner_width, inner_y + inner_height);
-    cairo_rotate(cr, 2 * kQuarterTurn);
-  } else {
-    cairo_translate(cr, inner_x, inner_y);
-  }
-  cairo_translate(cr, 0, y);
-  PaintRuns(cr, laid_out, style);
-  cairo_restore(cr);
-  if (grouped) {
-    cairo_pop_group_to_source(cr);
-    cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-    cairo_clip(cr);
-    cairo_paint(cr);
-  }
-  cairo_restore(cr);
-}
-
-}  // namespace
-
-namespace render {
 
 void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box,
                  std::string_view text) {
@@ -202,13 +95,12 @@ void DrawTextBox(Painter& painter, const TextStyle& style, const RectF& box,
     // padded frame).
     const bool clip =
         style.clip &&
-        (rotation != 0 ? Outside(*laid_out, {0, 0, frame_width, frame_height}, 0, y, 0)
-                       : Outside(*laid_out, box, inner_x, inner_y + y, 0));
+        (rotation != 0 ? TextOutside(*laid_out, {0, 0, frame_width, frame_height}, 0, y, 0)
+                       : TextOutside(*laid_out, box, inner_x, inner_y + y, 0));
     if (rotation == 0 && !clip) {
       PaintText(painter, *laid_out, style, inner_x, inner_y + y);
     } else {
-      painter.Flush();
-      PaintTransformed(painter.cr(), *laid_out, style, box, rotation, clip, y);
+      painter.ShowTurnedText(*laid_out, style, box, rotation, clip, y);
     }
   }
   StrokeBorders(painter, box, style.borders, style.border);

@@ -1,42 +1,30 @@
-// The painter DrawPage draws through: it gathers opaque fills, strokes and glyph runs into
-// batches — all fills of one colour, all strokes of one style, all glyphs of one font and colour —
-// and paints each batch with one Cairo call. A report page is hundreds of small cells of the same
-// few styles, and Cairo's PDF output costs several microseconds per call whatever its size, so
-// this is most of the drawing time saved.
+// What the drawing of a page draws on: fills, strokes, glyph runs, turned or clipped text,
+// pictures, barcode bars and clipped groups. DrawPage walks a page's items onto a Painter; the
+// Cairo painter serves the PNG pages, the printer and the screen, the PDF painter writes a PDF's
+// page content directly.
 //
-// Order is kept where it shows: a shape joins an earlier batch only when it overlaps nothing
-// that batches opened after that one hold; otherwise it opens a new batch, painted later. Shapes
-// that blend (translucent colours) are never batched, and anything else (images, clipped or
-// rotated text) flushes the batches and paints directly. Glyphs are taken to lie within their
-// line boxes widened by a tenth of the font size.
-//
-// Thread-safety: one painter per context and thread.
+// Thread-safety: one painter per page being drawn and thread.
 #ifndef VANTOREL_REPORT_RENDER_PAINTER_H_
 #define VANTOREL_REPORT_RENDER_PAINTER_H_
 
 #include <cairo.h>
 
-#include <string>
-#include <vector>
+#include <memory>
 
 #include "report/document/document.h"
-#include "report/text/handles.h"
 #include "report/text/layout.h"
 
 namespace vantorel::report::render {
 
 class Painter {
  public:
-  explicit Painter(cairo_t* cr) : cr_(cr) {}
+  Painter() = default;
   Painter(const Painter&) = delete;
   Painter& operator=(const Painter&) = delete;
-  ~Painter() { Flush(); }
-
-  // The context, for drawing directly; call Flush first.
-  cairo_t* cr() const { return cr_; }
+  virtual ~Painter() = default;
 
   // Fills "box" (with rounded corners when "radius" > 0).
-  void Fill(const RectF& box, float radius, const Color& color);
+  virtual void Fill(const RectF& box, float radius, const Color& color) = 0;
 
   // Strokes the segment "from"–"to"; a double stroke adds its two lines.
   void StrokeSegment(PointF from, PointF to, const Stroke& stroke,
@@ -47,47 +35,48 @@ class Painter {
   void StrokeBox(const RectF& box, float radius, const Stroke& stroke);
 
   // Shows "run" with its frame origin at ("x", "y") on the page. "bounds" holds its ink.
-  void ShowRun(const text::GlyphRun& run, float x, float y, const Color& color,
-               const RectF& bounds);
+  virtual void ShowRun(const text::GlyphRun& run, float x, float y, const Color& color,
+                       const RectF& bounds) = 0;
 
-  // Paints every pending batch, in order.
-  void Flush();
+  // Shows "laid_out" in "box" turned by "rotation" degrees (0, 90, 180 or 270) and, when "clip",
+  // clipped to the box; "y" is its offset down the padded frame. Every glyph stays in a
+  // vector output's text layer, clipped or not.
+  virtual void ShowTurnedText(const text::LaidOutText& laid_out, const TextStyle& style,
+                              const RectF& box, int rotation, bool clip, float y) = 0;
 
- private:
-  enum class Kind : uint8_t { kFill, kStroke, kText };
+  // Items drawn between these two are clipped to "clip" (an empty one does not clip).
+  virtual void BeginGroup(const RectF& clip) = 0;
+  virtual void EndGroup() = 0;
 
+  virtual void DrawImage(const ImageItem& item, const std::shared_ptr<const ImageData>& image) = 0;
+
+  // The bars of "symbol", scaled by ("sx", "sy") and placed at ("x", "y").
+  virtual void DrawBars(const BarcodeSymbol& symbol, double x, double y, double sx, double sy,
+                        const Color& color) = 0;
+
+  // Paints whatever the painter holds back.
+  virtual void Flush() {}
+
+ protected:
   struct Shape {
     RectF box;  // a rectangle, or a segment from (x, y) to (x + width, y + height)
     float radius;
     bool segment;
   };
 
-  struct Batch {
-    Kind kind;
-    Color color;
-    Stroke stroke;
-    cairo_line_cap_t cap = CAIRO_LINE_CAP_BUTT;
-    ScaledFont font;
-    std::vector<Shape> shapes;
-    std::vector<cairo_glyph_t> glyphs;
-    std::string utf8;
-    std::vector<cairo_text_cluster_t> clusters;
-    std::vector<RectF> bounds;  // of each shape or run, for the overlap rule
-    RectF extent;               // the union of "bounds"
-  };
-
-  // The batch "bounds" may join: the latest one matching the key when nothing opened after it
-  // overlaps "bounds", else a new one at the end.
-  Batch& BatchFor(Kind kind, const Color& color, const Stroke* stroke, cairo_line_cap_t cap,
-                  cairo_scaled_font_t* font, const RectF& bounds);
-  void Paint(const Batch& batch);
-  void AddStrokeShape(const Shape& shape, const Stroke& stroke, cairo_line_cap_t cap,
-                      const RectF& bounds);
-
-  cairo_t* cr_;
-  std::vector<Batch> batches_;
-  size_t pending_ = 0;
+  // Strokes one outline or segment; "bounds" holds its ink.
+  virtual void StrokeShape(const Shape& shape, const Stroke& stroke, cairo_line_cap_t cap,
+                           const RectF& bounds) = 0;
 };
+
+// Where a picture goes in its item's box: the scale of its pixels, its top left, and whether it
+// must be clipped to the box.
+struct ImagePlacement {
+  double sx = 1, sy = 1;
+  double x = 0, y = 0;
+  bool clip = false;
+};
+ImagePlacement PlaceImage(const ImageItem& item, const ImageData& image);
 
 }  // namespace vantorel::report::render
 

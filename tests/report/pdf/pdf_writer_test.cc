@@ -8,11 +8,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -20,6 +23,7 @@
 #include "report/barcode/barcode.h"
 #include "report/image/image_loader.h"
 #include "report/pdf/resource_filter.h"
+#include "report/text/layout.h"
 #include "report/text/text_layout.h"
 #include "vantorel/error.h"
 
@@ -188,6 +192,49 @@ TEST_F(PdfWriterTest, TextExtractsExactly) {
   EXPECT_NE(text.text.find(kDealer), std::string::npos) << text.text;
 }
 
+// Every word starts where the layout put its first glyph, to a hundredth of a point, however
+// long the line: the PDF's own advances and the layout's do not drift apart.
+TEST_F(PdfWriterTest, GlyphsLandWhereTheLayoutPutThem) {
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  const std::string line =
+      "GSTIN: 27AAKFS4821M1ZQ PAN: AAKFS4821M State: Maharashtra (27) Regd. Office: Survey No. "
+      "58/2, Shivneri Plaza, Pune-Solapur Road, Hadapsar, Near Gadital Bus Stop";
+  Document document;
+  TextStyle style;
+  style.size = 7.5;
+  style.wrap = false;
+  style.padding = {0, 0, 0, 0};
+  const uint32_t plain = document.InternStyle(style);
+  document.pages.push_back(Page{{842, 200}, {TextItem{{20, 50, 800, 20}, plain, line}}});
+  const fs::path path = dir_ / "line.pdf";
+  WritePdf(document, path.string());
+
+  // Where each word's first glyph is in the layout: glyphs follow the text's bytes one to one
+  // for this plain Latin line.
+  const auto laid_out = text::LayOut(line, style, 800);
+  ASSERT_EQ(laid_out->runs.size(), 1u);
+  const text::GlyphRun& run = laid_out->runs[0];
+  ASSERT_EQ(run.glyphs.size(), line.size());
+  std::vector<double> starts;
+  for (size_t i = 0; i < line.size(); ++i) {
+    if (line[i] != ' ' && (i == 0 || line[i - 1] == ' ')) starts.push_back(20 + run.glyphs[i].x);
+  }
+
+  const Output boxes = RunTool("pdftotext -bbox '" + path.string() + "' -");
+  ASSERT_EQ(boxes.status, 0) << boxes.text;
+  const std::regex word(R"re(<word xMin="([0-9.]+)")re");
+  std::vector<double> found;
+  for (auto it = std::sregex_iterator(boxes.text.begin(), boxes.text.end(), word);
+       it != std::sregex_iterator(); ++it) {
+    found.push_back(std::stod((*it)[1]));
+  }
+  ASSERT_EQ(found.size(), starts.size()) << boxes.text;
+  for (size_t i = 0; i < starts.size(); ++i) {
+    EXPECT_NEAR(found[i], starts[i], 0.01) << "word " << i;
+  }
+}
+
 TEST_F(PdfWriterTest, TextKeptWholeAtALineBreakExtractsAsWritten) {
   ASSERT_TRUE(HaveTool("pdftotext"))
       << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
@@ -230,6 +277,123 @@ TEST_F(PdfWriterTest, ClippedTextStaysInTheTextLayer) {
   EXPECT_NE(text.text.find("CHASSIS NO MBLHA10AMEHK12345 ENGINE NO HA10EFHK67890"),
             std::string::npos)
       << text.text;
+}
+
+// The colour of the pixel at ("x", "y") points of page 1 of "pdf", rendered at 72 dpi.
+std::array<int, 3> PixelAt(const fs::path& pdf, int x, int y) {
+  const Output ppm = RunTool("pdftoppm -r 72 -f 1 -l 1 -x " + std::to_string(x) + " -y " +
+                             std::to_string(y) + " -W 1 -H 1 '" + pdf.string() + "'");
+  // A binary PPM: "P6\n1 1\n255\n" then three bytes.
+  if (ppm.status != 0 || ppm.text.size() < 3) return {-1, -1, -1};
+  const std::string& t = ppm.text;
+  return {static_cast<uint8_t>(t[t.size() - 3]), static_cast<uint8_t>(t[t.size() - 2]),
+          static_cast<uint8_t>(t[t.size() - 1])};
+}
+
+TEST_F(PdfWriterTest, TranslucentFillsBlendWithWhatIsUnder) {
+  ASSERT_TRUE(HaveTool("pdftoppm"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  Document document;
+  Page page{{200, 100}, {}};
+  page.items.push_back(RectItem{{10, 10, 80, 80}, Color{255, 0, 0, 128}, Stroke{0}});
+  page.items.push_back(RectItem{{110, 10, 80, 80}, Color{0, 0, 255, 255}, Stroke{0}});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "translucent.pdf";
+  WritePdf(document, path.string());
+  const std::array<int, 3> half = PixelAt(path, 50, 50);
+  EXPECT_EQ(half[0], 255);
+  EXPECT_NEAR(half[1], 127, 3);
+  EXPECT_NEAR(half[2], 127, 3);
+  // The opacity is the fill's own: the next fill is opaque again.
+  EXPECT_EQ(PixelAt(path, 150, 50), (std::array<int, 3>{0, 0, 255}));
+}
+
+TEST_F(PdfWriterTest, PictureWithTransparencyKeepsIt) {
+  ASSERT_TRUE(HaveTool("pdfimages"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  // 4 × 4 pixels: the left half opaque green, the right half fully transparent.
+  auto image = std::make_shared<ImageData>();
+  image->source = "stamp.png";
+  image->width = image->height = 4;
+  image->stride = 16;
+  image->has_alpha = true;
+  image->pixels.assign(64, 0);
+  for (int y = 0; y < 4; ++y) {
+    for (int x = 0; x < 2; ++x) {
+      const uint32_t green = 0xFF00C000;  // premultiplied ARGB32, native endian
+      std::memcpy(&image->pixels[y * 16 + x * 4], &green, 4);
+    }
+  }
+  Document document;
+  const uint32_t index = document.AddImage(image);
+  Page page{{200, 100}, {}};
+  page.items.push_back(RectItem{{0, 0, 200, 100}, Color{0, 0, 255, 255}, Stroke{0}});
+  page.items.push_back(ImageItem{{20, 10, 80, 80}, index, ImageFit::kStretch});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "stamp.pdf";
+  WritePdf(document, path.string());
+  const Output images = RunTool("pdfimages -list '" + path.string() + "'");
+  EXPECT_NE(images.text.find("smask"), std::string::npos) << images.text;
+  EXPECT_EQ(PixelAt(path, 40, 50), (std::array<int, 3>{0, 192, 0}));
+  EXPECT_EQ(PixelAt(path, 80, 50), (std::array<int, 3>{0, 0, 255}));
+}
+
+TEST_F(PdfWriterTest, TurnedTextIsTextAndStaysInItsBox) {
+  ASSERT_TRUE(HaveTool("pdftotext"))
+      << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
+  Document document;
+  TextStyle style;
+  style.size = 10;
+  style.rotation = 90;
+  style.wrap = false;
+  const uint32_t index = document.InternStyle(style);
+  Page page{{200, 300}, {}};
+  page.items.push_back(TextItem{{50, 20, 20, 260}, index, "DUPLICATE FOR TRANSPORTER"});
+  document.pages.push_back(page);
+  const fs::path path = dir_ / "turned.pdf";
+  WritePdf(document, path.string());
+  const Output text = RunTool("pdftotext -bbox '" + path.string() + "' -");
+  EXPECT_NE(text.text.find(">TRANSPORTER<"), std::string::npos) << text.text;
+  const std::regex word(
+      R"re(xMin="([0-9.]+)" yMin="([0-9.]+)" xMax="([0-9.]+)" yMax="([0-9.]+)")re");
+  size_t words = 0;
+  for (auto it = std::sregex_iterator(text.text.begin(), text.text.end(), word);
+       it != std::sregex_iterator(); ++it, ++words) {
+    // Read bottom to top: each word is taller than wide, inside the box.
+    const double x0 = std::stod((*it)[1]), y0 = std::stod((*it)[2]);
+    const double x1 = std::stod((*it)[3]), y1 = std::stod((*it)[4]);
+    EXPECT_GT(y1 - y0, x1 - x0);
+    EXPECT_GE(x0, 50 - 0.5);
+    EXPECT_LE(x1, 70 + 0.5);
+    EXPECT_GE(y0, 20 - 0.5);
+    EXPECT_LE(y1, 280 + 0.5);
+  }
+  EXPECT_EQ(words, 3u) << text.text;
+}
+
+// JPEG bytes that are not a JPEG a PDF reader could decode (cut short, lengths past the end, no
+// frame) are not embedded as one: the picture's pixels are, and the file stays valid.
+TEST_F(PdfWriterTest, BrokenJpegBytesFallBackToThePixels) {
+  ASSERT_TRUE(HaveTool("qpdf")) << "qpdf is not installed (scripts/install-deps.sh installs it)";
+  const std::string broken[] = {std::string("\xFF\xD8", 2),
+                                std::string("\xFF\xD8\xFF\xE0\xFF\xFF", 6),
+                                std::string("\xFF\xD8\xFF\xDA\x00\x02", 6), "not a jpeg at all",
+                                std::string("\xFF\xD8\xFF\xC0\x00\x03\x08", 7)};
+  for (const std::string& bytes : broken) {
+    auto image = std::make_shared<ImageData>();
+    image->width = image->height = 2;
+    image->stride = 8;
+    image->pixels.assign(16, 0xFF);
+    image->jpeg = bytes;
+    Document document;
+    const uint32_t index = document.AddImage(image);
+    document.pages.push_back(Page{{100, 100}, {ImageItem{{10, 10, 50, 50}, index}}});
+    const fs::path path = dir_ / "broken.pdf";
+    WritePdf(document, path.string());
+    const Output check = RunTool("qpdf --check '" + path.string() + "'");
+    EXPECT_EQ(check.status, 0) << check.text;
+    EXPECT_EQ(ReadFile(path).find("DCTDecode"), std::string::npos);
+  }
 }
 
 TEST_F(PdfWriterTest, JpegIsEmbeddedOnceAndUnchanged) {
