@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "demo/accounts.h"
 #include "demo/identifiers.h"
 #include "demo/workshop.h"
 
@@ -24,7 +25,7 @@ Cell Paise(int64_t paise) { return Money{paise}; }
 Cell OptionalDay(const std::optional<Day>& day) { return day ? Cell(*day) : Cell(kNull); }
 
 // The books' own ledgers. The sales side's parties keep their ids (1–63); customers have
-// ledgers of their own numbered beyond the 16-bit range, 100000 + their customer id.
+// ledgers of their own numbered beyond the 16-bit range (CustomerLedger).
 namespace ac {
 constexpr int kVayuMotocorp = 1, kVayuElectric = 2, kGangaCycles = 3;
 constexpr int kSbi = 41, kHdfc = 42, kCash = 43, kSalesVehicles = 51;
@@ -41,7 +42,6 @@ constexpr int kPayouts = 473;
 constexpr int kIncentive = 481;
 constexpr int kLandlord = 491, kSakalMedia = 492, kOmSaiElectricals = 493;
 constexpr int kWorkshopCustomers = 494;
-constexpr int kCustomerBase = 100000;
 }  // namespace ac
 
 struct Group {
@@ -260,8 +260,6 @@ class Books {
   }
 
  private:
-  int CustomerLedger(int customer) const { return ac::kCustomerBase + customer; }
-
   void CollectAccounts() {
     // Every account the steps before this one wrote into the account master, whatever their
     // table, so that the workshop's parties post to their own ledgers.
@@ -1196,7 +1194,7 @@ class Books {
     }
     int customer = 0;
     for (const auto& [account, count] : entries) {
-      if (account > ac::kCustomerBase && (customer == 0 || count > entries[customer]))
+      if (account > kCustomerLedgerBase && (customer == 0 || count > entries[customer]))
         customer = account;
     }
     Add("ledger_refid", std::to_string(customer));

@@ -119,6 +119,59 @@ TEST_F(Books, EveryLedgerClosesAtItsOpeningPlusItsMovements) {
   }
 }
 
+// The list of debtors as the party trial prints it (trialparty.fr3, trialpartydcr.fr3): every
+// debtor with a balance on a date.
+std::string Debtors(const std::string& upto) {
+  return "select * from (select a.am_id, a.am_name, a.am_town, a.am_gst, a.am_opbal + "
+         "coalesce((select sum(d.vd_dr - d.vd_cr) from vchdet d join vchmst m on m.vm_id = "
+         "d.vm_id where d.am_id = a.am_id and m.vm_date <= '" +
+         upto +
+         "'), 0) as bal from fa_acmaster a join fa_group g on g.grp_code = a.am_group where "
+         "g.grp_name = 'SUNDRY DEBTORS') t where bal <> 0";
+}
+
+// A party has one ledger, whatever documents post to it: a fleet buyer's vehicle invoices,
+// receipts, exchanges and job bills all reach the same account, so the debtors list shows each
+// party once.
+TEST_F(Books, EveryPartyHasOneLedger) {
+  for (const char* key : {"am_gst", "am_name || ', ' || coalesce(am_town, '')"}) {
+    EXPECT_EQ(Count(std::string("select count(*) from (select ") + key +
+                    " from fa_acmaster a join fa_group g on g.grp_code = a.am_group where "
+                    "g.grp_name = 'SUNDRY DEBTORS' and am_gst is not null group by " +
+                    key + " having count(*) > 1) t"),
+              0)
+        << key;
+  }
+  for (const std::string& upto : std::vector<std::string>{"2024-09-30", Id("trial_date"),
+                                                          "2025-12-31"}) {
+    EXPECT_GT(Count("select count(*) from (" + Debtors(upto) + ") t"), 5) << upto;
+    EXPECT_EQ(Count("select count(*) from (select am_name, am_town from (" + Debtors(upto) +
+                    ") t group by am_name, am_town having count(*) > 1) x"),
+                0)
+        << upto;
+  }
+  // Each posting path names the customer's own ledger: the workshop's bills on account and the
+  // books' vehicle invoices alike.
+  for (const char* bills : {"ws_jobinv", "ws_counterinv"}) {
+    EXPECT_EQ(Count(std::string("select count(*) from ") + bills +
+                    " where cust_id is not null and am_id is not null and am_id <> 100000 + "
+                    "cust_id and am_id in (select am_id from fa_acmaster where am_group = "
+                    "'CUSTOMER')"),
+              0)
+        << bills;
+  }
+  EXPECT_EQ(Count("select count(*) from invoice i join vchmst m on m.vm_type = 'SALES' and "
+                  "m.vm_ref = i.num join vchdet d on d.vm_id = m.vm_id and d.vd_line = 1 "
+                  "where i.itype = 'R' and d.am_id <> 100000 + i.cust_id"),
+            0);
+  // A fleet buyer's job bills and its vehicle invoices are owed on one ledger.
+  EXPECT_GT(Count("select count(*) from (select d.am_id from vchdet d join vchmst m on m.vm_id = "
+                  "d.vm_id where d.am_id > 100000 and m.vm_ref like 'JCR/%' and exists (select 1 "
+                  "from invoice i join vchmst v on v.vm_ref = i.num join vchdet l on l.vm_id = "
+                  "v.vm_id where l.am_id = d.am_id) group by d.am_id) t"),
+            0);
+}
+
 TEST_F(Books, IdsFitTheInterface) {
   // Documents are 16-bit ids; the reference ledger's id is beyond them, within 32 bits.
   for (const char* sql : {"select max(vm_id) from vchmst", "select max(did) from gstvmst",

@@ -79,12 +79,24 @@ inline std::vector<std::string> SplitStatements(const std::string& script) {
   return statements;
 }
 
+// Every table demo/schema.sql creates, in the order it creates them: the sales side, the
+// workshop, the books of account, the returns.
 inline const std::vector<std::string>& Tables() {
   static const std::vector<std::string> tables = {
-      "firm",    "para_setup", "fa_acmaster", "branch",  "customer", "vehmodel", "pricelist",
-      "color",   "item",       "purchase",    "vehicle", "purveh",   "btmstveh", "btdetveh",
-      "vintrf",  "vintrfdet",  "challan",     "invoice", "purdata",  "enqdata",  "receipt",
-      "bulkrec", "bulkrecdet", "tempreg",     "hsrp",    "numbers"};
+      "firm",          "para_setup",     "fa_acmaster",     "branch",          "customer",
+      "vehmodel",      "pricelist",      "color",           "item",            "purchase",
+      "vehicle",       "purveh",         "btmstveh",        "btdetveh",        "vintrf",
+      "vintrfdet",     "challan",        "invoice",         "purdata",         "enqdata",
+      "receipt",       "bulkrec",        "bulkrecdet",      "tempreg",         "hsrp",
+      "numbers",       "ws_partmaster",  "ws_po",           "ws_podet",        "ws_purchase",
+      "ws_purchasedet", "ws_purret",     "ws_purretdet",    "ws_stktrf",       "ws_stktrfdet",
+      "ws_estimate",   "ws_estimatedet", "fin_years",       "ws_mechanic",     "ws_jobcard",
+      "ws_jobcomplaint", "ws_requisition", "ws_labour",     "ws_jobinv",       "ws_jobinvdet",
+      "ws_proforma",   "ws_proformadet", "ws_counterinv",   "ws_counterinvdet", "ws_claim",
+      "ws_claimdet",   "ws_followup",    "fa_group",        "vchmst",          "vchdet",
+      "gstvmst",       "gstvdet",        "gstdcnmst",       "gstdcndet",       "oldveh",
+      "vat_dealer",    "vat_sale",       "vat_purchase",    "vat_cform",       "vat_payment",
+      "gst_hsn",       "quotation",      "ws_toplist",      "ws_toplistdet"};
   return tables;
 }
 
