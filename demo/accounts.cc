@@ -37,17 +37,17 @@ Account MakeAccount(int id, std::string name, std::string group, std::string add
 
 const std::vector<std::string>& AccountColumns() {
   static const std::vector<std::string> columns = {
-      "am_id",       "am_name",  "am_group", "am_add1",      "am_add2", "am_add3",
-      "am_town",     "am_district", "am_state", "am_statecode", "am_pin",  "am_gst",
-      "am_pan",      "am_phone", "am_mobile", "am_email",     "am_contact", "am_opbal"};
+      "am_id",   "am_name",     "am_group",  "am_add1",      "am_add2",    "am_add3",
+      "am_town", "am_district", "am_state",  "am_statecode", "am_pin",     "am_gst",
+      "am_pan",  "am_phone",    "am_mobile", "am_email",     "am_contact", "am_opbal"};
   return columns;
 }
 
 std::vector<Cell> AccountRow(const Account& a) {
-  return {int64_t{a.id},  a.name,         a.group,           Text(a.add1),  Text(a.add2),
-          Text(a.add3),   Text(a.town),   Text(a.district),  Text(a.state), Text(a.state_code),
-          Text(a.pin),    Text(a.gstin),  Text(a.pan),       Text(a.phone), Text(a.mobile),
-          Text(a.email),  Text(a.contact), Money{a.opening}};
+  return {int64_t{a.id}, a.name,          a.group,          Text(a.add1),  Text(a.add2),
+          Text(a.add3),  Text(a.town),    Text(a.district), Text(a.state), Text(a.state_code),
+          Text(a.pin),   Text(a.gstin),   Text(a.pan),      Text(a.phone), Text(a.mobile),
+          Text(a.email), Text(a.contact), Money{a.opening}};
 }
 
 }  // namespace vantorel::demo

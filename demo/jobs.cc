@@ -647,8 +647,8 @@ void Floor::AddAccounts() {
                     std::string email, std::string contact) {
     return MakeAccount(id, std::move(name), "CUSTOMER", std::move(add1), std::move(add2),
                        std::move(add3), std::move(town), std::move(district), std::move(state),
-                       std::move(state_code), std::move(pin), std::move(pan), "",
-                       std::move(mobile), std::move(email), std::move(contact), 0);
+                       std::move(state_code), std::move(pin), std::move(pan), "", std::move(mobile),
+                       std::move(email), std::move(contact), 0);
   };
   accounts_.push_back(account(kRayaraLogistics, "Rayara Logistics Pvt Ltd", "No. 17, Auto Nagar",
                               "Khanapur Road", "Udyambag", "Belagavi", "Belagavi", "Karnataka",
@@ -662,8 +662,8 @@ void Floor::AddAccounts() {
   // invoices and its job bills are owed on the same account.
   for (const Customer& c : d_.customers) {
     if (!c.business || c.gstin.empty()) continue;
-    Account a = account(CustomerLedger(c.id), c.name, c.add1, c.add2, c.add3, c.city, c.district, c.state,
-                        c.state_code, c.pin, c.pan, c.mobile, c.email, "Accounts");
+    Account a = account(CustomerLedger(c.id), c.name, c.add1, c.add2, c.add3, c.city, c.district,
+                        c.state, c.state_code, c.pin, c.pan, c.mobile, c.email, "Accounts");
     a.gstin = c.gstin;
     accounts_.push_back(a);
   }

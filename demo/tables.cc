@@ -62,8 +62,7 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
                   s.description});
   }
 
-  Table& accounts = out.Create(
-      "fa_acmaster", AccountColumns());
+  Table& accounts = out.Create("fa_acmaster", AccountColumns());
   for (const Account& a : d.accounts) accounts.Add(AccountRow(a));
 
   Table& branches = out.Create(

@@ -142,12 +142,12 @@ TEST_F(Books, EveryPartyHasOneLedger) {
               0)
         << key;
   }
-  for (const std::string& upto : std::vector<std::string>{"2024-09-30", Id("trial_date"),
-                                                          "2025-12-31"}) {
+  for (const std::string& upto :
+       std::vector<std::string>{"2024-09-30", Id("trial_date"), "2025-12-31"}) {
     EXPECT_GT(Count("select count(*) from (" + Debtors(upto) + ") t"), 5) << upto;
     EXPECT_EQ(Count("select count(*) from (select am_name, am_town from (" + Debtors(upto) +
                     ") t group by am_name, am_town having count(*) > 1) x"),
-                0)
+              0)
         << upto;
   }
   // Each posting path names the customer's own ledger: the workshop's bills on account and the

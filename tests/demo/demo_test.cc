@@ -159,8 +159,7 @@ TEST_F(DemoDatabase, EveryTableAndViewHasRows) {
 // The list the other cases walk names every table the schema creates, so that no table is left
 // out of the row counts and the PostgreSQL comparison.
 TEST_F(DemoDatabase, TablesNamesEveryTableOfTheSchema) {
-  EXPECT_EQ(Column("select name from sqlite_master where type = 'table' order by rowid"),
-            Tables());
+  EXPECT_EQ(Column("select name from sqlite_master where type = 'table' order by rowid"), Tables());
 }
 
 TEST_F(DemoDatabase, TablesAndViewsHaveTheColumnsDocumentsRead) {
