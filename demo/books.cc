@@ -34,11 +34,11 @@ constexpr int kCapital = 401, kStock = 411, kExchangeStock = 412, kSubsidyReceiv
 constexpr int kFurniture = 421, kTools = 422, kComputers = 423;
 constexpr int kSalesAccessories = 431, kSalesWorkshop = 432, kSalesDiscount = 433;
 constexpr int kPurchaseVehicles = 441, kPurchaseSpares = 442;
-constexpr int kInputCgst = 451, kInputSgst = 452, kInputIgst = 453;
+constexpr int kInputCgst = 451, kInputSgst = 452, kInputIgst = 453, kReverseCharge = 454;
 constexpr int kSalaries = 461, kRent = 462, kElectricity = 463, kTelephone = 464;
 constexpr int kStationery = 465, kBankCharges = 466, kConveyance = 467, kRepairs = 468;
 constexpr int kAdvertisement = 469, kDepreciation = 470, kStaffWelfare = 471, kRoundOff = 472;
-constexpr int kPayouts = 473;
+constexpr int kPayouts = 473, kFreightInward = 474;
 constexpr int kIncentive = 481;
 constexpr int kLandlord = 491, kSakalMedia = 492, kOmSaiElectricals = 493;
 constexpr int kWorkshopCustomers = 494;
@@ -98,9 +98,11 @@ std::vector<Ledger> BooksLedgers() {
       {ac::kSalesDiscount, "Discount & Rate Difference on Sales", "SALES", 0},
       {ac::kPurchaseVehicles, "Purchase - Vehicles", "PURCHASE", 0},
       {ac::kPurchaseSpares, "Purchase - Spares & Accessories", "PURCHASE", 0},
+      {ac::kFreightInward, "Freight Inward", "PURCHASE", 0},
       {ac::kInputCgst, "Input CGST", "GST", 0},
       {ac::kInputSgst, "Input SGST", "GST", 0},
       {ac::kInputIgst, "Input IGST", "GST", 0},
+      {ac::kReverseCharge, "GST Payable on Reverse Charge", "GST", 0},
       {ac::kSalaries, "Salaries & Wages", "EXPENSE", 0},
       {ac::kRent, "Rent", "EXPENSE", 0},
       {ac::kElectricity, "Electricity Charges", "EXPENSE", 0},
@@ -252,6 +254,8 @@ class Books {
     PostSupplierPayments();
     PostJournals();
     PostCashBook();
+    PostFreight();
+    PostGstPayments();
     PostContra();
     TrimCashBook();
     Number();
@@ -964,6 +968,138 @@ class Books {
     for (Day day = kFirstDay; day <= kLastDay; day = day.Plus(1)) {
       if (day.weekday() == 0) continue;
       if (random_.Percent(35)) petty_entry(day);
+    }
+  }
+
+  // The transporters who bring vehicles by road from other states are paid by bank a few days
+  // after the delivery; as goods transport agencies they charge no GST, and the dealer owes
+  // IGST at 5% on the freight under the reverse charge, which it may also claim as input tax.
+  void PostFreight() {
+    for (const Purchase& p : d_.purchases) {
+      const bool cycles = p.supplier == ac::kGangaCycles;
+      if (p.supplier == ac::kVayuElectric || p.transporter.empty()) continue;
+      const Day day = p.received.Plus(random_.Between(2, 6));
+      if (day > kLastDay) continue;
+      const int64_t per_vehicle =
+          cycles ? Rs(random_.Between(22, 28) * 10) : Rs(random_.Between(85, 100) * 10);
+      const int64_t freight = per_vehicle * static_cast<int64_t>(p.vehicles.size());
+      const std::string what = "Freight of " + std::to_string(p.vehicles.size()) +
+                               (cycles ? " cycles" : " vehicles") + ", LR " + p.lr_no + " of " +
+                               p.transporter + ", bill " + p.bill_no;
+      Voucher& v = New("PAYMENT", day, 1, what);
+      v.user = kAccountant;
+      v.ref = p.lr_no;
+      v.mode = "NEFT";
+      v.cheque_no = "SBIN" + Padded(day.year() % 100, 2) + random_.Digits(9);
+      v.bank = "State Bank of India";
+      v.Dr(ac::kFreightInward, freight, p.transporter);
+      v.Cr(ac::kSbi, freight);
+      Voucher& r = New("JOURNAL", day, 1, "IGST at 5% under the reverse charge on " + what);
+      r.user = kAccountant;
+      r.ref = p.lr_no;
+      const int64_t tax = freight * 5 / 100;
+      r.Dr(ac::kInputIgst, tax, "Reverse charge, LR " + p.lr_no);
+      r.Cr(ac::kReverseCharge, tax, "Reverse charge, LR " + p.lr_no);
+    }
+  }
+
+  // The month's GST, as the dealer settles it with the monthly return by the 20th of the next
+  // month: the input tax credit is set off against the output tax in the order the law gives
+  // (IGST credit first, against IGST, then CGST, then SGST; CGST credit against CGST, then
+  // IGST; SGST credit against SGST, then IGST; never CGST against SGST), and what is left, with
+  // the tax owed under the reverse charge, which no credit may pay, is paid from the current
+  // account by a challan. Credit left over is carried to the next month; December 2025's tax,
+  // due in January, stays on the ledgers.
+  void PostGstPayments() {
+    constexpr int kC = 0, kS = 1, kI = 2;
+    static constexpr int kOutput[3] = {ac::kOutputCgst, ac::kOutputSgst, ac::kOutputIgst};
+    static constexpr int kInput[3] = {ac::kInputCgst, ac::kInputSgst, ac::kInputIgst};
+    // Per month (its first day): the output tax raised (credits less debits), the input tax
+    // claimed (debits less credits), CGST, SGST, IGST, and the reverse charge owed.
+    struct Taxes {
+      int64_t output[3] = {0, 0, 0};
+      int64_t input[3] = {0, 0, 0};
+      int64_t reverse_charge = 0;
+    };
+    std::map<Day, Taxes> months;
+    for (const Voucher& v : vouchers_) {
+      Taxes& t = months[Day::FromYmd(v.date.year(), v.date.month(), 1)];
+      for (const Entry& e : v.entries) {
+        for (int h = kC; h <= kI; ++h) {
+          if (e.account == kOutput[h]) t.output[h] += e.cr - e.dr;
+          if (e.account == kInput[h]) t.input[h] += e.dr - e.cr;
+        }
+        if (e.account == ac::kReverseCharge) t.reverse_charge += e.cr - e.dr;
+      }
+    }
+    // The electronic credit ledger, and output tax a month's credit notes turned negative.
+    int64_t credit[3] = {0, 0, 0};
+    int64_t carried[3] = {0, 0, 0};
+    int64_t reverse_charge = 0;
+    // What was booked before the books' first month (stock received in March) is settled with
+    // April's return.
+    for (const auto& [month, t] : months) {
+      if (month >= kFirstDay) break;
+      for (int h = kC; h <= kI; ++h) {
+        credit[h] += t.input[h];
+        carried[h] += t.output[h];
+      }
+      reverse_charge += t.reverse_charge;
+    }
+    for (Day month = kFirstDay; month <= kLastDay; month = month.PlusMonths(1)) {
+      Day due = month.PlusMonths(1).Plus(14 + random_.Between(0, 5));
+      if (due.weekday() == 0) due = due.Plus(-1);
+      if (due > kLastDay) break;
+      const Taxes& t = months[month];
+      int64_t owed[3];
+      for (int h = kC; h <= kI; ++h) {
+        credit[h] += t.input[h];
+        owed[h] = carried[h] + t.output[h];
+        carried[h] = std::min<int64_t>(owed[h], 0);
+        owed[h] = std::max<int64_t>(owed[h], 0);
+      }
+      int64_t used_from[3] = {0, 0, 0};
+      int64_t set_off[3] = {0, 0, 0};
+      auto use = [&](int from, int against) {
+        const int64_t used = std::min(credit[from], owed[against]);
+        credit[from] -= used;
+        owed[against] -= used;
+        used_from[from] += used;
+        set_off[against] += used;
+      };
+      use(kI, kI);
+      use(kI, kC);
+      use(kI, kS);
+      use(kC, kC);
+      use(kC, kI);
+      use(kS, kS);
+      use(kS, kI);
+      const std::string period = MonthName(month);
+      const std::string gstr =
+          "GSTR-3B " + Padded(month.month(), 2) + "/" + std::to_string(month.year());
+      if (set_off[kC] + set_off[kS] + set_off[kI] > 0) {
+        Voucher& j = New("JOURNAL", due, 1,
+                         "GST of " + period + ": input tax credit set off against the output tax");
+        j.user = kAccountant;
+        j.ref = gstr;
+        for (int h = kC; h <= kI; ++h) j.Dr(kOutput[h], set_off[h], "Paid by input tax credit");
+        for (int h = kC; h <= kI; ++h) j.Cr(kInput[h], used_from[h], "Credit utilised");
+      }
+      reverse_charge += t.reverse_charge;
+      if (owed[kC] + owed[kS] + owed[kI] + reverse_charge <= 0) continue;
+      Voucher& p =
+          New("PAYMENT", due, 1, "GST of " + period + " paid by challan with the monthly return");
+      p.user = kAccountant;
+      p.ref = gstr;
+      p.mode = "NEFT";
+      p.cheque_no =
+          "CPIN " + Padded(due.year() % 100, 2) + Padded(due.month(), 2) + "27" + random_.Digits(8);
+      p.cheque_date = due;
+      p.bank = "State Bank of India";
+      for (int h = kC; h <= kI; ++h) p.Dr(kOutput[h], owed[h], "Paid in cash");
+      p.Dr(ac::kReverseCharge, reverse_charge, "Reverse charge, paid in cash");
+      p.Cr(ac::kSbi, p.Debits());
+      reverse_charge = 0;
     }
   }
 

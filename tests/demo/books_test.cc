@@ -3,6 +3,7 @@
 // the GST documents add up, the ids fit the interface, and the host's SQL in the facts runs.
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -170,6 +171,62 @@ TEST_F(Books, EveryPartyHasOneLedger) {
                   "from invoice i join vchmst v on v.vm_ref = i.num join vchdet l on l.vm_id = "
                   "v.vm_id where l.am_id = d.am_id) group by d.am_id) t"),
             0);
+}
+
+// Each month's GST is settled with the return by the 20th of the next month: the input tax
+// credit set off against the output tax, the rest and the reverse charge paid from the bank, so
+// that the output ledgers owe only what the month after raised; the credit never runs short.
+TEST_F(Books, GstIsSettledMonthByMonth) {
+  int payments = 0;
+  for (int m = 0; m < 20; ++m) {  // April 2024 to November 2025
+    const int year = 2024 + (m + 3) / 12;
+    const int month = (m + 3) % 12 + 1;
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%04d-%02d-01", year, month);
+    const std::string first = buffer;
+    const std::string end = ToText(One("select date('" + first + "', '+1 month', '-1 day')"));
+    std::snprintf(buffer, sizeof buffer, "GSTR-3B %02d/%04d", month, year);
+    const std::string settled = std::string(" from vchmst where vm_ref = '") + buffer + "'";
+    EXPECT_GT(Count("select count(*)" + settled), 0) << buffer;
+    EXPECT_EQ(Count("select count(*)" + settled + " and (vm_date <= '" + end +
+                    "' or vm_date > date('" + end + "', '+20 days'))"),
+              0)
+        << buffer;
+    payments += static_cast<int>(Count("select count(*)" + settled + " and vm_type = 'PAYMENT'"));
+    for (const char* ledger : {"61", "62", "63", "454"}) {
+      const double owed = Number(
+          "select coalesce(sum(d.vd_cr - d.vd_dr), 0) from vchdet d join "
+          "vchmst m on m.vm_id = d.vm_id where d.am_id = " +
+          std::string(ledger) + " and m.vm_date <= '" + end + "'");
+      const double paid = Number(
+          "select coalesce(sum(d.vd_dr - d.vd_cr), 0) from vchdet d where "
+          "d.am_id = " +
+          std::string(ledger) + " and d.vm_id in (select vm_id" + settled + ")");
+      EXPECT_GE(owed, -0.005) << buffer << " ledger " << ledger;
+      EXPECT_NEAR(owed, paid, 0.005) << buffer << " ledger " << ledger;
+    }
+    // The credit set off is credit the month's end had.
+    for (const char* ledger : {"451", "452", "453"}) {
+      const double credit = Number(
+          "select coalesce(sum(d.vd_dr - d.vd_cr), 0) from vchdet d join "
+          "vchmst m on m.vm_id = d.vm_id where d.am_id = " +
+          std::string(ledger) + " and m.vm_date <= '" + end + "'");
+      const double used = Number(
+          "select coalesce(sum(d.vd_cr - d.vd_dr), 0) from vchdet d where "
+          "d.am_id = " +
+          std::string(ledger) + " and d.vm_id in (select vm_id" + settled + ")");
+      EXPECT_GE(credit - used, -0.005) << buffer << " ledger " << ledger;
+    }
+  }
+  EXPECT_GE(payments, 18);
+  // The challans are paid from the current account, and only the tax ledgers are debited.
+  EXPECT_EQ(Count("select count(*) from vchmst m join vchdet d on d.vm_id = m.vm_id where "
+                  "m.vm_ref like 'GSTR-3B %' and m.vm_type = 'PAYMENT' and ((d.vd_cr > 0 and "
+                  "d.am_id <> 41) or (d.vd_dr > 0 and d.am_id not in (61, 62, 63, 454)))"),
+            0);
+  // The duties and taxes carry the last month's tax, which is due after the books end.
+  EXPECT_LT(Number("select sum(d.vd_dr - d.vd_cr) from vchdet d where d.am_id in (61, 62, 63)"),
+            -1000);
 }
 
 TEST_F(Books, IdsFitTheInterface) {
