@@ -983,9 +983,10 @@ class Books {
       const int64_t per_vehicle =
           cycles ? Rs(random_.Between(22, 28) * 10) : Rs(random_.Between(85, 100) * 10);
       const int64_t freight = per_vehicle * static_cast<int64_t>(p.vehicles.size());
-      const std::string what = "Freight of " + std::to_string(p.vehicles.size()) +
-                               (cycles ? " cycles" : " vehicles") + ", LR " + p.lr_no + " of " +
-                               p.transporter + ", bill " + p.bill_no;
+      const size_t count = p.vehicles.size();
+      const std::string what = "Freight of " + std::to_string(count) +
+                               (cycles ? " cycle" : " vehicle") + (count == 1 ? "" : "s") +
+                               ", LR " + p.lr_no + " of " + p.transporter + ", bill " + p.bill_no;
       Voucher& v = New("PAYMENT", day, 1, what);
       v.user = kAccountant;
       v.ref = p.lr_no;

@@ -490,8 +490,9 @@ class Floor {
     std::vector<int> fitting, any;
     for (size_t i = 0; i < parts_.size(); ++i) {
       const std::string text = Lower(parts_[i].description);
+      // Oil in barrels is the store's bulk stock, issued by the litre, never billed whole.
       if (parts_[i].mrp <= 0 || text.find(wanted) == std::string::npos ||
-          text.find("cycle") != std::string::npos) {
+          text.find("cycle") != std::string::npos || text.find("barrel") != std::string::npos) {
         continue;
       }
       any.push_back(static_cast<int>(i));
