@@ -575,20 +575,23 @@ class Books {
     supplier_bills_.push_back({g.party, g.date, g.Amount(), g.bill_no});
   }
 
+  // The next GST document of the head office, on "party"'s bill of "bill_date".
+  GstDocument NewGstDocument(char type, Day date, Day bill_date, int party) const {
+    GstDocument g{};
+    g.id = 401 + static_cast<int>(gst_documents_.size());
+    g.type = type;
+    g.date = date;
+    g.bill_date = bill_date;
+    g.branch = 1;
+    g.party = party;
+    g.voucher = 0;
+    return g;
+  }
+
   void PostGstVouchers() {
     int expenses = 0, payouts = 0;
     for (Day month = kFirstDay; month <= kLastDay; month = month.PlusMonths(1)) {
-      GstDocument rent{401 + static_cast<int>(gst_documents_.size()),
-                       'G',
-                       "",
-                       "",
-                       month.Plus(4),
-                       month.Plus(1),
-                       1,
-                       ac::kLandlord,
-                       "",
-                       {},
-                       0};
+      GstDocument rent = NewGstDocument('G', month.Plus(4), month.Plus(1), ac::kLandlord);
       rent.bill_no = "KPE/" + month.FinancialYear() + "/" + Padded(month.month(), 2);
       rent.narration = "Rent of the Hadapsar showroom and workshop for " + MonthName(month) +
                        ", bill " + rent.bill_no;
@@ -599,17 +602,7 @@ class Books {
       PostGstDocument(rent, ++expenses);
       gst_documents_.push_back(rent);
       if (month.month() % 2 == 0) {
-        GstDocument ad{401 + static_cast<int>(gst_documents_.size()),
-                       'G',
-                       "",
-                       "",
-                       month.Plus(12),
-                       month.Plus(10),
-                       1,
-                       ac::kSakalMedia,
-                       "",
-                       {},
-                       0};
+        GstDocument ad = NewGstDocument('G', month.Plus(12), month.Plus(10), ac::kSakalMedia);
         ad.bill_no = "SM/ADV/" + random_.Digits(5);
         ad.narration = "Newspaper advertisement, bill " + ad.bill_no;
         ad.lines.push_back(Taxed(ac::kAdvertisement, "Display advertisement, Pune edition",
@@ -622,17 +615,7 @@ class Books {
         gst_documents_.push_back(ad);
       }
       if (month.month() % 3 == 1) {
-        GstDocument r{401 + static_cast<int>(gst_documents_.size()),
-                      'G',
-                      "",
-                      "",
-                      month.Plus(19),
-                      month.Plus(18),
-                      1,
-                      ac::kOmSaiElectricals,
-                      "",
-                      {},
-                      0};
+        GstDocument r = NewGstDocument('G', month.Plus(19), month.Plus(18), ac::kOmSaiElectricals);
         r.bill_no = "OSE/" + Padded(random_.Between(100, 999), 3);
         r.narration = "Workshop electrical repairs, bill " + r.bill_no;
         r.lines.push_back(Taxed(ac::kRepairs, "Compressor wiring and panel repair", "998714",
@@ -646,17 +629,8 @@ class Books {
         // The quarter's scheme payout to each sub-dealer that sold through the dealer.
         for (int dealer : {ids::kKrishnaAuto, ids::kYashAutomobiles, ids::kMalaprabhaMotors}) {
           const Account& a = d_.account(dealer);
-          GstDocument p{401 + static_cast<int>(gst_documents_.size()),
-                        'P',
-                        "",
-                        "",
-                        month.PlusMonths(1).Plus(6),
-                        month.PlusMonths(1).Plus(4),
-                        1,
-                        dealer,
-                        "",
-                        {},
-                        0};
+          GstDocument p =
+              NewGstDocument('P', month.PlusMonths(1).Plus(6), month.PlusMonths(1).Plus(4), dealer);
           p.bill_no = a.name.substr(0, 2) == "Ma" ? "MM/PO/" + random_.Digits(3)
                                                   : "PO/" + random_.Digits(4);
           p.narration = "Scheme payout for the quarter ending " +
@@ -984,10 +958,10 @@ class Books {
           cycles ? Rs(random_.Between(22, 28) * 10) : Rs(random_.Between(85, 100) * 10);
       const int64_t freight = per_vehicle * static_cast<int64_t>(p.vehicles.size());
       const size_t count = p.vehicles.size();
-      const std::string what = "Freight of " + std::to_string(count) +
+      const std::string what = "freight of " + std::to_string(count) +
                                (cycles ? " cycle" : " vehicle") + (count == 1 ? "" : "s") +
                                ", LR " + p.lr_no + " of " + p.transporter + ", bill " + p.bill_no;
-      Voucher& v = New("PAYMENT", day, 1, what);
+      Voucher& v = New("PAYMENT", day, 1, "F" + what.substr(1));
       v.user = kAccountant;
       v.ref = p.lr_no;
       v.mode = "NEFT";
