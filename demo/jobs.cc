@@ -477,6 +477,22 @@ class Floor {
     p.issued += qty;
   }
 
+  // Oil in barrels is the store's bulk stock, issued by the litre and never billed whole: a
+  // barrel drawn from "candidates" gives way to the next candidate sold loose.
+  int Loose(const std::vector<int>& candidates, int part) const {
+    auto bulk = [&](int i) {
+      return Lower(parts_[static_cast<size_t>(i)].description).find("barrel") != std::string::npos;
+    };
+    if (!bulk(part)) return part;
+    const auto at = std::find(candidates.begin(), candidates.end(), part);
+    for (size_t k = 1; k < candidates.size(); ++k) {
+      const int next =
+          candidates[(static_cast<size_t>(at - candidates.begin()) + k) % candidates.size()];
+      if (!bulk(next)) return next;
+    }
+    return part;
+  }
+
   // A part whose description holds "words", of the vehicle's own model where there is one, else
   // any genuine spare.
   int PartFor(const std::string& words, const std::string& model) {
@@ -490,9 +506,8 @@ class Floor {
     std::vector<int> fitting, any;
     for (size_t i = 0; i < parts_.size(); ++i) {
       const std::string text = Lower(parts_[i].description);
-      // Oil in barrels is the store's bulk stock, issued by the litre, never billed whole.
       if (parts_[i].mrp <= 0 || text.find(wanted) == std::string::npos ||
-          text.find("cycle") != std::string::npos || text.find("barrel") != std::string::npos) {
+          text.find("cycle") != std::string::npos) {
         continue;
       }
       any.push_back(static_cast<int>(i));
@@ -500,8 +515,8 @@ class Floor {
         fitting.push_back(static_cast<int>(i));
       }
     }
-    if (!fitting.empty()) return random_.Pick(fitting);
-    if (!any.empty()) return random_.Pick(any);
+    if (!fitting.empty()) return Loose(fitting, random_.Pick(fitting));
+    if (!any.empty()) return Loose(any, random_.Pick(any));
     std::vector<int> spares;
     for (size_t i = 0; i < parts_.size(); ++i) {
       if (parts_[i].type.starts_with("S") && parts_[i].mrp > 0) {
