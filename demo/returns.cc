@@ -242,10 +242,10 @@ std::string TwoDecimals(int64_t hundredths) {
   return std::to_string(hundredths / 100) + (rest < 10 ? ".0" : ".") + std::to_string(rest);
 }
 
-// The workshop's top lists as its Top List screen works them out from the job invoices of a
-// period and branch: the spare parts by their taxable sale value, the mechanics by the labour
-// billed for their work (the hours from the job's labour lines). A line's share is of the whole
-// selection, listed or not.
+// The workshop's top lists as its Top List screen works them out from the bills of a period and
+// branch: the spare parts by their taxable sale value on job and counter invoices, the
+// mechanics by the labour billed on job invoices for their work (the hours from the job's
+// labour lines). A line's share is of the whole selection, listed or not.
 void AddTopLists(const Workshop& workshop, Dataset& tables) {
   struct Selection {
     int id;
@@ -258,16 +258,8 @@ void AddTopLists(const Workshop& workshop, Dataset& tables) {
   const std::vector<Selection> selections = {{1, "Top 20 spare parts by sale value", 'P', 20},
                                              {2, "Top 5 mechanics by labour billed", 'M', 5}};
 
-  const Written invoices(tables, "ws_jobinv");
-  const Written lines(tables, "ws_jobinvdet");
   const Written labour(tables, "ws_labour");
   const Written mechanics(tables, "ws_mechanic");
-  std::map<int64_t, int64_t> job_of;  // invoices of the selection: id, job
-  for (const auto& row : invoices.rows()) {
-    const Day day = std::get<Day>(invoices.At(row, "inv_date"));
-    if (day < from || day > to || invoices.Integer(row, "br_id") != kBranch) continue;
-    job_of[invoices.Integer(row, "id")] = invoices.Integer(row, "job_srl");
-  }
   std::map<std::tuple<int64_t, std::string, int64_t>, int64_t> hours;  // job, code, mechanic
   for (const auto& row : labour.rows()) {
     hours[{labour.Integer(row, "job_srl"), labour.Text(row, "lab_code"),
@@ -290,32 +282,44 @@ void AddTopLists(const Workshop& workshop, Dataset& tables) {
     int64_t amount = 0;
   };
   std::map<std::string, Ranked> parts, labour_of;
-  for (const auto& row : lines.rows()) {
-    const int64_t invoice = lines.Integer(row, "invid");
-    const auto job = job_of.find(invoice);
-    if (job == job_of.end()) continue;
-    const std::string& code = lines.Text(row, "code");
-    const int64_t taxable = std::get<Money>(lines.At(row, "taxable")).paise;
-    if (lines.Text(row, "item_kind") == "P") {
-      Ranked& r = parts[code];
-      r.code = code;
-      r.name = lines.Text(row, "description");
-      r.category = part_types.count(code) > 0 ? part_types[code] : "";
-      r.docs.insert(invoice);
-      r.qty += lines.Integer(row, "qty") * 100;
-      r.amount += taxable;
-    } else {
-      const int64_t mechanic = lines.Integer(row, "mech_id");
-      char key[16];
-      std::snprintf(key, sizeof key, "MEC%03d", static_cast<int>(mechanic));
-      Ranked& r = labour_of[key];
-      r.code = key;
-      r.name = mechanic_names[mechanic].first;
-      r.category = mechanic_names[mechanic].second;
-      r.docs.insert(invoice);
-      const auto worked = hours.find({job->second, code, mechanic});
-      r.qty += worked != hours.end() ? worked->second : 0;
-      r.amount += taxable;
+  // Job and counter invoices have ids of their own ranges, so that a set of ids counts both.
+  for (const auto& [head, detail] :
+       {std::pair{"ws_jobinv", "ws_jobinvdet"}, std::pair{"ws_counterinv", "ws_counterinvdet"}}) {
+    const Written invoices(tables, head);
+    const Written lines(tables, detail);
+    std::map<int64_t, int64_t> job_of;  // invoices of the selection: id, job
+    for (const auto& row : invoices.rows()) {
+      const Day day = std::get<Day>(invoices.At(row, "inv_date"));
+      if (day < from || day > to || invoices.Integer(row, "br_id") != kBranch) continue;
+      job_of[invoices.Integer(row, "id")] = invoices.Integer(row, "job_srl");
+    }
+    for (const auto& row : lines.rows()) {
+      const int64_t invoice = lines.Integer(row, "invid");
+      const auto job = job_of.find(invoice);
+      if (job == job_of.end()) continue;
+      const std::string& code = lines.Text(row, "code");
+      const int64_t taxable = std::get<Money>(lines.At(row, "taxable")).paise;
+      if (lines.Text(row, "item_kind") == "P") {
+        Ranked& r = parts[code];
+        r.code = code;
+        r.name = lines.Text(row, "description");
+        r.category = part_types.count(code) > 0 ? part_types[code] : "";
+        r.docs.insert(invoice);
+        r.qty += lines.Integer(row, "qty") * 100;
+        r.amount += taxable;
+      } else if (std::string(head) == "ws_jobinv") {
+        const int64_t mechanic = lines.Integer(row, "mech_id");
+        char key[16];
+        std::snprintf(key, sizeof key, "MEC%03d", static_cast<int>(mechanic));
+        Ranked& r = labour_of[key];
+        r.code = key;
+        r.name = mechanic_names[mechanic].first;
+        r.category = mechanic_names[mechanic].second;
+        r.docs.insert(invoice);
+        const auto worked = hours.find({job->second, code, mechanic});
+        r.qty += worked != hours.end() ? worked->second : 0;
+        r.amount += taxable;
+      }
     }
   }
 

@@ -275,25 +275,33 @@ TEST_F(ReturnsTest, TopListsAreRankedAndTheirSharesAreOfTheWhole) {
   }
 }
 
-// A top list is worked out from the job invoices of its period and branch: each line's
-// invoices, quantity (parts) or hours (mechanics), taxable value and share of the whole agree
-// with the invoices, ranked by value.
-TEST_F(ReturnsTest, TopListsAreWorkedOutFromTheJobInvoices) {
+// A top list is worked out from the workshop's bills of its period and branch (parts from job
+// and counter invoices, labour from job invoices): each line's bills, quantity (parts) or hours
+// (mechanics), taxable value and share of the whole agree with the bills, ranked by value.
+TEST_F(ReturnsTest, TopListsAreWorkedOutFromTheBills) {
   auto db = Open();
-  const std::string selected =
-      " from ws_jobinvdet d join ws_jobinv i on i.id = d.invid join ws_toplist t on t.td_id = "
-      "%ID% where i.br_id = t.br_id and i.inv_date >= t.from_date and i.inv_date <= t.to_date";
+  auto selected = [](const std::string& bills) {
+    return " from " + bills + "det d join " + bills +
+           " i on i.id = d.invid join ws_toplist t on t.td_id = %ID% where i.br_id = t.br_id and "
+           "i.inv_date >= t.from_date and i.inv_date <= t.to_date";
+  };
   const std::map<std::string, std::string> by_basis = {
-      {"toplist_id", "select d.code, count(distinct i.id), sum(d.qty), sum(d.taxable)" + selected +
-                         " and d.item_kind = 'P' group by d.code"},
+      {"toplist_id",
+       "select code, count(distinct id), sum(qty), sum(taxable) from (select d.code, i.id, d.qty, "
+       "d.taxable" +
+           selected("ws_jobinv") +
+           " and d.item_kind = 'P' union all select d.code, i.id, d.qty, d.taxable" +
+           selected("ws_counterinv") + " and d.item_kind = 'P') x group by code"},
       {"toplist_mechanics_id",
        "select 'MEC' || d.mech_id, count(distinct i.id), sum((select l.hours from ws_labour l "
        "where l.job_srl = i.job_srl and l.lab_code = d.code and l.mech_id = d.mech_id)), "
        "sum(d.taxable)" +
-           selected + " and d.item_kind = 'L' group by d.mech_id"}};
+           selected("ws_jobinv") + " and d.item_kind = 'L' group by d.mech_id"}};
   for (const auto& [key, sql] : by_basis) {
     std::string lines = sql;
-    lines.replace(lines.find("%ID%"), 4, FactOf(key));
+    for (size_t at = lines.find("%ID%"); at != std::string::npos; at = lines.find("%ID%")) {
+      lines.replace(at, 4, FactOf(key));
+    }
     const auto expected = Rows(*db, "select * from (" + lines + ") x order by 4 desc, 1");
     const auto listed = Rows(*db,
                              "select code, docs, qty, amount, share, top_n from "
