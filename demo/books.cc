@@ -10,6 +10,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "demo/accounts.h"
@@ -254,6 +255,7 @@ class Books {
     PostSupplierPayments();
     PostJournals();
     PostCashBook();
+    PostWorkshopSettlements();
     PostFreight();
     PostGstPayments();
     PostContra();
@@ -273,6 +275,7 @@ class Books {
         const int id = static_cast<int>(std::get<int64_t>(row[0]));
         known_.insert(id);
         earlier_.insert(id);
+        names_[id] = std::get<std::string>(row[1]);
         const Cell& opening = row.back();
         if (const auto* money = std::get_if<Money>(&opening)) openings_ += money->paise;
       }
@@ -445,6 +448,10 @@ class Books {
         v.Cr(party, p.total, p.document);
       } else {
         v.Dr(party, p.total, p.document);
+      }
+      // Bills on account are settled later; a return lessens what is settled.
+      if (party != ac::kCash && party != ac::kWorkshopCustomers) {
+        dues_.push_back({purchase, party, p.date, reverse ? -p.total : p.total});
       }
     }
   }
@@ -945,6 +952,46 @@ class Books {
     }
   }
 
+  // The workshop's bills on account are settled month by month: its customers on account pay a
+  // month's bills, less their returns, by bank transfer within the next month, and the store
+  // pays its suppliers' bills of a month, less its returns to them, likewise. What a month's
+  // returns leave over is set against the next month's bills.
+  void PostWorkshopSettlements() {
+    std::map<std::tuple<bool, int, Day>, int64_t> months;  // supplier?, party, month: amount
+    for (const Due& due : dues_) {
+      months[{due.supplier, due.party, Day::FromYmd(due.date.year(), due.date.month(), 1)}] +=
+          due.amount;
+    }
+    std::map<std::pair<bool, int>, int64_t> carried;
+    for (const auto& [key, amount] : months) {
+      const auto& [supplier, party, month] = key;
+      int64_t& carry = carried[{supplier, party}];
+      const int64_t net = carry + amount;
+      carry = std::min<int64_t>(net, 0);
+      if (net <= 0) continue;
+      const Day day = month.PlusMonths(1).Plus(random_.Between(9, 24));
+      if (day > kLastDay) continue;
+      const std::string name = names_.count(party) > 0 ? names_.at(party) : PartyName(party);
+      const std::string bills = "the " + std::string(supplier ? "store's" : "workshop's") +
+                                " bills of " + MonthName(month);
+      Voucher& v =
+          New(supplier ? "PAYMENT" : "RECEIPT", day, 1,
+              (supplier ? "Paid to " + name + " against " : "Received from " + name + " against ") +
+                  bills);
+      v.user = kAccountant;
+      v.mode = "NEFT";
+      v.cheque_no = "SBIN" + Padded(day.year() % 100, 2) + random_.Digits(9);
+      v.bank = "State Bank of India";
+      if (supplier) {
+        v.Dr(party, net, "Bills of " + MonthName(month));
+        v.Cr(ac::kSbi, net);
+      } else {
+        v.Dr(ac::kSbi, net);
+        v.Cr(party, net, "Bills of " + MonthName(month));
+      }
+    }
+  }
+
   // The transporters who bring vehicles by road from other states are paid by bank a few days
   // after the delivery; as goods transport agencies they charge no GST, and the dealer owes
   // IGST at 5% on the freight under the reverse charge, which it may also claim as input tax.
@@ -1401,7 +1448,16 @@ class Books {
   Facts& facts_;
   Random random_;
   std::set<int> known_;
-  std::set<int> earlier_;  // accounts the steps before the books wrote
+  std::set<int> earlier_;             // accounts the steps before the books wrote
+  std::map<int, std::string> names_;  // their names
+  // The workshop's bills on account (positive) and returns (negative), by party.
+  struct Due {
+    bool supplier;
+    int party;
+    Day date;
+    int64_t amount;
+  };
+  std::vector<Due> dues_;
   int64_t openings_ = 0;
   std::deque<Voucher> vouchers_;
   std::vector<Voucher*> numbered_;

@@ -224,6 +224,37 @@ TEST_F(Books, GstIsSettledMonthByMonth) {
             -1000);
 }
 
+// The workshop's customers on account and the store's suppliers are settled month by month: at
+// a month's end they owe, or are owed, no more than that month's own bills.
+TEST_F(Books, WorkshopBillsOnAccountAreSettledMonthly) {
+  const std::vector<std::pair<std::string, bool>> parties = {
+      {"901", false}, {"902", false}, {"101", true}, {"102", true},
+      {"103", true},  {"104", true},  {"105", true}};
+  for (const auto& [party, supplier] : parties) {
+    const std::string settled = supplier ? "PAYMENT" : "RECEIPT";
+    EXPECT_GT(Count("select count(*) from vu_ledger where am_id = " + party + " and vm_type = '" +
+                    settled + "'"),
+              0)
+        << party;
+    for (int m = 1; m < 20; ++m) {  // May 2024 to November 2025
+      char first[16];
+      std::snprintf(first, sizeof first, "%04d-%02d-01", 2024 + (m + 3) / 12, (m + 3) % 12 + 1);
+      const std::string end = "date('" + std::string(first) + "', '+1 month', '-1 day')";
+      const double owed =
+          (supplier ? -1 : 1) * Number(
+                                    "select coalesce(sum(vd_dr - vd_cr), 0) from vu_ledger where "
+                                    "am_id = " +
+                                    party + " and vm_date <= " + end);
+      const double billed =
+          Number(std::string("select coalesce(sum(") + (supplier ? "vd_cr" : "vd_dr") +
+                 "), 0) from vu_ledger where am_id = " + party + " and vm_type <> '" + settled +
+                 "' and vm_date >= '" + first + "' and vm_date <= " + end);
+      EXPECT_LE(owed, billed + 0.005) << party << " at the end of " << first;
+      EXPECT_GE(owed, -0.005) << party << " at the end of " << first;
+    }
+  }
+}
+
 TEST_F(Books, IdsFitTheInterface) {
   // Documents are 16-bit ids; the reference ledger's id is beyond them, within 32 bits.
   for (const char* sql : {"select max(vm_id) from vchmst", "select max(did) from gstvmst",
