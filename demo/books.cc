@@ -10,8 +10,10 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "demo/accounts.h"
 #include "demo/identifiers.h"
 #include "demo/workshop.h"
 
@@ -24,7 +26,7 @@ Cell Paise(int64_t paise) { return Money{paise}; }
 Cell OptionalDay(const std::optional<Day>& day) { return day ? Cell(*day) : Cell(kNull); }
 
 // The books' own ledgers. The sales side's parties keep their ids (1–63); customers have
-// ledgers of their own numbered beyond the 16-bit range, 100000 + their customer id.
+// ledgers of their own numbered beyond the 16-bit range (CustomerLedger).
 namespace ac {
 constexpr int kVayuMotocorp = 1, kVayuElectric = 2, kGangaCycles = 3;
 constexpr int kSbi = 41, kHdfc = 42, kCash = 43, kSalesVehicles = 51;
@@ -33,15 +35,14 @@ constexpr int kCapital = 401, kStock = 411, kExchangeStock = 412, kSubsidyReceiv
 constexpr int kFurniture = 421, kTools = 422, kComputers = 423;
 constexpr int kSalesAccessories = 431, kSalesWorkshop = 432, kSalesDiscount = 433;
 constexpr int kPurchaseVehicles = 441, kPurchaseSpares = 442;
-constexpr int kInputCgst = 451, kInputSgst = 452, kInputIgst = 453;
+constexpr int kInputCgst = 451, kInputSgst = 452, kInputIgst = 453, kReverseCharge = 454;
 constexpr int kSalaries = 461, kRent = 462, kElectricity = 463, kTelephone = 464;
 constexpr int kStationery = 465, kBankCharges = 466, kConveyance = 467, kRepairs = 468;
 constexpr int kAdvertisement = 469, kDepreciation = 470, kStaffWelfare = 471, kRoundOff = 472;
-constexpr int kPayouts = 473;
+constexpr int kPayouts = 473, kFreightInward = 474;
 constexpr int kIncentive = 481;
 constexpr int kLandlord = 491, kSakalMedia = 492, kOmSaiElectricals = 493;
 constexpr int kWorkshopCustomers = 494;
-constexpr int kCustomerBase = 100000;
 }  // namespace ac
 
 struct Group {
@@ -98,9 +99,11 @@ std::vector<Ledger> BooksLedgers() {
       {ac::kSalesDiscount, "Discount & Rate Difference on Sales", "SALES", 0},
       {ac::kPurchaseVehicles, "Purchase - Vehicles", "PURCHASE", 0},
       {ac::kPurchaseSpares, "Purchase - Spares & Accessories", "PURCHASE", 0},
+      {ac::kFreightInward, "Freight Inward", "PURCHASE", 0},
       {ac::kInputCgst, "Input CGST", "GST", 0},
       {ac::kInputSgst, "Input SGST", "GST", 0},
       {ac::kInputIgst, "Input IGST", "GST", 0},
+      {ac::kReverseCharge, "GST Payable on Reverse Charge", "GST", 0},
       {ac::kSalaries, "Salaries & Wages", "EXPENSE", 0},
       {ac::kRent, "Rent", "EXPENSE", 0},
       {ac::kElectricity, "Electricity Charges", "EXPENSE", 0},
@@ -252,6 +255,9 @@ class Books {
     PostSupplierPayments();
     PostJournals();
     PostCashBook();
+    PostWorkshopSettlements();
+    PostFreight();
+    PostGstPayments();
     PostContra();
     TrimCashBook();
     Number();
@@ -260,8 +266,6 @@ class Books {
   }
 
  private:
-  int CustomerLedger(int customer) const { return ac::kCustomerBase + customer; }
-
   void CollectAccounts() {
     // Every account the steps before this one wrote into the account master, whatever their
     // table, so that the workshop's parties post to their own ledgers.
@@ -271,6 +275,7 @@ class Books {
         const int id = static_cast<int>(std::get<int64_t>(row[0]));
         known_.insert(id);
         earlier_.insert(id);
+        names_[id] = std::get<std::string>(row[1]);
         const Cell& opening = row.back();
         if (const auto* money = std::get_if<Money>(&opening)) openings_ += money->paise;
       }
@@ -444,6 +449,10 @@ class Books {
       } else {
         v.Dr(party, p.total, p.document);
       }
+      // Bills on account are settled later; a return lessens what is settled.
+      if (party != ac::kCash && party != ac::kWorkshopCustomers) {
+        dues_.push_back({purchase, party, p.date, reverse ? -p.total : p.total});
+      }
     }
   }
 
@@ -573,20 +582,23 @@ class Books {
     supplier_bills_.push_back({g.party, g.date, g.Amount(), g.bill_no});
   }
 
+  // The next GST document of the head office, on "party"'s bill of "bill_date".
+  GstDocument NewGstDocument(char type, Day date, Day bill_date, int party) const {
+    GstDocument g{};
+    g.id = 401 + static_cast<int>(gst_documents_.size());
+    g.type = type;
+    g.date = date;
+    g.bill_date = bill_date;
+    g.branch = 1;
+    g.party = party;
+    g.voucher = 0;
+    return g;
+  }
+
   void PostGstVouchers() {
     int expenses = 0, payouts = 0;
     for (Day month = kFirstDay; month <= kLastDay; month = month.PlusMonths(1)) {
-      GstDocument rent{401 + static_cast<int>(gst_documents_.size()),
-                       'G',
-                       "",
-                       "",
-                       month.Plus(4),
-                       month.Plus(1),
-                       1,
-                       ac::kLandlord,
-                       "",
-                       {},
-                       0};
+      GstDocument rent = NewGstDocument('G', month.Plus(4), month.Plus(1), ac::kLandlord);
       rent.bill_no = "KPE/" + month.FinancialYear() + "/" + Padded(month.month(), 2);
       rent.narration = "Rent of the Hadapsar showroom and workshop for " + MonthName(month) +
                        ", bill " + rent.bill_no;
@@ -597,17 +609,7 @@ class Books {
       PostGstDocument(rent, ++expenses);
       gst_documents_.push_back(rent);
       if (month.month() % 2 == 0) {
-        GstDocument ad{401 + static_cast<int>(gst_documents_.size()),
-                       'G',
-                       "",
-                       "",
-                       month.Plus(12),
-                       month.Plus(10),
-                       1,
-                       ac::kSakalMedia,
-                       "",
-                       {},
-                       0};
+        GstDocument ad = NewGstDocument('G', month.Plus(12), month.Plus(10), ac::kSakalMedia);
         ad.bill_no = "SM/ADV/" + random_.Digits(5);
         ad.narration = "Newspaper advertisement, bill " + ad.bill_no;
         ad.lines.push_back(Taxed(ac::kAdvertisement, "Display advertisement, Pune edition",
@@ -620,17 +622,7 @@ class Books {
         gst_documents_.push_back(ad);
       }
       if (month.month() % 3 == 1) {
-        GstDocument r{401 + static_cast<int>(gst_documents_.size()),
-                      'G',
-                      "",
-                      "",
-                      month.Plus(19),
-                      month.Plus(18),
-                      1,
-                      ac::kOmSaiElectricals,
-                      "",
-                      {},
-                      0};
+        GstDocument r = NewGstDocument('G', month.Plus(19), month.Plus(18), ac::kOmSaiElectricals);
         r.bill_no = "OSE/" + Padded(random_.Between(100, 999), 3);
         r.narration = "Workshop electrical repairs, bill " + r.bill_no;
         r.lines.push_back(Taxed(ac::kRepairs, "Compressor wiring and panel repair", "998714",
@@ -644,17 +636,8 @@ class Books {
         // The quarter's scheme payout to each sub-dealer that sold through the dealer.
         for (int dealer : {ids::kKrishnaAuto, ids::kYashAutomobiles, ids::kMalaprabhaMotors}) {
           const Account& a = d_.account(dealer);
-          GstDocument p{401 + static_cast<int>(gst_documents_.size()),
-                        'P',
-                        "",
-                        "",
-                        month.PlusMonths(1).Plus(6),
-                        month.PlusMonths(1).Plus(4),
-                        1,
-                        dealer,
-                        "",
-                        {},
-                        0};
+          GstDocument p =
+              NewGstDocument('P', month.PlusMonths(1).Plus(6), month.PlusMonths(1).Plus(4), dealer);
           p.bill_no = a.name.substr(0, 2) == "Ma" ? "MM/PO/" + random_.Digits(3)
                                                   : "PO/" + random_.Digits(4);
           p.narration = "Scheme payout for the quarter ending " +
@@ -969,6 +952,179 @@ class Books {
     }
   }
 
+  // The workshop's bills on account are settled month by month: its customers on account pay a
+  // month's bills, less their returns, by bank transfer within the next month, and the store
+  // pays its suppliers' bills of a month, less its returns to them, likewise. What a month's
+  // returns leave over is set against the next month's bills.
+  void PostWorkshopSettlements() {
+    std::map<std::tuple<bool, int, Day>, int64_t> months;  // supplier?, party, month: amount
+    for (const Due& due : dues_) {
+      months[{due.supplier, due.party, Day::FromYmd(due.date.year(), due.date.month(), 1)}] +=
+          due.amount;
+    }
+    std::map<std::pair<bool, int>, int64_t> carried;
+    for (const auto& [key, amount] : months) {
+      const auto& [supplier, party, month] = key;
+      int64_t& carry = carried[{supplier, party}];
+      const int64_t net = carry + amount;
+      carry = std::min<int64_t>(net, 0);
+      if (net <= 0) continue;
+      const Day day = month.PlusMonths(1).Plus(random_.Between(9, 24));
+      if (day > kLastDay) continue;
+      const std::string name = names_.count(party) > 0 ? names_.at(party) : PartyName(party);
+      const std::string bills = "the " + std::string(supplier ? "store's" : "workshop's") +
+                                " bills of " + MonthName(month);
+      Voucher& v =
+          New(supplier ? "PAYMENT" : "RECEIPT", day, 1,
+              (supplier ? "Paid to " + name + " against " : "Received from " + name + " against ") +
+                  bills);
+      v.user = kAccountant;
+      v.mode = "NEFT";
+      v.cheque_no = "SBIN" + Padded(day.year() % 100, 2) + random_.Digits(9);
+      v.bank = "State Bank of India";
+      if (supplier) {
+        v.Dr(party, net, "Bills of " + MonthName(month));
+        v.Cr(ac::kSbi, net);
+      } else {
+        v.Dr(ac::kSbi, net);
+        v.Cr(party, net, "Bills of " + MonthName(month));
+      }
+    }
+  }
+
+  // The transporters who bring vehicles by road from other states are paid by bank a few days
+  // after the delivery; as goods transport agencies they charge no GST, and the dealer owes
+  // IGST at 5% on the freight under the reverse charge, which it may also claim as input tax.
+  void PostFreight() {
+    for (const Purchase& p : d_.purchases) {
+      const bool cycles = p.supplier == ac::kGangaCycles;
+      if (p.supplier == ac::kVayuElectric || p.transporter.empty()) continue;
+      const Day day = p.received.Plus(random_.Between(2, 6));
+      if (day > kLastDay) continue;
+      const int64_t per_vehicle =
+          cycles ? Rs(random_.Between(22, 28) * 10) : Rs(random_.Between(85, 100) * 10);
+      const int64_t freight = per_vehicle * static_cast<int64_t>(p.vehicles.size());
+      const size_t count = p.vehicles.size();
+      const std::string what = "freight of " + std::to_string(count) +
+                               (cycles ? " cycle" : " vehicle") + (count == 1 ? "" : "s") +
+                               ", LR " + p.lr_no + " of " + p.transporter + ", bill " + p.bill_no;
+      Voucher& v = New("PAYMENT", day, 1, "F" + what.substr(1));
+      v.user = kAccountant;
+      v.ref = p.lr_no;
+      v.mode = "NEFT";
+      v.cheque_no = "SBIN" + Padded(day.year() % 100, 2) + random_.Digits(9);
+      v.bank = "State Bank of India";
+      v.Dr(ac::kFreightInward, freight, p.transporter);
+      v.Cr(ac::kSbi, freight);
+      Voucher& r = New("JOURNAL", day, 1, "IGST at 5% under the reverse charge on " + what);
+      r.user = kAccountant;
+      r.ref = p.lr_no;
+      const int64_t tax = freight * 5 / 100;
+      r.Dr(ac::kInputIgst, tax, "Reverse charge, LR " + p.lr_no);
+      r.Cr(ac::kReverseCharge, tax, "Reverse charge, LR " + p.lr_no);
+    }
+  }
+
+  // The month's GST, as the dealer settles it with the monthly return by the 20th of the next
+  // month: the input tax credit is set off against the output tax in the order the law gives
+  // (IGST credit first, against IGST, then CGST, then SGST; CGST credit against CGST, then
+  // IGST; SGST credit against SGST, then IGST; never CGST against SGST), and what is left, with
+  // the tax owed under the reverse charge, which no credit may pay, is paid from the current
+  // account by a challan. Credit left over is carried to the next month; December 2025's tax,
+  // due in January, stays on the ledgers.
+  void PostGstPayments() {
+    constexpr int kC = 0, kS = 1, kI = 2;
+    static constexpr int kOutput[3] = {ac::kOutputCgst, ac::kOutputSgst, ac::kOutputIgst};
+    static constexpr int kInput[3] = {ac::kInputCgst, ac::kInputSgst, ac::kInputIgst};
+    // Per month (its first day): the output tax raised (credits less debits), the input tax
+    // claimed (debits less credits), CGST, SGST, IGST, and the reverse charge owed.
+    struct Taxes {
+      int64_t output[3] = {0, 0, 0};
+      int64_t input[3] = {0, 0, 0};
+      int64_t reverse_charge = 0;
+    };
+    std::map<Day, Taxes> months;
+    for (const Voucher& v : vouchers_) {
+      Taxes& t = months[Day::FromYmd(v.date.year(), v.date.month(), 1)];
+      for (const Entry& e : v.entries) {
+        for (int h = kC; h <= kI; ++h) {
+          if (e.account == kOutput[h]) t.output[h] += e.cr - e.dr;
+          if (e.account == kInput[h]) t.input[h] += e.dr - e.cr;
+        }
+        if (e.account == ac::kReverseCharge) t.reverse_charge += e.cr - e.dr;
+      }
+    }
+    // The electronic credit ledger, and output tax a month's credit notes turned negative.
+    int64_t credit[3] = {0, 0, 0};
+    int64_t carried[3] = {0, 0, 0};
+    int64_t reverse_charge = 0;
+    // What was booked before the books' first month (stock received in March) is settled with
+    // April's return.
+    for (const auto& [month, t] : months) {
+      if (month >= kFirstDay) break;
+      for (int h = kC; h <= kI; ++h) {
+        credit[h] += t.input[h];
+        carried[h] += t.output[h];
+      }
+      reverse_charge += t.reverse_charge;
+    }
+    for (Day month = kFirstDay; month <= kLastDay; month = month.PlusMonths(1)) {
+      Day due = month.PlusMonths(1).Plus(14 + random_.Between(0, 5));
+      if (due.weekday() == 0) due = due.Plus(-1);
+      if (due > kLastDay) break;
+      const Taxes& t = months[month];
+      int64_t owed[3];
+      for (int h = kC; h <= kI; ++h) {
+        credit[h] += t.input[h];
+        owed[h] = carried[h] + t.output[h];
+        carried[h] = std::min<int64_t>(owed[h], 0);
+        owed[h] = std::max<int64_t>(owed[h], 0);
+      }
+      int64_t used_from[3] = {0, 0, 0};
+      int64_t set_off[3] = {0, 0, 0};
+      auto use = [&](int from, int against) {
+        const int64_t used = std::min(credit[from], owed[against]);
+        credit[from] -= used;
+        owed[against] -= used;
+        used_from[from] += used;
+        set_off[against] += used;
+      };
+      use(kI, kI);
+      use(kI, kC);
+      use(kI, kS);
+      use(kC, kC);
+      use(kC, kI);
+      use(kS, kS);
+      use(kS, kI);
+      const std::string period = MonthName(month);
+      const std::string gstr =
+          "GSTR-3B " + Padded(month.month(), 2) + "/" + std::to_string(month.year());
+      if (set_off[kC] + set_off[kS] + set_off[kI] > 0) {
+        Voucher& j = New("JOURNAL", due, 1,
+                         "GST of " + period + ": input tax credit set off against the output tax");
+        j.user = kAccountant;
+        j.ref = gstr;
+        for (int h = kC; h <= kI; ++h) j.Dr(kOutput[h], set_off[h], "Paid by input tax credit");
+        for (int h = kC; h <= kI; ++h) j.Cr(kInput[h], used_from[h], "Credit utilised");
+      }
+      reverse_charge += t.reverse_charge;
+      if (owed[kC] + owed[kS] + owed[kI] + reverse_charge <= 0) continue;
+      Voucher& p =
+          New("PAYMENT", due, 1, "GST of " + period + " paid by challan with the monthly return");
+      p.user = kAccountant;
+      p.ref = gstr;
+      p.mode = "NEFT";
+      p.cheque_no =
+          "CPIN " + Padded(due.year() % 100, 2) + Padded(due.month(), 2) + "27" + random_.Digits(8);
+      p.cheque_date = due;
+      p.bank = "State Bank of India";
+      for (int h = kC; h <= kI; ++h) p.Dr(kOutput[h], owed[h], "Paid in cash");
+      p.Dr(ac::kReverseCharge, reverse_charge, "Reverse charge, paid in cash");
+      p.Cr(ac::kSbi, p.Debits());
+      reverse_charge = 0;
+    }
+  }
+
   // Cash above the day's float is deposited in the current account on the next working day.
   void PostContra() {
     std::map<Day, int64_t> movement;
@@ -1196,7 +1352,7 @@ class Books {
     }
     int customer = 0;
     for (const auto& [account, count] : entries) {
-      if (account > ac::kCustomerBase && (customer == 0 || count > entries[customer]))
+      if (account > kCustomerLedgerBase && (customer == 0 || count > entries[customer]))
         customer = account;
     }
     Add("ledger_refid", std::to_string(customer));
@@ -1292,7 +1448,16 @@ class Books {
   Facts& facts_;
   Random random_;
   std::set<int> known_;
-  std::set<int> earlier_;  // accounts the steps before the books wrote
+  std::set<int> earlier_;             // accounts the steps before the books wrote
+  std::map<int, std::string> names_;  // their names
+  // The workshop's bills on account (positive) and returns (negative), by party.
+  struct Due {
+    bool supplier;
+    int party;
+    Day date;
+    int64_t amount;
+  };
+  std::vector<Due> dues_;
   int64_t openings_ = 0;
   std::deque<Voucher> vouchers_;
   std::vector<Voucher*> numbered_;

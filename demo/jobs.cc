@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <tuple>
 
+#include "demo/accounts.h"
 #include "demo/gst.h"
 #include "demo/identifiers.h"
 #include "demo/workshop.h"
@@ -37,8 +38,8 @@ constexpr int kFirstCounterInvoice = 24001;
 constexpr int kFirstClaim = 26001;
 constexpr int kFirstFollowUp = 28001;
 // fa_acmaster: the workshop's credit customers.
+// The fleet buyers of the sales have their customer ledgers (CustomerLedger).
 constexpr int kRayaraLogistics = 901, kPuneRides = 902;
-constexpr int kFleetAccount = 903;  // 903, 904, 905: the fleet buyers of the sales
 
 // The ma_rv the host keeps beside a bill's number: how the bill is settled, which also names its
 // series ("JI/…" cash job bills, "JCR/…" credit job bills, "CI/…" and "CCR/…" counter bills).
@@ -476,6 +477,22 @@ class Floor {
     p.issued += qty;
   }
 
+  // Oil in barrels is the store's bulk stock, issued by the litre and never billed whole: a
+  // barrel drawn from "candidates" gives way to the next candidate sold loose.
+  int Loose(const std::vector<int>& candidates, int part) const {
+    auto bulk = [&](int i) {
+      return Lower(parts_[static_cast<size_t>(i)].description).find("barrel") != std::string::npos;
+    };
+    if (!bulk(part)) return part;
+    const auto at = std::find(candidates.begin(), candidates.end(), part);
+    for (size_t k = 1; k < candidates.size(); ++k) {
+      const int next =
+          candidates[(static_cast<size_t>(at - candidates.begin()) + k) % candidates.size()];
+      if (!bulk(next)) return next;
+    }
+    return part;
+  }
+
   // A part whose description holds "words", of the vehicle's own model where there is one, else
   // any genuine spare.
   int PartFor(const std::string& words, const std::string& model) {
@@ -498,8 +515,8 @@ class Floor {
         fitting.push_back(static_cast<int>(i));
       }
     }
-    if (!fitting.empty()) return random_.Pick(fitting);
-    if (!any.empty()) return random_.Pick(any);
+    if (!fitting.empty()) return Loose(fitting, random_.Pick(fitting));
+    if (!any.empty()) return Loose(any, random_.Pick(any));
     std::vector<int> spares;
     for (size_t i = 0; i < parts_.size(); ++i) {
       if (parts_[i].type.starts_with("S") && parts_[i].mrp > 0) {
@@ -639,28 +656,15 @@ Party Floor::WalkIn(int branch) {
 // The workshop's customers on account: two businesses whose fleets it services (one from
 // Karnataka, billed across the state line) and the fleet buyers of the sales.
 void Floor::AddAccounts() {
+  // A customer on account: no phone of its own, no opening balance.
   auto account = [](int id, std::string name, std::string add1, std::string add2, std::string add3,
                     std::string town, std::string district, std::string state,
                     std::string state_code, std::string pin, std::string pan, std::string mobile,
                     std::string email, std::string contact) {
-    Account a;
-    a.id = id;
-    a.name = std::move(name);
-    a.group = "CUSTOMER";
-    a.add1 = std::move(add1);
-    a.add2 = std::move(add2);
-    a.add3 = std::move(add3);
-    a.town = std::move(town);
-    a.district = std::move(district);
-    a.state = std::move(state);
-    a.state_code = std::move(state_code);
-    a.pin = std::move(pin);
-    a.pan = std::move(pan);
-    a.gstin = MakeGstin(a.state_code, a.pan);
-    a.mobile = std::move(mobile);
-    a.email = std::move(email);
-    a.contact = std::move(contact);
-    return a;
+    return MakeAccount(id, std::move(name), "CUSTOMER", std::move(add1), std::move(add2),
+                       std::move(add3), std::move(town), std::move(district), std::move(state),
+                       std::move(state_code), std::move(pin), std::move(pan), "", std::move(mobile),
+                       std::move(email), std::move(contact), 0);
   };
   accounts_.push_back(account(kRayaraLogistics, "Rayara Logistics Pvt Ltd", "No. 17, Auto Nagar",
                               "Khanapur Road", "Udyambag", "Belagavi", "Belagavi", "Karnataka",
@@ -670,11 +674,12 @@ void Floor::AddAccounts() {
                               "Sadhu Vaswani Road", "Camp", "Pune", "Pune", "Maharashtra", "27",
                               "411001", "ABAFP3390Q", "9970045512", "ops@puneriders.example",
                               "Kunal Mehta"));
-  int id = kFleetAccount;
+  // A fleet buyer keeps the one ledger the books give every customer, so that its vehicle
+  // invoices and its job bills are owed on the same account.
   for (const Customer& c : d_.customers) {
     if (!c.business || c.gstin.empty()) continue;
-    Account a = account(id++, c.name, c.add1, c.add2, c.add3, c.city, c.district, c.state,
-                        c.state_code, c.pin, c.pan, c.mobile, c.email, "Accounts");
+    Account a = account(CustomerLedger(c.id), c.name, c.add1, c.add2, c.add3, c.city, c.district,
+                        c.state, c.state_code, c.pin, c.pan, c.mobile, c.email, "Accounts");
     a.gstin = c.gstin;
     accounts_.push_back(a);
   }
@@ -1329,12 +1334,7 @@ Cell Stamped(const std::string& text, Day day, int seconds) {
 void Floor::Write(Dataset& out) const {
   // The workshop's customers on account join the account master.
   if (Table* accounts = out.Find("fa_acmaster")) {
-    for (const Account& a : accounts_) {
-      accounts->Add({Int(a.id), a.name, a.group, Text(a.add1), Text(a.add2), Text(a.add3),
-                     Text(a.town), Text(a.district), Text(a.state), Text(a.state_code), Text(a.pin),
-                     Text(a.gstin), Text(a.pan), Text(a.phone), Text(a.mobile), Text(a.email),
-                     Text(a.contact), Paise(0)});
-    }
+    for (const Account& a : accounts_) accounts->Add(AccountRow(a));
   }
 
   Table& mechanics = out.Create(

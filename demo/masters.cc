@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "demo/accounts.h"
 #include "demo/entities.h"
 #include "demo/gst.h"
 #include "demo/identifiers.h"
@@ -135,32 +136,6 @@ void AddSettings(Dealership& d) {
       {"GST", "REVISION", "2025-09-22", "Date the revised GST rates took effect"},
       {"SUBSIDY", "SCHEME", "PM E-DRIVE", "Electric two-wheeler subsidy scheme"},
   };
-}
-
-Account MakeAccount(int id, std::string name, std::string group, std::string add1, std::string add2,
-                    std::string add3, std::string town, std::string district, std::string state,
-                    std::string state_code, std::string pin, std::string pan, std::string phone,
-                    std::string mobile, std::string email, std::string contact, int64_t opening) {
-  Account a;
-  a.id = id;
-  a.name = std::move(name);
-  a.group = std::move(group);
-  a.add1 = std::move(add1);
-  a.add2 = std::move(add2);
-  a.add3 = std::move(add3);
-  a.town = std::move(town);
-  a.district = std::move(district);
-  a.state = std::move(state);
-  a.state_code = std::move(state_code);
-  a.pin = std::move(pin);
-  a.pan = std::move(pan);
-  a.gstin = a.pan.empty() || a.state.empty() ? "" : MakeGstin(a.state_code, a.pan);
-  a.phone = std::move(phone);
-  a.mobile = std::move(mobile);
-  a.email = std::move(email);
-  a.contact = std::move(contact);
-  a.opening = opening;
-  return a;
 }
 
 void AddAccounts(Dealership& d) {

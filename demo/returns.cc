@@ -6,7 +6,10 @@
 // state, and the monthly tax paid by challan. The host's SQL of the returns and label sheets is
 // built here as a dealership program builds it and handed out as facts.
 #include <algorithm>
+#include <cstdio>
 #include <map>
+#include <set>
+#include <stdexcept>
 #include <string>
 #include <tuple>
 #include <variant>
@@ -198,6 +201,151 @@ std::vector<VatLine> DrawPurchases(const Dealership& d, Random& random) {
 
 std::string Tin(Random& random, const std::string& state_code) {
   return state_code + Digits(random, 9) + (state_code == "27" ? "V" : "");
+}
+
+// The rows of the table "name" that an earlier step wrote, read by column name.
+class Written {
+ public:
+  Written(Dataset& tables, const std::string& name) : table_(tables.Find(name)) {
+    if (table_ == nullptr) throw std::logic_error("the workshop wrote no " + name);
+  }
+  const std::vector<std::vector<Cell>>& rows() const { return table_->rows(); }
+  const Cell& At(const std::vector<Cell>& row, const std::string& column) const {
+    const auto& columns = table_->columns();
+    const auto found = std::find(columns.begin(), columns.end(), column);
+    if (found == columns.end()) throw std::logic_error(table_->name() + " has no " + column);
+    return row[static_cast<size_t>(found - columns.begin())];
+  }
+  int64_t Integer(const std::vector<Cell>& row, const std::string& column) const {
+    const Cell& cell = At(row, column);
+    return std::holds_alternative<int64_t>(cell) ? std::get<int64_t>(cell) : 0;
+  }
+  const std::string& Text(const std::vector<Cell>& row, const std::string& column) const {
+    return std::get<std::string>(At(row, column));
+  }
+
+ private:
+  Table* table_;
+};
+
+// "1.5" as hundredths: 150.
+int64_t Hundredths(const std::string& digits) {
+  const size_t point = digits.find('.');
+  int64_t whole = std::stoll(digits.substr(0, point));
+  std::string fraction = point == std::string::npos ? "" : digits.substr(point + 1);
+  fraction = (fraction + "00").substr(0, 2);
+  return whole * 100 + std::stoll(fraction);
+}
+
+std::string TwoDecimals(int64_t hundredths) {
+  const int64_t rest = hundredths % 100;
+  return std::to_string(hundredths / 100) + (rest < 10 ? ".0" : ".") + std::to_string(rest);
+}
+
+// The workshop's top lists as its Top List screen works them out from the bills of a period and
+// branch: the spare parts by their taxable sale value on job and counter invoices, the
+// mechanics by the labour billed on job invoices for their work (the hours from the job's
+// labour lines). A line's share is of the whole selection, listed or not.
+void AddTopLists(const Workshop& workshop, Dataset& tables) {
+  struct Selection {
+    int id;
+    std::string title;
+    char basis;
+    int top_n;
+  };
+  const Day from = Day::FromYmd(2024, 4, 1), to = Day::FromYmd(2025, 3, 31);
+  constexpr int kBranch = 1;
+  const std::vector<Selection> selections = {{1, "Top 20 spare parts by sale value", 'P', 20},
+                                             {2, "Top 5 mechanics by labour billed", 'M', 5}};
+
+  const Written labour(tables, "ws_labour");
+  const Written mechanics(tables, "ws_mechanic");
+  std::map<std::tuple<int64_t, std::string, int64_t>, int64_t> hours;  // job, code, mechanic
+  for (const auto& row : labour.rows()) {
+    hours[{labour.Integer(row, "job_srl"), labour.Text(row, "lab_code"),
+           labour.Integer(row, "mech_id")}] =
+        Hundredths(std::get<Decimal>(labour.At(row, "hours")).digits);
+  }
+  std::map<std::string, std::string> part_types;
+  for (const Part& p : workshop.parts) part_types[p.part_no] = p.type;
+  std::map<int64_t, std::pair<std::string, std::string>> mechanic_names;
+  for (const auto& row : mechanics.rows()) {
+    mechanic_names[mechanics.Integer(row, "mech_id")] = {
+        mechanics.Text(row, "mech_name"),
+        mechanics.Text(row, "mech_type") == "S" ? "Supervisor" : "Mechanic"};
+  }
+
+  struct Ranked {
+    std::string code, name, category;
+    std::set<int64_t> docs;
+    int64_t qty = 0;  // hundredths
+    int64_t amount = 0;
+  };
+  std::map<std::string, Ranked> parts, labour_of;
+  // Job and counter invoices have ids of their own ranges, so that a set of ids counts both.
+  for (const auto& [head, detail] :
+       {std::pair{"ws_jobinv", "ws_jobinvdet"}, std::pair{"ws_counterinv", "ws_counterinvdet"}}) {
+    const Written invoices(tables, head);
+    const Written lines(tables, detail);
+    std::map<int64_t, int64_t> job_of;  // invoices of the selection: id, job
+    for (const auto& row : invoices.rows()) {
+      const Day day = std::get<Day>(invoices.At(row, "inv_date"));
+      if (day < from || day > to || invoices.Integer(row, "br_id") != kBranch) continue;
+      job_of[invoices.Integer(row, "id")] = invoices.Integer(row, "job_srl");
+    }
+    for (const auto& row : lines.rows()) {
+      const int64_t invoice = lines.Integer(row, "invid");
+      const auto job = job_of.find(invoice);
+      if (job == job_of.end()) continue;
+      const std::string& code = lines.Text(row, "code");
+      const int64_t taxable = std::get<Money>(lines.At(row, "taxable")).paise;
+      if (lines.Text(row, "item_kind") == "P") {
+        Ranked& r = parts[code];
+        r.code = code;
+        r.name = lines.Text(row, "description");
+        r.category = part_types.count(code) > 0 ? part_types[code] : "";
+        r.docs.insert(invoice);
+        r.qty += lines.Integer(row, "qty") * 100;
+        r.amount += taxable;
+      } else if (std::string(head) == "ws_jobinv") {
+        const int64_t mechanic = lines.Integer(row, "mech_id");
+        char key[16];
+        std::snprintf(key, sizeof key, "MEC%03d", static_cast<int>(mechanic));
+        Ranked& r = labour_of[key];
+        r.code = key;
+        r.name = mechanic_names[mechanic].first;
+        r.category = mechanic_names[mechanic].second;
+        r.docs.insert(invoice);
+        const auto worked = hours.find({job->second, code, mechanic});
+        r.qty += worked != hours.end() ? worked->second : 0;
+        r.amount += taxable;
+      }
+    }
+  }
+
+  Table& lists = tables.Create("ws_toplist", {"td_id", "title", "basis", "from_date", "to_date",
+                                              "br_id", "top_n", "prepared_by", "prepared_on"});
+  Table& ranks = tables.Create("ws_toplistdet", {"td_id", "rank_no", "code", "name", "category",
+                                                 "docs", "qty", "amount", "share"});
+  for (const Selection& s : selections) {
+    std::vector<Ranked> ranked;
+    for (const auto& [code, r] : s.basis == 'P' ? parts : labour_of) ranked.push_back(r);
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const Ranked& a, const Ranked& b) { return a.amount > b.amount; });
+    int64_t whole = 0;
+    for (const Ranked& r : ranked) whole += r.amount;
+    lists.Add({int64_t{s.id}, s.title, std::string(1, s.basis), from, to, int64_t{kBranch},
+               int64_t{s.top_n}, "Rajendra Deshmukh (Works Manager)", to.Plus(2)});
+    int rank = 0;
+    for (const Ranked& r : ranked) {
+      if (rank == s.top_n || whole == 0) break;
+      const int64_t share = (r.amount * 10000 * 2 + whole) / (whole * 2);  // hundredths of a %
+      ranks.Add({int64_t{s.id}, int64_t{++rank}, r.code, r.name,
+                 r.category.empty() ? Cell(kNull) : Cell(r.category),
+                 static_cast<int64_t>(r.docs.size()), Decimal{TwoDecimals(r.qty)}, Money{r.amount},
+                 Decimal{TwoDecimals(share)}});
+    }
+  }
 }
 
 }  // namespace
@@ -487,97 +635,7 @@ void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& w
   }
   add("quotation_id", std::to_string(quote_with_all ? quote_with_all : 2001));
 
-  // The workshop's top lists: the parts that sold most in the quarter, the mechanics who billed
-  // most labour, the services most asked for.
-  Table& toplists = tables.Create("ws_toplist", {"td_id", "title", "basis", "from_date", "to_date",
-                                                 "br_id", "top_n", "prepared_by", "prepared_on"});
-  Table& toplines = tables.Create("ws_toplistdet", {"td_id", "rank_no", "code", "name", "category",
-                                                    "docs", "qty", "amount", "share"});
-  const Day top_from = Day::FromYmd(2025, 10, 1), top_to = Day::FromYmd(2025, 12, 31);
-  struct Ranked {
-    std::string code, name, category;
-    int docs = 0;
-    int64_t qty = 0;  // hundredths
-    int64_t amount = 0;
-  };
-  auto add_toplist = [&](int td_id, const std::string& title, char basis, int top_n,
-                         std::vector<Ranked> lines) {
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const Ranked& a, const Ranked& b) { return a.amount > b.amount; });
-    if (basis == 'S') {
-      std::stable_sort(lines.begin(), lines.end(),
-                       [](const Ranked& a, const Ranked& b) { return a.docs > b.docs; });
-    }
-    int64_t whole = 0;
-    for (const Ranked& r : lines) whole += basis == 'S' ? r.docs : r.amount;
-    toplists.Add({int64_t{td_id}, title, std::string(1, basis), top_from, top_to, int64_t{1},
-                  int64_t{top_n}, "Sachin Gaikwad (Works Manager)", top_to.Plus(1)});
-    int rank = 0;
-    for (const Ranked& r : lines) {
-      if (rank == top_n) break;
-      const int64_t part = basis == 'S' ? r.docs : r.amount;
-      const int64_t share = (part * 10000 * 2 + whole) / (whole * 2);  // hundredths of a percent
-      toplines.Add({int64_t{td_id}, int64_t{++rank}, r.code, r.name, r.category, int64_t{r.docs},
-                    Decimal{std::to_string(r.qty / 100) + "." + std::to_string(r.qty % 100 / 10) +
-                            std::to_string(r.qty % 10)},
-                    Money{r.amount},
-                    Decimal{std::to_string(share / 100) + "." + std::to_string(share % 100 / 10) +
-                            std::to_string(share % 10)}});
-    }
-  };
-  std::vector<Ranked> parts;
-  if (!workshop.parts.empty()) {
-    // Forty parts from across the master, so that the list mixes its kinds.
-    const size_t step = std::max<size_t>(1, workshop.parts.size() / 40);
-    for (size_t i = 0; i < workshop.parts.size() && parts.size() < 40; i += step) {
-      const Part& p = workshop.parts[i];
-      const int qty = random.Between(6, 160);
-      parts.push_back({p.part_no, p.description, p.type, random.Between(qty / 3 + 1, qty),
-                       qty * 100, p.dp * qty});
-    }
-  } else {
-    for (const auto& [code, name, category, price] :
-         std::vector<std::tuple<const char*, const char*, const char*, int>>{
-             {"VM-OF-1102", "Oil filter element", "Filters", 118},
-             {"VM-AF-2210", "Air filter element", "Filters", 246},
-             {"VM-SP-0071", "Spark plug CPR8EA-9", "Electricals", 142},
-             {"VM-BP-4410", "Brake shoe set, rear", "Brakes", 395},
-             {"VM-BP-4420", "Disc brake pads, front", "Brakes", 528},
-             {"VM-CH-7130", "Drive chain kit 428H", "Transmission", 1740},
-             {"VM-CL-3300", "Clutch plate set", "Transmission", 1165},
-             {"VL-EO-1000", "Engine oil 10W-30, 1 litre", "Lubricants", 392},
-             {"VL-EO-0800", "Engine oil 10W-30, 800 ml", "Lubricants", 318},
-             {"VL-GO-0120", "Gear oil 80W-90, 120 ml", "Lubricants", 86},
-             {"VM-BT-5520", "Battery 12V 5Ah", "Electricals", 1690},
-             {"VM-HL-6612", "Headlamp bulb 12V 35/35W", "Electricals", 162},
-             {"VM-TY-9001", "Rear tyre 3.00-18", "Tyres", 1985},
-             {"VM-TB-9101", "Inner tube 3.00-18", "Tyres", 265},
-             {"VM-CB-2051", "Clutch cable", "Cables", 178},
-             {"VM-AC-2052", "Accelerator cable", "Cables", 154},
-             {"VM-MR-8800", "Rear view mirror, right", "Body", 212},
-             {"VM-SH-4001", "Rear shock absorber", "Suspension", 1450},
-             {"VM-FK-4101", "Front fork oil seal kit", "Suspension", 285},
-             {"VM-BR-7001", "Brake lever, front", "Brakes", 136},
-             {"VM-IN-6201", "Indicator assembly, front", "Electricals", 310},
-             {"VM-SP-7301", "Sprocket, rear 42T", "Transmission", 640}}) {
-      const int qty = random.Between(8, 150);
-      parts.push_back(
-          {code, name, category, random.Between(qty / 3 + 1, qty), qty * 100, Rs(price) * qty});
-    }
-  }
-  add_toplist(1, "Top 20 spare parts by sale value", 'P', 20, parts);
-  std::vector<Ranked> mechanics;
-  int mechanic_no = 0;
-  for (const char* name :
-       {"Santosh Jagtap", "Rahul Shinde", "Vikas Kamble", "Amol Pawar", "Nitin Bhosale",
-        "Ganesh Lokhande", "Sagar Mhaske", "Prakash Salunke", "Imran Shaikh", "Datta Gore"}) {
-    const int jobs = random.Between(60, 190);
-    char code[16];
-    std::snprintf(code, sizeof code, "MEC%02d", ++mechanic_no);
-    mechanics.push_back({code, name, mechanic_no <= 3 ? "Sr. technician" : "Technician", jobs,
-                         jobs * random.Between(110, 170), Rs(jobs * random.Between(380, 620))});
-  }
-  add_toplist(2, "Top 8 mechanics by labour billed", 'M', 8, mechanics);
+  AddTopLists(workshop, tables);
   add("toplist_id", "1");
   add("toplist_mechanics_id", "2");
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "demo/accounts.h"
 #include "demo/gst.h"
 #include "demo/identifiers.h"
 #include "demo/workshop.h"
@@ -498,29 +499,15 @@ bool Supplies(int account, const Part& part) {
 }
 
 std::vector<Account> StoreSuppliers() {
+  // A supplier of the store, with no opening balance: the store's bills open its account.
   auto supplier = [](int id, std::string name, std::string add1, std::string add2, std::string add3,
                      std::string town, std::string district, std::string state,
                      std::string state_code, std::string pin, std::string pan, std::string phone,
                      std::string mobile, std::string email, std::string contact) {
-    Account a;
-    a.id = id;
-    a.name = std::move(name);
-    a.group = "SUPPLIER";
-    a.add1 = std::move(add1);
-    a.add2 = std::move(add2);
-    a.add3 = std::move(add3);
-    a.town = std::move(town);
-    a.district = std::move(district);
-    a.state = std::move(state);
-    a.state_code = std::move(state_code);
-    a.pin = std::move(pin);
-    a.pan = std::move(pan);
-    a.gstin = MakeGstin(a.state_code, a.pan);
-    a.phone = std::move(phone);
-    a.mobile = std::move(mobile);
-    a.email = std::move(email);
-    a.contact = std::move(contact);
-    return a;
+    return MakeAccount(id, std::move(name), "SUPPLIER", std::move(add1), std::move(add2),
+                       std::move(add3), std::move(town), std::move(district), std::move(state),
+                       std::move(state_code), std::move(pin), std::move(pan), std::move(phone),
+                       std::move(mobile), std::move(email), std::move(contact), 0);
   };
   const std::string mh = "Maharashtra";
   return {
@@ -964,16 +951,8 @@ int64_t LinesValue(const std::vector<std::pair<int, int>>& lines, const std::vec
 }
 
 void AddStoreRows(const Store& store, const std::vector<Part>& parts, Dataset& out) {
-  Table& suppliers = out.Create(
-      "fa_acmaster", {"am_id", "am_name", "am_group", "am_add1", "am_add2", "am_add3", "am_town",
-                      "am_district", "am_state", "am_statecode", "am_pin", "am_gst", "am_pan",
-                      "am_phone", "am_mobile", "am_email", "am_contact", "am_opbal"});
-  for (const Account& a : StoreSuppliers()) {
-    suppliers.Add({Int(a.id), a.name, a.group, Text(a.add1), Text(a.add2), Text(a.add3),
-                   Text(a.town), Text(a.district), Text(a.state), Text(a.state_code), Text(a.pin),
-                   Text(a.gstin), Text(a.pan), Text(a.phone), Text(a.mobile), Text(a.email),
-                   Text(a.contact), Paise(0)});
-  }
+  Table& suppliers = out.Create("fa_acmaster", AccountColumns());
+  for (const Account& a : StoreSuppliers()) suppliers.Add(AccountRow(a));
 
   Table& orders = out.Create(
       "ws_po", {"od_id", "od_no", "od_date", "am_id", "br_id", "od_expected", "od_status",

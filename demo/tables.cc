@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "demo/accounts.h"
 #include "demo/dealership.h"
 #include "demo/entities.h"
 #include "demo/gst.h"
@@ -61,16 +62,8 @@ void AddMasterRows(const Dealership& d, const Options& options, Dataset& out) {
                   s.description});
   }
 
-  Table& accounts = out.Create(
-      "fa_acmaster", {"am_id", "am_name", "am_group", "am_add1", "am_add2", "am_add3", "am_town",
-                      "am_district", "am_state", "am_statecode", "am_pin", "am_gst", "am_pan",
-                      "am_phone", "am_mobile", "am_email", "am_contact", "am_opbal"});
-  for (const Account& a : d.accounts) {
-    accounts.Add({Int(a.id), a.name, a.group, Text(a.add1), Text(a.add2), Text(a.add3),
-                  Text(a.town), Text(a.district), Text(a.state), Text(a.state_code), Text(a.pin),
-                  Text(a.gstin), Text(a.pan), Text(a.phone), Text(a.mobile), Text(a.email),
-                  Text(a.contact), Paise(a.opening)});
-  }
+  Table& accounts = out.Create("fa_acmaster", AccountColumns());
+  for (const Account& a : d.accounts) accounts.Add(AccountRow(a));
 
   Table& branches = out.Create(
       "branch", {"br_id", "coid", "br_code", "br_name", "br_add1", "br_add2", "br_city", "br_pin",

@@ -3,6 +3,7 @@
 // the GST documents add up, the ids fit the interface, and the host's SQL in the facts runs.
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -116,6 +117,141 @@ TEST_F(Books, EveryLedgerClosesAtItsOpeningPlusItsMovements) {
   for (const auto& row : rows) {
     cash += ToDouble(row[0]);
     ASSERT_GE(cash, -0.005);
+  }
+}
+
+// The list of debtors as the party trial prints it (trialparty.fr3, trialpartydcr.fr3): every
+// debtor with a balance on a date.
+std::string Debtors(const std::string& upto) {
+  return "select * from (select a.am_id, a.am_name, a.am_town, a.am_gst, a.am_opbal + "
+         "coalesce((select sum(d.vd_dr - d.vd_cr) from vchdet d join vchmst m on m.vm_id = "
+         "d.vm_id where d.am_id = a.am_id and m.vm_date <= '" +
+         upto +
+         "'), 0) as bal from fa_acmaster a join fa_group g on g.grp_code = a.am_group where "
+         "g.grp_name = 'SUNDRY DEBTORS') t where bal <> 0";
+}
+
+// A party has one ledger, whatever documents post to it: a fleet buyer's vehicle invoices,
+// receipts, exchanges and job bills all reach the same account, so the debtors list shows each
+// party once.
+TEST_F(Books, EveryPartyHasOneLedger) {
+  for (const char* key : {"am_gst", "am_name || ', ' || coalesce(am_town, '')"}) {
+    EXPECT_EQ(Count(std::string("select count(*) from (select ") + key +
+                    " from fa_acmaster a join fa_group g on g.grp_code = a.am_group where "
+                    "g.grp_name = 'SUNDRY DEBTORS' and am_gst is not null group by " +
+                    key + " having count(*) > 1) t"),
+              0)
+        << key;
+  }
+  for (const std::string& upto :
+       std::vector<std::string>{"2024-09-30", Id("trial_date"), "2025-12-31"}) {
+    EXPECT_GT(Count("select count(*) from (" + Debtors(upto) + ") t"), 5) << upto;
+    EXPECT_EQ(Count("select count(*) from (select am_name, am_town from (" + Debtors(upto) +
+                    ") t group by am_name, am_town having count(*) > 1) x"),
+              0)
+        << upto;
+  }
+  // Each posting path names the customer's own ledger: the workshop's bills on account and the
+  // books' vehicle invoices alike.
+  for (const char* bills : {"ws_jobinv", "ws_counterinv"}) {
+    EXPECT_EQ(Count(std::string("select count(*) from ") + bills +
+                    " where cust_id is not null and am_id is not null and am_id <> 100000 + "
+                    "cust_id and am_id in (select am_id from fa_acmaster where am_group = "
+                    "'CUSTOMER')"),
+              0)
+        << bills;
+  }
+  EXPECT_EQ(Count("select count(*) from invoice i join vchmst m on m.vm_type = 'SALES' and "
+                  "m.vm_ref = i.num join vchdet d on d.vm_id = m.vm_id and d.vd_line = 1 "
+                  "where i.itype = 'R' and d.am_id <> 100000 + i.cust_id"),
+            0);
+  // A fleet buyer's job bills and its vehicle invoices are owed on one ledger.
+  EXPECT_GT(Count("select count(*) from (select d.am_id from vchdet d join vchmst m on m.vm_id = "
+                  "d.vm_id where d.am_id > 100000 and m.vm_ref like 'JCR/%' and exists (select 1 "
+                  "from invoice i join vchmst v on v.vm_ref = i.num join vchdet l on l.vm_id = "
+                  "v.vm_id where l.am_id = d.am_id) group by d.am_id) t"),
+            0);
+}
+
+// Each month's GST is settled with the return by the 20th of the next month: the input tax
+// credit set off against the output tax, the rest and the reverse charge paid from the bank, so
+// that the output ledgers owe only what the month after raised; the credit never runs short.
+TEST_F(Books, GstIsSettledMonthByMonth) {
+  int payments = 0;
+  for (int m = 0; m < 20; ++m) {  // April 2024 to November 2025
+    const int year = 2024 + (m + 3) / 12;
+    const int month = (m + 3) % 12 + 1;
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%04d-%02d-01", year, month);
+    const std::string first = buffer;
+    const std::string end = ToText(One("select date('" + first + "', '+1 month', '-1 day')"));
+    std::snprintf(buffer, sizeof buffer, "GSTR-3B %02d/%04d", month, year);
+    const std::string settled = std::string(" from vchmst where vm_ref = '") + buffer + "'";
+    EXPECT_GT(Count("select count(*)" + settled), 0) << buffer;
+    EXPECT_EQ(Count("select count(*)" + settled + " and (vm_date <= '" + end +
+                    "' or vm_date > date('" + end + "', '+20 days'))"),
+              0)
+        << buffer;
+    payments += static_cast<int>(Count("select count(*)" + settled + " and vm_type = 'PAYMENT'"));
+    // A ledger's debit balance as on the month's end, and what the settlement debited to it.
+    auto balance = [&](const std::string& ledger) {
+      return Number(
+          "select coalesce(sum(d.vd_dr - d.vd_cr), 0) from vchdet d join vchmst m on "
+          "m.vm_id = d.vm_id where d.am_id = " +
+          ledger + " and m.vm_date <= '" + end + "'");
+    };
+    auto settlement = [&](const std::string& ledger) {
+      return Number("select coalesce(sum(d.vd_dr - d.vd_cr), 0) from vchdet d where d.am_id = " +
+                    ledger + " and d.vm_id in (select vm_id" + settled + ")");
+    };
+    for (const char* ledger : {"61", "62", "63", "454"}) {
+      EXPECT_LE(balance(ledger), 0.005) << buffer << " ledger " << ledger;
+      EXPECT_NEAR(balance(ledger) + settlement(ledger), 0, 0.005) << buffer << " ledger " << ledger;
+    }
+    // The credit set off is credit the month's end had.
+    for (const char* ledger : {"451", "452", "453"}) {
+      EXPECT_GE(balance(ledger) + settlement(ledger), -0.005) << buffer << " ledger " << ledger;
+    }
+  }
+  EXPECT_GE(payments, 18);
+  // The challans are paid from the current account, and only the tax ledgers are debited.
+  EXPECT_EQ(Count("select count(*) from vchmst m join vchdet d on d.vm_id = m.vm_id where "
+                  "m.vm_ref like 'GSTR-3B %' and m.vm_type = 'PAYMENT' and ((d.vd_cr > 0 and "
+                  "d.am_id <> 41) or (d.vd_dr > 0 and d.am_id not in (61, 62, 63, 454)))"),
+            0);
+  // The duties and taxes carry the last month's tax, which is due after the books end.
+  EXPECT_LT(Number("select sum(d.vd_dr - d.vd_cr) from vchdet d where d.am_id in (61, 62, 63)"),
+            -1000);
+}
+
+// The workshop's customers on account and the store's suppliers are settled month by month: at
+// a month's end they owe, or are owed, no more than that month's own bills.
+TEST_F(Books, WorkshopBillsOnAccountAreSettledMonthly) {
+  const std::vector<std::pair<std::string, bool>> parties = {
+      {"901", false}, {"902", false}, {"101", true}, {"102", true},
+      {"103", true},  {"104", true},  {"105", true}};
+  for (const auto& [party, supplier] : parties) {
+    const std::string settled = supplier ? "PAYMENT" : "RECEIPT";
+    EXPECT_GT(Count("select count(*) from vu_ledger where am_id = " + party + " and vm_type = '" +
+                    settled + "'"),
+              0)
+        << party;
+    for (int m = 1; m < 20; ++m) {  // May 2024 to November 2025
+      char first[16];
+      std::snprintf(first, sizeof first, "%04d-%02d-01", 2024 + (m + 3) / 12, (m + 3) % 12 + 1);
+      const std::string end = "date('" + std::string(first) + "', '+1 month', '-1 day')";
+      const double owed =
+          (supplier ? -1 : 1) * Number(
+                                    "select coalesce(sum(vd_dr - vd_cr), 0) from vu_ledger where "
+                                    "am_id = " +
+                                    party + " and vm_date <= " + end);
+      const double billed =
+          Number(std::string("select coalesce(sum(") + (supplier ? "vd_cr" : "vd_dr") +
+                 "), 0) from vu_ledger where am_id = " + party + " and vm_type <> '" + settled +
+                 "' and vm_date >= '" + first + "' and vm_date <= " + end);
+      EXPECT_LE(owed, billed + 0.005) << party << " at the end of " << first;
+      EXPECT_GE(owed, -0.005) << party << " at the end of " << first;
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 // their period, by rate and by HSN, to the paisa; VAT and CST are the rate on the value line by
 // line; the C forms cover exactly the inter-state purchases they name; the tax paid each month is
 // the tax the month's bills work out to; and the host's SQL in the facts selects rows.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
@@ -271,6 +272,58 @@ TEST_F(ReturnsTest, TopListsAreRankedAndTheirSharesAreOfTheWhole) {
       shares += ToDouble(rows[i][2]);
     }
     EXPECT_LE(shares, 100.0) << key;
+  }
+}
+
+// A top list is worked out from the workshop's bills of its period and branch (parts from job
+// and counter invoices, labour from job invoices): each line's bills, quantity (parts) or hours
+// (mechanics), taxable value and share of the whole agree with the bills, ranked by value.
+TEST_F(ReturnsTest, TopListsAreWorkedOutFromTheBills) {
+  auto db = Open();
+  auto selected = [](const std::string& bills) {
+    return " from " + bills + "det d join " + bills +
+           " i on i.id = d.invid join ws_toplist t on t.td_id = %ID% where i.br_id = t.br_id and "
+           "i.inv_date >= t.from_date and i.inv_date <= t.to_date";
+  };
+  const std::map<std::string, std::string> by_basis = {
+      {"toplist_id",
+       "select code, count(distinct id), sum(qty), sum(taxable) from (select d.code, i.id, d.qty, "
+       "d.taxable" +
+           selected("ws_jobinv") +
+           " and d.item_kind = 'P' union all select d.code, i.id, d.qty, d.taxable" +
+           selected("ws_counterinv") + " and d.item_kind = 'P') x group by code"},
+      {"toplist_mechanics_id",
+       "select 'MEC' || d.mech_id, count(distinct i.id), sum((select l.hours from ws_labour l "
+       "where l.job_srl = i.job_srl and l.lab_code = d.code and l.mech_id = d.mech_id)), "
+       "sum(d.taxable)" +
+           selected("ws_jobinv") + " and d.item_kind = 'L' group by d.mech_id"}};
+  for (const auto& [key, sql] : by_basis) {
+    std::string lines = sql;
+    for (size_t at = lines.find("%ID%"); at != std::string::npos; at = lines.find("%ID%")) {
+      lines.replace(at, 4, FactOf(key));
+    }
+    const auto expected = Rows(*db, "select * from (" + lines + ") x order by 4 desc, 1");
+    const auto listed = Rows(*db,
+                             "select code, docs, qty, amount, share, top_n from "
+                             "vu_ws_toplist where td_id = " +
+                                 FactOf(key) + " order by rank_no");
+    ASSERT_GE(expected.size(), listed.size()) << key;
+    ASSERT_GE(listed.size(), 5u) << key;
+    EXPECT_EQ(static_cast<int64_t>(listed.size()),
+              std::min<int64_t>(listed[0][5].integer(), static_cast<int64_t>(expected.size())))
+        << key;
+    double whole = 0;
+    for (const auto& row : expected) whole += ToDouble(row[3]);
+    for (size_t i = 0; i < listed.size(); ++i) {
+      EXPECT_EQ(ToText(listed[i][0]), ToText(expected[i][0])) << key << " rank " << i + 1;
+      EXPECT_EQ(listed[i][1].integer(), expected[i][1].integer()) << key << " rank " << i + 1;
+      EXPECT_NEAR(ToDouble(listed[i][2]), ToDouble(expected[i][2]), 0.005)
+          << key << " rank " << i + 1;
+      EXPECT_NEAR(ToDouble(listed[i][3]), ToDouble(expected[i][3]), 0.005)
+          << key << " rank " << i + 1;
+      EXPECT_NEAR(ToDouble(listed[i][4]), 100 * ToDouble(expected[i][3]) / whole, 0.0051)
+          << key << " rank " << i + 1;
+    }
   }
 }
 
