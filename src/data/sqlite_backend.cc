@@ -23,130 +23,6 @@ namespace {
 constexpr char kSource[] = "SQLite";
 constexpr int kBusyTimeoutMs = 5000;
 
-// Statements reused on this thread since its kept connections' handle was made.
-thread_local int t_statements_reused = 0;
-
-// A statement prepared for a query's SQL, with the names of its parameters in order.
-struct Prepared {
-  sqlite3_stmt* statement = nullptr;
-  std::vector<std::string> names;
-};
-
-class Database {
- public:
-  explicit Database(sqlite3* db) : db_(db) {}
-  ~Database() {
-    for (auto& [sql, prepared] : idle_) sqlite3_finalize(prepared.statement);
-    sqlite3_close_v2(db_);
-  }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-
-  sqlite3* get() const { return db_; }
-
-  // The statement prepared before for "sql" and not in use now, taken out of the idle ones (it
-  // is reset and its bindings cleared); nullopt when there is none. A print runs the same few
-  // queries every time, and preparing them again (views expanded, plans made) costs more than
-  // most queries take to run.
-  std::optional<Prepared> TakePrepared(const std::string& sql) {
-    const auto found = idle_.find(sql);
-    if (found == idle_.end()) return std::nullopt;
-    Prepared prepared = std::move(found->second);
-    idle_.erase(found);
-    sqlite3_clear_bindings(prepared.statement);
-    ++t_statements_reused;
-    return prepared;
-  }
-
-  // Takes back a statement that is done with, reset, for the next run of "sql"; it is finalized
-  // instead when one for "sql" is idle already, when the SQL is too long to keep as a key or
-  // when enough are kept. Never throws.
-  void KeepPrepared(std::string sql, Prepared prepared) noexcept {
-    constexpr size_t kMostKept = 64;
-    constexpr size_t kLongestSql = 16384;
-    sqlite3_reset(prepared.statement);
-    try {
-      if (sql.size() <= kLongestSql && idle_.size() < kMostKept &&
-          idle_.try_emplace(std::move(sql), Prepared{prepared.statement, std::move(prepared.names)})
-              .second) {
-        return;
-      }
-    } catch (...) {
-    }
-    sqlite3_finalize(prepared.statement);
-  }
-
-  // The error of the last failed call on this connection; a statement the read-only guard
-  // refused says what it refused.
-  Error LastError(int32_t number) const {
-    if (!refused_.empty()) return Refused(number, refused_);
-    return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
-  }
-
-  static Error Refused(int32_t number, const std::string& what) {
-    return Error(number, kSource,
-                 "The database is open for reading only: " + what + " is not allowed", SQLITE_AUTH);
-  }
-
-  // Lets statements read the main database and nothing else.
-  void GuardReads() {
-    refused_.clear();
-    sqlite3_set_authorizer(db_, &Database::Authorize, this);
-  }
-
-  void ClearRefusal() { refused_.clear(); }
-
- private:
-  // Reports and templates only read: a statement that would write, reach another file (ATTACH,
-  // VACUUM INTO), change the connection through a pragma or load code is refused when prepared.
-  static int Authorize(void* self, int action, const char* first, const char* second, const char*,
-                       const char*) {
-    const auto name = [](const char* text) { return std::string(text == nullptr ? "" : text); };
-    switch (action) {
-      case SQLITE_SELECT:
-      case SQLITE_READ:
-      case SQLITE_RECURSIVE:
-        return SQLITE_OK;
-      case SQLITE_FUNCTION:
-        if (sqlite3_stricmp(name(second).c_str(), "load_extension") != 0) return SQLITE_OK;
-        return static_cast<Database*>(self)->Refuse("load_extension()");
-      case SQLITE_PRAGMA:
-        // Pragmas that only describe the schema; every other one can change the connection.
-        for (const char* reading : {"table_info", "table_xinfo", "index_list", "index_info",
-                                    "index_xinfo", "foreign_key_list"}) {
-          if (sqlite3_stricmp(name(first).c_str(), reading) == 0) return SQLITE_OK;
-        }
-        return static_cast<Database*>(self)->Refuse("PRAGMA " + name(first));
-      case SQLITE_ATTACH:
-        return static_cast<Database*>(self)->Refuse("ATTACH");
-      case SQLITE_DETACH:
-        return static_cast<Database*>(self)->Refuse("DETACH");
-      case SQLITE_INSERT:
-      case SQLITE_UPDATE:
-      case SQLITE_DELETE:
-        // Creating or dropping anything first writes SQLite's own catalogue.
-        if (name(first).rfind("sqlite_", 0) == 0) {
-          return static_cast<Database*>(self)->Refuse("changing the database");
-        }
-        return static_cast<Database*>(self)->Refuse("changing table " + name(first));
-      case SQLITE_TRANSACTION:
-      case SQLITE_SAVEPOINT:
-        return static_cast<Database*>(self)->Refuse("a transaction");
-      default:
-        return static_cast<Database*>(self)->Refuse("changing the database");
-    }
-  }
-
-  int Refuse(std::string what) {
-    if (refused_.empty()) refused_ = std::move(what);
-    return SQLITE_DENY;
-  }
-
-  sqlite3* db_;
-  std::string refused_;  // what the guard refused while the last statement was prepared
-  std::map<std::string, Prepared> idle_;  // by the SQL as the caller gave it
-};
-
 std::string Upper(const char* text) {
   std::string upper = text == nullptr ? "" : text;
   for (char& c : upper) {
@@ -292,6 +168,134 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const ColumnKind& kind) {
   }
 }
 
+// Statements reused on this thread since its kept connections' handle was made.
+thread_local int t_statements_reused = 0;
+
+// A statement prepared for a query's SQL, with the names of its parameters in order and, once it
+// has run, its columns as they were read then and SQLite's count of its re-preparations (a
+// statement is prepared again, and its columns may change, when the schema changes).
+struct Prepared {
+  sqlite3_stmt* statement = nullptr;
+  std::vector<std::string> names;
+  std::vector<Column> columns;
+  std::vector<ColumnKind> kinds;  // beside columns
+  int reprepared = -1;
+};
+
+class Database {
+ public:
+  explicit Database(sqlite3* db) : db_(db) {}
+  ~Database() {
+    for (auto& [sql, prepared] : idle_) sqlite3_finalize(prepared.statement);
+    sqlite3_close_v2(db_);
+  }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  sqlite3* get() const { return db_; }
+
+  // The statement prepared before for "sql" and not in use now, taken out of the idle ones (it
+  // is reset and its bindings cleared); nullopt when there is none. A print runs the same few
+  // queries every time, and preparing them again (views expanded, plans made) costs more than
+  // most queries take to run.
+  std::optional<Prepared> TakePrepared(const std::string& sql) {
+    const auto found = idle_.find(sql);
+    if (found == idle_.end()) return std::nullopt;
+    Prepared prepared = std::move(found->second);
+    idle_.erase(found);
+    sqlite3_clear_bindings(prepared.statement);
+    ++t_statements_reused;
+    return prepared;
+  }
+
+  // Takes back a statement that is done with, reset, for the next run of "sql"; it is finalized
+  // instead when one for "sql" is idle already, when the SQL is too long to keep as a key or
+  // when enough are kept. Never throws.
+  void KeepPrepared(std::string sql, Prepared prepared) noexcept {
+    constexpr size_t kMostKept = 64;
+    constexpr size_t kLongestSql = 16384;
+    sqlite3_reset(prepared.statement);
+    try {
+      if (sql.size() <= kLongestSql && idle_.size() < kMostKept &&
+          idle_.try_emplace(std::move(sql), std::move(prepared)).second) {
+        return;
+      }
+    } catch (...) {
+    }
+    sqlite3_finalize(prepared.statement);
+  }
+
+  // The error of the last failed call on this connection; a statement the read-only guard
+  // refused says what it refused.
+  Error LastError(int32_t number) const {
+    if (!refused_.empty()) return Refused(number, refused_);
+    return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
+  }
+
+  static Error Refused(int32_t number, const std::string& what) {
+    return Error(number, kSource,
+                 "The database is open for reading only: " + what + " is not allowed", SQLITE_AUTH);
+  }
+
+  // Lets statements read the main database and nothing else.
+  void GuardReads() {
+    refused_.clear();
+    sqlite3_set_authorizer(db_, &Database::Authorize, this);
+  }
+
+  void ClearRefusal() { refused_.clear(); }
+
+ private:
+  // Reports and templates only read: a statement that would write, reach another file (ATTACH,
+  // VACUUM INTO), change the connection through a pragma or load code is refused when prepared.
+  static int Authorize(void* self, int action, const char* first, const char* second, const char*,
+                       const char*) {
+    const auto name = [](const char* text) { return std::string(text == nullptr ? "" : text); };
+    switch (action) {
+      case SQLITE_SELECT:
+      case SQLITE_READ:
+      case SQLITE_RECURSIVE:
+        return SQLITE_OK;
+      case SQLITE_FUNCTION:
+        if (sqlite3_stricmp(name(second).c_str(), "load_extension") != 0) return SQLITE_OK;
+        return static_cast<Database*>(self)->Refuse("load_extension()");
+      case SQLITE_PRAGMA:
+        // Pragmas that only describe the schema; every other one can change the connection.
+        for (const char* reading : {"table_info", "table_xinfo", "index_list", "index_info",
+                                    "index_xinfo", "foreign_key_list"}) {
+          if (sqlite3_stricmp(name(first).c_str(), reading) == 0) return SQLITE_OK;
+        }
+        return static_cast<Database*>(self)->Refuse("PRAGMA " + name(first));
+      case SQLITE_ATTACH:
+        return static_cast<Database*>(self)->Refuse("ATTACH");
+      case SQLITE_DETACH:
+        return static_cast<Database*>(self)->Refuse("DETACH");
+      case SQLITE_INSERT:
+      case SQLITE_UPDATE:
+      case SQLITE_DELETE:
+        // Creating or dropping anything first writes SQLite's own catalogue.
+        if (name(first).rfind("sqlite_", 0) == 0) {
+          return static_cast<Database*>(self)->Refuse("changing the database");
+        }
+        return static_cast<Database*>(self)->Refuse("changing table " + name(first));
+      case SQLITE_TRANSACTION:
+      case SQLITE_SAVEPOINT:
+        return static_cast<Database*>(self)->Refuse("a transaction");
+      default:
+        return static_cast<Database*>(self)->Refuse("changing the database");
+    }
+  }
+
+  int Refuse(std::string what) {
+    if (refused_.empty()) refused_ = std::move(what);
+    return SQLITE_DENY;
+  }
+
+  sqlite3* db_;
+  std::string refused_;  // what the guard refused while the last statement was prepared
+  std::map<std::string, Prepared> idle_;  // by the SQL as the caller gave it
+};
+
 // Dates are stored as ISO text, so they are bound that way.
 std::string DateParameter(Date date) {
   if (!date.IsValid()) {
@@ -315,31 +319,35 @@ class SqliteCursor final : public Cursor {
  public:
   // Runs "prepared", which it gives back to "db" for "sql" when done.
   SqliteCursor(std::shared_ptr<Database> db, std::string sql, Prepared prepared)
-      : db_(std::move(db)),
-        sql_(std::move(sql)),
-        names_(std::move(prepared.names)),
-        statement_(prepared.statement) {
-    const int count = sqlite3_column_count(statement_);
-    for (int i = 0; i < count; ++i) {
-      const char* name = sqlite3_column_name(statement_, i);
-      columns_.push_back(
-          {name == nullptr ? "" : name, Upper(sqlite3_column_decltype(statement_, i))});
-      kinds_.push_back(KindOf(columns_.back().declared_type));
-    }
+      : db_(std::move(db)), sql_(std::move(sql)), prepared_(std::move(prepared)) {
     // The first step runs the statement, so a failing one fails Execute.
     Step();
+    // Columns are read again only when the statement is new or was prepared again since.
+    const int reprepared = sqlite3_stmt_status(prepared_.statement, SQLITE_STMTSTATUS_REPREPARE, 0);
+    if (reprepared != prepared_.reprepared) {
+      prepared_.columns.clear();
+      prepared_.kinds.clear();
+      const int count = sqlite3_column_count(prepared_.statement);
+      for (int i = 0; i < count; ++i) {
+        const char* name = sqlite3_column_name(prepared_.statement, i);
+        prepared_.columns.push_back(
+            {name == nullptr ? "" : name, Upper(sqlite3_column_decltype(prepared_.statement, i))});
+        prepared_.kinds.push_back(KindOf(prepared_.columns.back().declared_type));
+      }
+      prepared_.reprepared = reprepared;
+    }
   }
-  ~SqliteCursor() override { db_->KeepPrepared(std::move(sql_), {statement_, std::move(names_)}); }
+  ~SqliteCursor() override { db_->KeepPrepared(std::move(sql_), std::move(prepared_)); }
   SqliteCursor(const SqliteCursor&) = delete;
   SqliteCursor& operator=(const SqliteCursor&) = delete;
 
-  const std::vector<Column>& columns() const override { return columns_; }
+  const std::vector<Column>& columns() const override { return prepared_.columns; }
 
   bool Next(std::vector<Value>& row) override {
     if (!has_row_) return false;
-    row.resize(columns_.size());
-    for (size_t i = 0; i < columns_.size(); ++i) {
-      row[i] = ReadColumn(statement_, static_cast<int>(i), kinds_[i]);
+    row.resize(prepared_.columns.size());
+    for (size_t i = 0; i < prepared_.columns.size(); ++i) {
+      row[i] = ReadColumn(prepared_.statement, static_cast<int>(i), prepared_.kinds[i]);
     }
     Step();
     return true;
@@ -347,17 +355,14 @@ class SqliteCursor final : public Cursor {
 
  private:
   void Step() {
-    const int rc = sqlite3_step(statement_);
+    const int rc = sqlite3_step(prepared_.statement);
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) throw db_->LastError(errnum::kCommandError);
     has_row_ = rc == SQLITE_ROW;
   }
 
   std::shared_ptr<Database> db_;
   std::string sql_;
-  std::vector<std::string> names_;
-  sqlite3_stmt* statement_;
-  std::vector<Column> columns_;
-  std::vector<ColumnKind> kinds_;  // beside columns_
+  Prepared prepared_;
   bool has_row_ = false;
 };
 

@@ -461,6 +461,26 @@ TEST_F(KeptSqliteConnections, AReusedStatementReadsAChangeCommittedInBetween) {
   EXPECT_EQ(ThisThreadSqliteReuse().statements_reused, 1);
 }
 
+TEST_F(KeptSqliteConnections, AReusedStatementShowsColumnsAddedInBetween) {
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  ASSERT_EQ(connection->Execute("select * from t")->columns().size(), 1u);
+  sqlite3* writer = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &writer), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(writer, "alter table t add column amount numeric(12,2) default 7", nullptr,
+                         nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(writer);
+  const auto cursor = connection->Execute("select * from t");
+  ASSERT_EQ(cursor->columns().size(), 2u);
+  EXPECT_EQ(cursor->columns()[1].name, "amount");
+  std::vector<Value> row;
+  ASSERT_TRUE(cursor->Next(row));
+  ASSERT_EQ(row.size(), 2u);
+  EXPECT_EQ(row[1].kind(), Value::Kind::kDecimal) << "read by its declared type";
+  EXPECT_EQ(row[1].text(), "7.00");
+}
+
 TEST_F(KeptSqliteConnections, ReleasingTheLastHandleClosesThem) {
   {
     const auto keep = KeepSqliteConnections();
