@@ -211,7 +211,7 @@ class Database {
   // Takes back a statement that is done with, reset, for the next run of "sql"; it is finalized
   // instead when one for "sql" is idle already, when the SQL is too long to keep as a key or
   // when enough are kept. Never throws.
-  void KeepPrepared(std::string sql, Prepared prepared) noexcept {
+  void KeepPrepared(std::string sql, Prepared&& prepared) noexcept {
     constexpr size_t kMostKept = 64;
     constexpr size_t kLongestSql = 16384;
     sqlite3_reset(prepared.statement);
