@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "data/sql_params.h"
 #include "data/sqlite_dialect.h"
@@ -20,85 +22,6 @@ namespace {
 
 constexpr char kSource[] = "SQLite";
 constexpr int kBusyTimeoutMs = 5000;
-
-class Database {
- public:
-  explicit Database(sqlite3* db) : db_(db) {}
-  ~Database() { sqlite3_close_v2(db_); }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-
-  sqlite3* get() const { return db_; }
-
-  // The error of the last failed call on this connection; a statement the read-only guard
-  // refused says what it refused.
-  Error LastError(int32_t number) const {
-    if (!refused_.empty()) return Refused(number, refused_);
-    return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
-  }
-
-  static Error Refused(int32_t number, const std::string& what) {
-    return Error(number, kSource,
-                 "The database is open for reading only: " + what + " is not allowed", SQLITE_AUTH);
-  }
-
-  // Lets statements read the main database and nothing else.
-  void GuardReads() {
-    refused_.clear();
-    sqlite3_set_authorizer(db_, &Database::Authorize, this);
-  }
-
-  void ClearRefusal() { refused_.clear(); }
-
- private:
-  // Reports and templates only read: a statement that would write, reach another file (ATTACH,
-  // VACUUM INTO), change the connection through a pragma or load code is refused when prepared.
-  static int Authorize(void* self, int action, const char* first, const char* second, const char*,
-                       const char*) {
-    const auto name = [](const char* text) { return std::string(text == nullptr ? "" : text); };
-    switch (action) {
-      case SQLITE_SELECT:
-      case SQLITE_READ:
-      case SQLITE_RECURSIVE:
-        return SQLITE_OK;
-      case SQLITE_FUNCTION:
-        if (sqlite3_stricmp(name(second).c_str(), "load_extension") != 0) return SQLITE_OK;
-        return static_cast<Database*>(self)->Refuse("load_extension()");
-      case SQLITE_PRAGMA:
-        // Pragmas that only describe the schema; every other one can change the connection.
-        for (const char* reading : {"table_info", "table_xinfo", "index_list", "index_info",
-                                    "index_xinfo", "foreign_key_list"}) {
-          if (sqlite3_stricmp(name(first).c_str(), reading) == 0) return SQLITE_OK;
-        }
-        return static_cast<Database*>(self)->Refuse("PRAGMA " + name(first));
-      case SQLITE_ATTACH:
-        return static_cast<Database*>(self)->Refuse("ATTACH");
-      case SQLITE_DETACH:
-        return static_cast<Database*>(self)->Refuse("DETACH");
-      case SQLITE_INSERT:
-      case SQLITE_UPDATE:
-      case SQLITE_DELETE:
-        // Creating or dropping anything first writes SQLite's own catalogue.
-        if (name(first).rfind("sqlite_", 0) == 0) {
-          return static_cast<Database*>(self)->Refuse("changing the database");
-        }
-        return static_cast<Database*>(self)->Refuse("changing table " + name(first));
-      case SQLITE_TRANSACTION:
-      case SQLITE_SAVEPOINT:
-        return static_cast<Database*>(self)->Refuse("a transaction");
-      default:
-        return static_cast<Database*>(self)->Refuse("changing the database");
-    }
-  }
-
-  int Refuse(std::string what) {
-    if (refused_.empty()) refused_ = std::move(what);
-    return SQLITE_DENY;
-  }
-
-  sqlite3* db_;
-  std::string refused_;  // what the guard refused while the last statement was prepared
-};
 
 std::string Upper(const char* text) {
   std::string upper = text == nullptr ? "" : text;
@@ -182,40 +105,58 @@ std::string ShortestFixed(double value) {
   return std::string(buffer, result.ptr);
 }
 
-Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declared) {
+// What a column's declared type says about reading its values, worked out once per statement
+// rather than once per value.
+struct ColumnKind {
+  bool boolean = false;
+  bool decimal = false;
+  bool date = false;
+  int scale = -1;  // DeclaredScale, for decimal columns
+};
+
+ColumnKind KindOf(const std::string& declared) {
+  ColumnKind kind;
+  kind.boolean = Contains(declared, "BOOL");
+  kind.decimal = IsDecimalType(declared);
+  kind.date = Contains(declared, "DATE") || Contains(declared, "TIME");
+  kind.scale = DeclaredScale(declared);
+  return kind;
+}
+
+Value ReadColumn(sqlite3_stmt* statement, int column, const ColumnKind& kind) {
   switch (sqlite3_column_type(statement, column)) {
     case SQLITE_NULL:
       return Value();
     case SQLITE_INTEGER: {
       const sqlite3_int64 number = sqlite3_column_int64(statement, column);
-      if (Contains(declared, "BOOL")) return Value::Boolean(number != 0);
-      if (IsDecimalType(declared)) {
+      if (kind.boolean) return Value::Boolean(number != 0);
+      if (kind.decimal) {
         char buffer[24];
         return Value::Decimal(WithScale(
             std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr),
-            DeclaredScale(declared)));
+            kind.scale));
       }
       return Value::Integer(number);
     }
     case SQLITE_FLOAT: {
       const double number = sqlite3_column_double(statement, column);
       // The shortest digits that read back as the stored double are the amount that was written.
-      if (IsDecimalType(declared) && std::isfinite(number)) {
-        return Value::Decimal(WithScale(ShortestFixed(number), DeclaredScale(declared)));
+      if (kind.decimal && std::isfinite(number)) {
+        return Value::Decimal(WithScale(ShortestFixed(number), kind.scale));
       }
       return Value::Real(number);
     }
     case SQLITE_TEXT: {
       const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
       std::string text(bytes, static_cast<size_t>(sqlite3_column_bytes(statement, column)));
-      if (Contains(declared, "DATE") || Contains(declared, "TIME")) {
+      if (kind.date) {
         const std::optional<std::string> iso = NormaliseYearFirstDate(text, true);
         if (const std::optional<Date> date = iso ? Date::FromIso(*iso) : std::nullopt) {
           return iso->size() == 10 ? Value::FromDate(*date) : Value::FromDateTime(*date);
         }
       }
-      if (IsDecimalType(declared) && IsDecimalText(text)) {
-        return Value::Decimal(WithScale(std::move(text), DeclaredScale(declared)));
+      if (kind.decimal && IsDecimalText(text)) {
+        return Value::Decimal(WithScale(std::move(text), kind.scale));
       }
       return Value::Text(std::move(text));
     }
@@ -226,6 +167,134 @@ Value ReadColumn(sqlite3_stmt* statement, int column, const std::string& declare
     }
   }
 }
+
+// Statements reused on this thread since its kept connections' handle was made.
+thread_local int t_statements_reused = 0;
+
+// A statement prepared for a query's SQL, with the names of its parameters in order and, once it
+// has run, its columns as they were read then and SQLite's count of its re-preparations (a
+// statement is prepared again, and its columns may change, when the schema changes).
+struct Prepared {
+  sqlite3_stmt* statement = nullptr;
+  std::vector<std::string> names;
+  std::vector<Column> columns;
+  std::vector<ColumnKind> kinds;  // beside columns
+  int reprepared = -1;
+};
+
+class Database {
+ public:
+  explicit Database(sqlite3* db) : db_(db) {}
+  ~Database() {
+    for (auto& [sql, prepared] : idle_) sqlite3_finalize(prepared.statement);
+    sqlite3_close_v2(db_);
+  }
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+
+  sqlite3* get() const { return db_; }
+
+  // The statement prepared before for "sql" and not in use now, taken out of the idle ones (it
+  // is reset and its bindings cleared); nullopt when there is none. A print runs the same few
+  // queries every time, and preparing them again (views expanded, plans made) costs more than
+  // most queries take to run.
+  std::optional<Prepared> TakePrepared(const std::string& sql) {
+    const auto found = idle_.find(sql);
+    if (found == idle_.end()) return std::nullopt;
+    Prepared prepared = std::move(found->second);
+    idle_.erase(found);
+    sqlite3_clear_bindings(prepared.statement);
+    ++t_statements_reused;
+    return prepared;
+  }
+
+  // Takes back a statement that is done with, reset, for the next run of "sql"; it is finalized
+  // instead when one for "sql" is idle already, when the SQL is too long to keep as a key or
+  // when enough are kept. Never throws.
+  void KeepPrepared(std::string sql, Prepared&& prepared) noexcept {
+    constexpr size_t kMostKept = 64;
+    constexpr size_t kLongestSql = 16384;
+    sqlite3_reset(prepared.statement);
+    try {
+      if (sql.size() <= kLongestSql && idle_.size() < kMostKept &&
+          idle_.try_emplace(std::move(sql), std::move(prepared)).second) {
+        return;
+      }
+    } catch (...) {
+    }
+    sqlite3_finalize(prepared.statement);
+  }
+
+  // The error of the last failed call on this connection; a statement the read-only guard
+  // refused says what it refused.
+  Error LastError(int32_t number) const {
+    if (!refused_.empty()) return Refused(number, refused_);
+    return Error(number, kSource, sqlite3_errmsg(db_), sqlite3_extended_errcode(db_));
+  }
+
+  static Error Refused(int32_t number, const std::string& what) {
+    return Error(number, kSource,
+                 "The database is open for reading only: " + what + " is not allowed", SQLITE_AUTH);
+  }
+
+  // Lets statements read the main database and nothing else.
+  void GuardReads() {
+    refused_.clear();
+    sqlite3_set_authorizer(db_, &Database::Authorize, this);
+  }
+
+  void ClearRefusal() { refused_.clear(); }
+
+ private:
+  // Reports and templates only read: a statement that would write, reach another file (ATTACH,
+  // VACUUM INTO), change the connection through a pragma or load code is refused when prepared.
+  static int Authorize(void* self, int action, const char* first, const char* second, const char*,
+                       const char*) {
+    const auto name = [](const char* text) { return std::string(text == nullptr ? "" : text); };
+    switch (action) {
+      case SQLITE_SELECT:
+      case SQLITE_READ:
+      case SQLITE_RECURSIVE:
+        return SQLITE_OK;
+      case SQLITE_FUNCTION:
+        if (sqlite3_stricmp(name(second).c_str(), "load_extension") != 0) return SQLITE_OK;
+        return static_cast<Database*>(self)->Refuse("load_extension()");
+      case SQLITE_PRAGMA:
+        // Pragmas that only describe the schema; every other one can change the connection.
+        for (const char* reading : {"table_info", "table_xinfo", "index_list", "index_info",
+                                    "index_xinfo", "foreign_key_list"}) {
+          if (sqlite3_stricmp(name(first).c_str(), reading) == 0) return SQLITE_OK;
+        }
+        return static_cast<Database*>(self)->Refuse("PRAGMA " + name(first));
+      case SQLITE_ATTACH:
+        return static_cast<Database*>(self)->Refuse("ATTACH");
+      case SQLITE_DETACH:
+        return static_cast<Database*>(self)->Refuse("DETACH");
+      case SQLITE_INSERT:
+      case SQLITE_UPDATE:
+      case SQLITE_DELETE:
+        // Creating or dropping anything first writes SQLite's own catalogue.
+        if (name(first).rfind("sqlite_", 0) == 0) {
+          return static_cast<Database*>(self)->Refuse("changing the database");
+        }
+        return static_cast<Database*>(self)->Refuse("changing table " + name(first));
+      case SQLITE_TRANSACTION:
+      case SQLITE_SAVEPOINT:
+        return static_cast<Database*>(self)->Refuse("a transaction");
+      default:
+        return static_cast<Database*>(self)->Refuse("changing the database");
+    }
+  }
+
+  int Refuse(std::string what) {
+    if (refused_.empty()) refused_ = std::move(what);
+    return SQLITE_DENY;
+  }
+
+  sqlite3* db_;
+  std::string refused_;  // what the guard refused while the last statement was prepared
+  std::map<std::string, Prepared> idle_;  // by the SQL as the caller gave it
+};
 
 // Dates are stored as ISO text, so they are bound that way.
 std::string DateParameter(Date date) {
@@ -248,28 +317,37 @@ std::string DateParameter(Date date) {
 
 class SqliteCursor final : public Cursor {
  public:
-  SqliteCursor(std::shared_ptr<Database> db, sqlite3_stmt* statement)
-      : db_(std::move(db)), statement_(statement) {
-    const int count = sqlite3_column_count(statement_);
-    for (int i = 0; i < count; ++i) {
-      const char* name = sqlite3_column_name(statement_, i);
-      columns_.push_back(
-          {name == nullptr ? "" : name, Upper(sqlite3_column_decltype(statement_, i))});
-    }
+  // Runs "prepared", which it gives back to "db" for "sql" when done.
+  SqliteCursor(std::shared_ptr<Database> db, std::string sql, Prepared prepared)
+      : db_(std::move(db)), sql_(std::move(sql)), prepared_(std::move(prepared)) {
     // The first step runs the statement, so a failing one fails Execute.
     Step();
+    // Columns are read again only when the statement is new or was prepared again since.
+    const int reprepared = sqlite3_stmt_status(prepared_.statement, SQLITE_STMTSTATUS_REPREPARE, 0);
+    if (reprepared != prepared_.reprepared) {
+      prepared_.columns.clear();
+      prepared_.kinds.clear();
+      const int count = sqlite3_column_count(prepared_.statement);
+      for (int i = 0; i < count; ++i) {
+        const char* name = sqlite3_column_name(prepared_.statement, i);
+        prepared_.columns.push_back(
+            {name == nullptr ? "" : name, Upper(sqlite3_column_decltype(prepared_.statement, i))});
+        prepared_.kinds.push_back(KindOf(prepared_.columns.back().declared_type));
+      }
+      prepared_.reprepared = reprepared;
+    }
   }
-  ~SqliteCursor() override { sqlite3_finalize(statement_); }
+  ~SqliteCursor() override { db_->KeepPrepared(std::move(sql_), std::move(prepared_)); }
   SqliteCursor(const SqliteCursor&) = delete;
   SqliteCursor& operator=(const SqliteCursor&) = delete;
 
-  const std::vector<Column>& columns() const override { return columns_; }
+  const std::vector<Column>& columns() const override { return prepared_.columns; }
 
   bool Next(std::vector<Value>& row) override {
     if (!has_row_) return false;
-    row.resize(columns_.size());
-    for (size_t i = 0; i < columns_.size(); ++i) {
-      row[i] = ReadColumn(statement_, static_cast<int>(i), columns_[i].declared_type);
+    row.resize(prepared_.columns.size());
+    for (size_t i = 0; i < prepared_.columns.size(); ++i) {
+      row[i] = ReadColumn(prepared_.statement, static_cast<int>(i), prepared_.kinds[i]);
     }
     Step();
     return true;
@@ -277,14 +355,14 @@ class SqliteCursor final : public Cursor {
 
  private:
   void Step() {
-    const int rc = sqlite3_step(statement_);
+    const int rc = sqlite3_step(prepared_.statement);
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) throw db_->LastError(errnum::kCommandError);
     has_row_ = rc == SQLITE_ROW;
   }
 
   std::shared_ptr<Database> db_;
-  sqlite3_stmt* statement_;
-  std::vector<Column> columns_;
+  std::string sql_;
+  Prepared prepared_;
   bool has_row_ = false;
 };
 
@@ -294,10 +372,31 @@ class SqliteConnection final : public Connection {
 
   std::unique_ptr<Cursor> Execute(const std::string& sql,
                                   const std::map<std::string, ParamValue>& params) override {
-    const PositionalSql positional = ToPositional(sql);
+    db_->ClearRefusal();
+    std::optional<Prepared> prepared = db_->TakePrepared(sql);
+    if (!prepared) prepared = Prepare(sql);
+    try {
+      Bind(prepared->statement, prepared->names, params);
+    } catch (...) {
+      sqlite3_finalize(prepared->statement);
+      throw;
+    }
+    sqlite3_stmt* const statement = prepared->statement;
+    try {
+      return std::make_unique<SqliteCursor>(db_, sql, std::move(*prepared));
+    } catch (...) {
+      sqlite3_finalize(statement);
+      throw;
+    }
+  }
+
+ private:
+  // "sql" prepared: its parameters made positional, its dialect bridged, and checked to be a
+  // query.
+  Prepared Prepare(const std::string& sql) {
+    PositionalSql positional = ToPositional(sql);
     const std::string translated = TranslateForSqlite(positional.sql);
     sqlite3_stmt* statement = nullptr;
-    db_->ClearRefusal();
     if (sqlite3_prepare_v2(db_->get(), translated.c_str(), static_cast<int>(translated.size()),
                            &statement, nullptr) != SQLITE_OK) {
       throw db_->LastError(errnum::kCommandError);
@@ -311,13 +410,7 @@ class SqliteConnection final : public Connection {
       sqlite3_finalize(statement);
       throw Database::Refused(errnum::kCommandError, "a statement that returns no rows");
     }
-    try {
-      Bind(statement, positional.names, params);
-      return std::make_unique<SqliteCursor>(db_, statement);
-    } catch (...) {
-      sqlite3_finalize(statement);
-      throw;
-    }
+    return {statement, std::move(positional.names)};
   }
 
  private:
@@ -385,12 +478,16 @@ std::shared_ptr<void> KeepSqliteConnections() {
   if (auto kept = slot.lock()) return kept;
   auto kept = std::make_shared<KeptConnections>();
   slot = kept;
+  t_statements_reused = 0;
   return kept;
 }
 
 SqliteReuseStats ThisThreadSqliteReuse() {
   const auto kept = ThreadKept().lock();
-  return kept ? kept->stats : SqliteReuseStats{};
+  if (!kept) return {};
+  SqliteReuseStats stats = kept->stats;
+  stats.statements_reused = t_statements_reused;
+  return stats;
 }
 
 std::unique_ptr<Connection> OpenSqlite(const std::string& path) {

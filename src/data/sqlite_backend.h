@@ -25,11 +25,14 @@ std::unique_ptr<Connection> OpenSqlite(const std::string& path);
 // nothing of a connection string is kept.
 std::shared_ptr<void> KeepSqliteConnections();
 
-// How many SQLite connections this thread opened and reused since its current handles were made;
+// How many SQLite connections this thread opened and reused since its current handles were made,
+// and how many statements it ran again without preparing them anew (a connection keeps the
+// statements of its queries once they are done, reset, and runs them again for the same SQL);
 // zeros when it has none.
 struct SqliteReuseStats {
   int opened = 0;
   int reused = 0;
+  int statements_reused = 0;
 };
 SqliteReuseStats ThisThreadSqliteReuse();
 

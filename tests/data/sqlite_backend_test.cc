@@ -391,6 +391,96 @@ TEST_F(KeptSqliteConnections, TwoThreadsDoNotShareOne) {
   EXPECT_EQ(ThisThreadSqliteReuse().reused, 0);
 }
 
+// The rows of "sql" run with "params" on "connection", first columns as integers.
+std::vector<int64_t> Numbers(Connection& connection, const std::string& sql,
+                             const std::map<std::string, ParamValue>& params = {}) {
+  const auto cursor = connection.Execute(sql, params);
+  std::vector<int64_t> numbers;
+  std::vector<Value> row;
+  while (cursor->Next(row)) numbers.push_back(row.at(0).integer());
+  return numbers;
+}
+
+TEST_F(KeptSqliteConnections, AQueryRunAgainReusesItsStatement) {
+  const auto keep = KeepSqliteConnections();
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(Count(path_), 1);
+  EXPECT_EQ(ThisThreadSqliteReuse().statements_reused, 2);
+}
+
+TEST_F(KeptSqliteConnections, AReusedStatementTakesItsNewParameters) {
+  testing::CreateSqlite(path_, "insert into t values (2), (2);");
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  const std::string sql = "select n from t where n = :n";
+  EXPECT_EQ(Numbers(*connection, sql, {{"n", int64_t{1}}}), std::vector<int64_t>({1}));
+  EXPECT_EQ(Numbers(*connection, sql, {{"n", int64_t{2}}}), std::vector<int64_t>({2, 2}));
+  EXPECT_EQ(Numbers(*connection, sql), std::vector<int64_t>()) << "a missing parameter is NULL";
+  EXPECT_EQ(ThisThreadSqliteReuse().statements_reused, 2);
+}
+
+TEST_F(KeptSqliteConnections, AStatementLeftHalfReadStartsAfreshWhenReused) {
+  testing::CreateSqlite(path_, "insert into t values (2), (3);");
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  const std::string sql = "select n from t order by n";
+  {
+    const auto cursor = connection->Execute(sql);
+    std::vector<Value> row;
+    ASSERT_TRUE(cursor->Next(row));
+  }
+  EXPECT_EQ(Numbers(*connection, sql), std::vector<int64_t>({1, 2, 3}));
+  EXPECT_EQ(ThisThreadSqliteReuse().statements_reused, 1);
+}
+
+TEST_F(KeptSqliteConnections, TheSameQueryRunsTwiceAtOnce) {
+  testing::CreateSqlite(path_, "insert into t values (2);");
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  const std::string sql = "select n from t order by n";
+  const auto outer = connection->Execute(sql);
+  std::vector<Value> row;
+  std::vector<int64_t> seen;
+  while (outer->Next(row)) {
+    seen.push_back(row.at(0).integer());
+    for (const int64_t n : Numbers(*connection, sql)) seen.push_back(n);
+  }
+  EXPECT_EQ(seen, std::vector<int64_t>({1, 1, 2, 2, 1, 2}));
+}
+
+TEST_F(KeptSqliteConnections, AReusedStatementReadsAChangeCommittedInBetween) {
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  EXPECT_EQ(Numbers(*connection, "select n from t"), std::vector<int64_t>({1}));
+  sqlite3* writer = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &writer), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(writer, "insert into t values (5)", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(writer);
+  EXPECT_EQ(Numbers(*connection, "select n from t"), std::vector<int64_t>({1, 5}));
+  EXPECT_EQ(ThisThreadSqliteReuse().statements_reused, 1);
+}
+
+TEST_F(KeptSqliteConnections, AReusedStatementShowsColumnsAddedInBetween) {
+  const auto keep = KeepSqliteConnections();
+  const auto connection = Connection::Open(path_);
+  ASSERT_EQ(connection->Execute("select * from t")->columns().size(), 1u);
+  sqlite3* writer = nullptr;
+  ASSERT_EQ(sqlite3_open(path_.c_str(), &writer), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(writer, "alter table t add column amount numeric(12,2) default 7", nullptr,
+                         nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(writer);
+  const auto cursor = connection->Execute("select * from t");
+  ASSERT_EQ(cursor->columns().size(), 2u);
+  EXPECT_EQ(cursor->columns()[1].name, "amount");
+  std::vector<Value> row;
+  ASSERT_TRUE(cursor->Next(row));
+  ASSERT_EQ(row.size(), 2u);
+  EXPECT_EQ(row[1].kind(), Value::Kind::kDecimal) << "read by its declared type";
+  EXPECT_EQ(row[1].text(), "7.00");
+}
+
 TEST_F(KeptSqliteConnections, ReleasingTheLastHandleClosesThem) {
   {
     const auto keep = KeepSqliteConnections();

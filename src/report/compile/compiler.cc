@@ -139,8 +139,19 @@ class ReportBinder final : public expr::Binder {
           spec.scope = AggregateScope::kReport;
       }
     }
-    aggregates_.push_back(std::move(spec));
-    return static_cast<int>(aggregates_.size() - 1);
+    // The same aggregate written in several texts is kept once: a register's running balance
+    // appears in a few of each row's texts and would otherwise be summed once for each of them.
+    for (; aggregates_indexed_ < aggregates_.size(); ++aggregates_indexed_) {
+      aggregate_index_.emplace(AggregateKey(aggregates_[aggregates_indexed_]),
+                               static_cast<int>(aggregates_indexed_));
+    }
+    const auto [it, added] =
+        aggregate_index_.emplace(AggregateKey(spec), static_cast<int>(aggregates_.size()));
+    if (added) {
+      aggregates_.push_back(std::move(spec));
+      ++aggregates_indexed_;
+    }
+    return it->second;
   }
 
  private:
@@ -151,12 +162,24 @@ class ReportBinder final : public expr::Binder {
                : -1;
   }
 
+  // What makes two aggregates one: kind, rows, resets and the argument's text (an argument
+  // holds no aggregate, and its names bind alike wherever it is written).
+  static std::string AggregateKey(const AggregateSpec& spec) {
+    std::string key = std::to_string(static_cast<int>(spec.kind)) + ':' +
+                      std::to_string(static_cast<int>(spec.scope)) + ':' +
+                      std::to_string(spec.data) + ':' + std::to_string(spec.group_level);
+    key += spec.argument ? "=" + spec.argument->source() : std::string("#");
+    return key;
+  }
+
   const CompiledReport& report_;
   std::vector<FieldSpec>& fields_;
   std::vector<AggregateSpec>& aggregates_;
   const std::vector<std::string>& data_names_;
-  std::unordered_map<std::string, int> field_index_;  // FieldKey → first field of that key
-  size_t indexed_ = 0;                                // fields_ entries in field_index_
+  std::unordered_map<std::string, int> field_index_;      // FieldKey → first field of that key
+  size_t indexed_ = 0;                                    // fields_ entries in field_index_
+  std::unordered_map<std::string, int> aggregate_index_;  // AggregateKey → its aggregate
+  size_t aggregates_indexed_ = 0;                         // aggregates_ entries in the index
 };
 
 class Compiler {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include "report/expr/text_util.h"
@@ -237,9 +238,43 @@ std::string FormatWithSection(const Value& value, const NumberSection& s, bool s
   return out;
 }
 
+// A pattern's number sections, read once: a register formats every row's amounts with the same
+// few patterns.
+struct NumberPattern {
+  std::string pattern;
+  std::vector<NumberSection> sections;
+};
+
+const std::vector<NumberSection>& NumberSections(std::string_view pattern) {
+  constexpr size_t kKept = 8;
+  constexpr size_t kLongestKept = 256;
+  thread_local std::vector<NumberPattern> kept;
+  thread_local size_t next = 0;
+  for (const NumberPattern& known : kept) {
+    if (known.pattern == pattern) return known.sections;
+  }
+  NumberPattern parsed{std::string(pattern), {}};
+  for (const std::string_view section : SplitSections(pattern)) {
+    parsed.sections.push_back(ParseNumberSection(section));
+  }
+  if (pattern.size() > kLongestKept) {
+    thread_local NumberPattern uncached;
+    uncached = std::move(parsed);
+    return uncached.sections;
+  }
+  if (kept.size() < kKept) {
+    kept.push_back(std::move(parsed));
+    return kept.back().sections;
+  }
+  NumberPattern& slot = kept[next];
+  next = (next + 1) % kKept;
+  slot = std::move(parsed);
+  return slot.sections;
+}
+
 std::optional<std::string> FormatNumber(const Value& value, std::string_view pattern) {
-  const std::vector<std::string_view> sections = SplitSections(pattern);
-  const NumberSection positive = ParseNumberSection(sections[0]);
+  const std::vector<NumberSection>& sections = NumberSections(pattern);
+  const NumberSection& positive = sections[0];
   if (!positive.has_digits) return std::nullopt;
   const int sign = value.kind() == Value::Kind::kDecimal
                        ? Decimal::Compare(value.decimal(), Decimal())
@@ -249,10 +284,10 @@ std::optional<std::string> FormatNumber(const Value& value, std::string_view pat
                                 ? Value::Number(Decimal::FromMantissa(-value.decimal().mantissa(),
                                                                       value.decimal().scale()))
                                 : Value::Number(-value.number());
-    return FormatWithSection(magnitude, ParseNumberSection(sections[1]), false);
+    return FormatWithSection(magnitude, sections[1], false);
   }
   if (sign == 0 && sections.size() >= 3) {
-    return FormatWithSection(value, ParseNumberSection(sections[2]), false);
+    return FormatWithSection(value, sections[2], false);
   }
   return FormatWithSection(value, positive, true);
 }

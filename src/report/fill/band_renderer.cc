@@ -228,7 +228,7 @@ std::optional<BandBlock> BandRenderer::Render(const CompiledBand& band) {
           (text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell ||
            text->shrink)) {
         const float width = text->box.width - style.padding.left - style.padding.right;
-        const float need = text::MeasureText(item.text, style, std::max(width, 1.0f)).height +
+        const float need = text::MeasureHeight(item.text, style, std::max(width, 1.0f)) +
                            style.padding.top + style.padding.bottom;
         const bool grows =
             text->stretch == StretchMode::kGrow || text->stretch == StretchMode::kCell;

@@ -68,7 +68,18 @@ Value Shown(Value value, bool markup) {
 
 }  // namespace
 
-Value FillContext::Field(int id) const { return Shown(ToExprValue(Raw(id)), markup); }
+Value FillContext::Field(int id) const {
+  if (snapshot_ != nullptr) return Shown(ToExprValue(Raw(id)), markup);
+  const FieldSpec& field = tables_.fields[static_cast<size_t>(id)];
+  const uint64_t serial = cursors_[static_cast<size_t>(field.query)].row_serial();
+  if (values_.size() <= static_cast<size_t>(id)) values_.resize(tables_.fields.size());
+  FieldValue& known = values_[static_cast<size_t>(id)];
+  if (known.row_serial != serial) {
+    known.value = ToExprValue(Raw(id));
+    known.row_serial = serial;
+  }
+  return Shown(known.value, markup);
+}
 
 Value FillContext::Variable(int id) const {
   if (id < 0 || static_cast<size_t>(id) >= variables_.size()) return Value();

@@ -64,6 +64,13 @@ class FillContext final : public expr::Context {
   const Snapshot* snapshot_ = nullptr;
   // Column of each field in its query, with the cursor generation it was found in.
   mutable std::vector<std::pair<int, int>> columns_;
+  // Each field's value as an expression value, with the cursor's row serial it was read at: a
+  // row's amounts are read by several texts and totals, and converted once.
+  struct FieldValue {
+    uint64_t row_serial = 0;
+    expr::Value value;
+  };
+  mutable std::vector<FieldValue> values_;
 };
 
 // A database value as an expression value: decimals stay exact, doubles keep their short form.

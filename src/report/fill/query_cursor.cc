@@ -1,6 +1,7 @@
 #include "report/fill/query_cursor.h"
 #include "report/expr/text_util.h"
 
+#include <atomic>
 #include <cctype>
 
 namespace vantorel::report {
@@ -22,6 +23,11 @@ data::Value ToValue(const data::ParamValue& param) {
 
 }  // namespace
 
+uint64_t QueryCursor::NewRowSerial() {
+  static std::atomic<uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void QueryCursor::Open(data::Connection& connection, const std::string& sql,
                        const std::map<std::string, data::ParamValue>& params) {
   cursor_.reset();
@@ -31,6 +37,7 @@ void QueryCursor::Open(data::Connection& connection, const std::string& sql,
   columns_.clear();
   parameters_.clear();
   ++generation_;
+  row_serial_ = NewRowSerial();
   cursor_ = connection.Execute(sql, params);
   opened_ = true;
   const auto& columns = cursor_->columns();
@@ -57,6 +64,7 @@ bool QueryCursor::Next() {
   if (!has_next_) return false;
   std::swap(current_, next_);
   has_current_ = true;
+  row_serial_ = NewRowSerial();
   ReadAhead();
   return true;
 }

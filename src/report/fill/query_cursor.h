@@ -6,6 +6,7 @@
 #ifndef VANTOREL_REPORT_FILL_QUERY_CURSOR_H_
 #define VANTOREL_REPORT_FILL_QUERY_CURSOR_H_
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -29,9 +30,13 @@ class QueryCursor {
   template <typename F>
   auto PeekNext(F&& look) {
     std::swap(current_, next_);
+    row_serial_ = NewRowSerial();
     struct Restore {
       QueryCursor* self;
-      ~Restore() { std::swap(self->current_, self->next_); }
+      ~Restore() {
+        std::swap(self->current_, self->next_);
+        self->row_serial_ = NewRowSerial();
+      }
     } restore{this};
     return look();
   }
@@ -46,8 +51,13 @@ class QueryCursor {
   }
   // Bumped at every Open, so cached column numbers know when to look again.
   int generation() const { return generation_; }
+  // Changes whenever what Get answers may change (a new run, the next row, a look ahead) and is
+  // never the same for two rows of any cursor in the process, so values worked out from the
+  // current row can be kept until it changes. Never 0.
+  uint64_t row_serial() const { return row_serial_; }
 
  private:
+  static uint64_t NewRowSerial();
   void ReadAhead();
 
   std::unique_ptr<data::Cursor> cursor_;
@@ -59,6 +69,7 @@ class QueryCursor {
   bool has_current_ = false;
   bool has_next_ = false;
   int generation_ = 0;
+  uint64_t row_serial_ = NewRowSerial();
 };
 
 }  // namespace vantorel::report

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <list>
 #include <string>
 #include <unordered_map>
@@ -118,23 +119,31 @@ LaidOutText LayOutUncached(std::string_view text, const TextStyle& style, float 
 // any glyph the fast path takes), come within the width. Most cells of a table are so, and are
 // then checked for fit at the cost of a glance rather than a layout.
 bool FitsOnOneLine(std::string_view text, const TextStyle& style, float width, float height) {
-  if (style.rich || !(style.size > 0) || text.find_first_of("\r\n") != std::string_view::npos) {
-    return false;
-  }
+  if (style.rich || !(style.size > 0)) return false;
   const FontInfo& font =
       ThreadFonts::Current().Primary(style.font_family, style.bold, style.italic, style.size);
   if (font.ascent + font.descent > height) return false;
   float advances = 0;
   size_t characters = 0;
+  bool ascii = true;
   for (const char c : text) {
     const auto byte = static_cast<uint8_t>(c);
+    if (byte < 0x80) {
+      // A line break, a control character or one the font lacks: not the fast path's one line.
+      // The same test as CanLayOutFast's for ASCII, made here in the same pass.
+      if (byte < 0x20 || byte == 0x7F || !font.ascii[byte]) return false;
+      ++characters;
+      advances += font.ascii_advance[byte];
+      continue;
+    }
+    ascii = false;
     if ((byte & 0xC0) == 0x80) continue;
     ++characters;
-    advances += byte < 0x80 ? font.ascii_advance[byte] : 1.25f * style.size;
+    advances += 1.25f * style.size;
   }
   const float widest = advances * 1.05f + 0.25f * style.size +
                        static_cast<float>(characters) * std::max(0.0f, style.char_spacing);
-  return widest <= width && CanLayOutFast(text, font);
+  return widest <= width && (ascii || CanLayOutFast(text, font));
 }
 
 }  // namespace
@@ -191,6 +200,15 @@ void SetLayoutCacheBudget(size_t bytes) { Cache().SetBudget(bytes); }
 
 SizeF MeasureText(std::string_view text, const TextStyle& style, float width) {
   return LayOut(text, style, width)->size;
+}
+
+float MeasureHeight(std::string_view text, const TextStyle& style, float width) {
+  if (!text.empty() && FitsOnOneLine(text, style, width, std::numeric_limits<float>::infinity())) {
+    const FontInfo& font =
+        ThreadFonts::Current().Primary(style.font_family, style.bold, style.italic, style.size);
+    return font.ascent + font.descent;
+  }
+  return LayOut(text, style, width)->size.height;
 }
 
 BoxFit FitInBox(std::string_view text, const TextStyle& style, SizeF size) {

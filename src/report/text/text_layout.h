@@ -21,6 +21,11 @@ namespace vantorel::report::text {
 // height less padding). Height is the sum of the line heights; width the widest line.
 SizeF MeasureText(std::string_view text, const TextStyle& style, float width);
 
+// The height MeasureText gives. A plain text that surely lays out as one line is answered from
+// its font without laying it out: most cells of a long register are so, are never measured
+// again, and laid out only once, when drawn.
+float MeasureHeight(std::string_view text, const TextStyle& style, float width);
+
 // Whether "text" fits in a box of "size" drawn with "style", judged as the renderer draws it:
 // lines as long as the box less its padding (along its height when rotated); text taller than
 // its box starts at the top. Upright text may use the box's padding before any of it is cut;

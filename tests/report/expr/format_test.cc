@@ -103,6 +103,23 @@ TEST_P(Format, Pattern) {
   EXPECT_EQ(FormatValue(GetParam().value, GetParam().pattern), GetParam().expected);
 }
 
+// Patterns are read once and kept, a few at a time: whatever was formatted before, with however
+// many other patterns in between, a pattern formats as it did the first time.
+TEST(FormatPatterns, FormatAlikeWhateverCameBefore) {
+  const std::string long_pattern = "\"" + std::string(300, 'x') + "\" #,##0.00;(#,##0.00);nil";
+  const std::string long_expected = std::string(300, 'x') + " 1,234.50";
+  for (int round = 0; round < 3; ++round) {
+    for (const FormatCase& c : kNumberCases) {
+      EXPECT_EQ(FormatValue(c.value, c.pattern), c.expected) << c.name << ", round " << round;
+    }
+    EXPECT_EQ(FormatValue(N("-5"), "0.0;(0.0);nil"), "(5.0)");
+    EXPECT_EQ(FormatValue(N("0"), "0.0;(0.0);nil"), "nil");
+    EXPECT_EQ(FormatValue(N("1234.5"), long_pattern), long_expected);
+    EXPECT_EQ(FormatValue(N("-2"), long_pattern), "(2.00)");
+    EXPECT_EQ(FormatValue(N("0"), long_pattern), "nil");
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Numbers, Format, ::testing::ValuesIn(kNumberCases), testing::CaseName());
 INSTANTIATE_TEST_SUITE_P(Dates, Format, ::testing::ValuesIn(kDateCases), testing::CaseName());
 INSTANTIATE_TEST_SUITE_P(Others, Format, ::testing::ValuesIn(kOtherCases), testing::CaseName());

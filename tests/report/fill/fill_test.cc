@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "report/binding/report_engine.h"
+#include "report/compile/compiled_report.h"
 #include "report/fill/fill.h"
 #include "report/text/rich_text.h"
 #include "support/test_support.h"
@@ -136,6 +137,63 @@ TEST_F(FillTest, DataBandPrintsEveryRowWithRunningAndGroupTotals) {
                                              "1810.60",
                                              "Splendor total 1810.60",
                                              "Grand total 4272.27"};
+  EXPECT_EQ(Texts(rendered.document, 0), expected);
+}
+
+TEST_F(FillTest, TheSameAggregateWrittenTwiceIsKeptOnceAndTotalsAlike) {
+  const std::string body = R"t(
+    <query name="Q"><sql>select * from item order by model, id</sql></query>
+    <title height="8mm"><text width="100mm" height="6mm">[Sum(Q.amount)] / [Sum(Q.amount)]</text></title>
+    <data name="Rows" query="Q" height="5mm">
+      <group condition="Q.model">
+        <footer height="5mm"><text width="60mm" height="5mm">[Sum(Q.amount)] [Sum(Q.qty)]</text></footer>
+      </group>
+      <text width="30mm" height="5mm">[Sum(Q.amount)]</text>
+      <text left="30mm" width="30mm" height="5mm">[Sum(Q.amount) - Sum(Q.amount, running)]</text>
+      <text left="60mm" width="30mm" height="5mm">[Sum(Q.qty, running)] [Sum(Q.qty,running)]</text>
+    </data>
+    <summary height="6mm"><text width="60mm" height="6mm">[Sum(Q.amount)] [Count()]</text></summary>
+  )t";
+  const auto compiled = CompileTemplate(Template(body), "t.fr3");
+  // Report total, group total, running amount and running quantity, group quantity, count.
+  EXPECT_EQ(compiled->aggregates.size(), 6u);
+  const Rendered rendered = Render(body);
+  const std::vector<std::string> expected = {
+      "4272.27 / 4272.27", "1190.48", "0.00", "2 2",       "2461.67",  "0.00", "3 3",
+      "2461.67 3",         "120.10",  "0.00", "4 4",       "360.10",   "0.00", "5 5",
+      "1810.60",           "0.00",    "6 6",  "1810.60 6", "4272.27 5"};
+  EXPECT_EQ(Texts(rendered.document, 0), expected);
+}
+
+// A row's values are read once and kept while the row is current: the look ahead at a group's
+// next row, the next row itself and a text finished at the end (from the row it printed with)
+// each see their own row.
+TEST_F(FillTest, FieldsReadByManyTextsFollowEachRow) {
+  const Rendered rendered = Render(R"t(
+    <query name="Q"><sql>select * from item order by model, id</sql></query>
+    <data name="Rows" query="Q" height="5mm">
+      <group condition="Q.model">
+        <header height="5mm"><text width="60mm" height="5mm">[Q.model] from [Q.name]</text></header>
+        <footer height="5mm"><text width="60mm" height="5mm">[Q.model] to [Q.name]</text></footer>
+      </group>
+      <text width="40mm" height="5mm">[Q.name] [Q.amount]</text>
+      <text left="40mm" width="40mm" height="5mm">[Q.name] of [TotalPages]</text>
+    </data>
+  )t");
+  const std::vector<std::string> expected = {"Shine from Helmet",
+                                             "Helmet 1190.48",
+                                             "Helmet of 1",
+                                             "Crash guard 1271.19",
+                                             "Crash guard of 1",
+                                             "Shine to Crash guard",
+                                             "Splendor from Mirror",
+                                             "Mirror 120.10",
+                                             "Mirror of 1",
+                                             "Horn 240.00",
+                                             "Horn of 1",
+                                             "Chain kit 1450.50",
+                                             "Chain kit of 1",
+                                             "Splendor to Chain kit"};
   EXPECT_EQ(Texts(rendered.document, 0), expected);
 }
 

@@ -456,6 +456,58 @@ TEST(FitTextTest, LongTextsSplitWhereTheirWholeLayoutDoes) {
   }
 }
 
+// MeasureHeight answers as MeasureText does, whichever way it takes.
+TEST(MeasureHeightTest, IsMeasureTextsHeight) {
+  TextStyle spaced = Style(9);
+  spaced.char_spacing = 1.5f;
+  spaced.line_spacing = 1.4f;
+  TextStyle rich = Style();
+  rich.rich = true;
+  TextStyle unwrapped = Style(11);
+  unwrapped.wrap = false;
+  TextStyle bold = Style(12);
+  bold.bold = true;
+  bold.font_family = "Times New Roman";
+  const struct {
+    std::string_view text;
+    TextStyle style;
+    float width;
+  } cases[] = {
+      {"", Style(), 100},
+      {"   ", Style(), 100},
+      {"12,34,567.00 Dr", Style(), 100},
+      {"12,34,567.00 Dr", Style(), 20},
+      {"By Cash received from Mr Abhijit Sandeep Chavan against invoice 2024/117", Style(), 120},
+      {"By Cash received from Mr Abhijit Sandeep Chavan", Style(), 400},
+      {"one\ntwo", Style(), 400},
+      {"one\r\ntwo", Style(), 400},
+      {"tab\tstop", Style(), 400},
+      {"Caf\u00e9 au lait 12", Style(), 400},
+      {"Total <b>Amount</b>", rich, 400},
+      {"Kept on one line however long the text is", unwrapped, 30},
+      {"Spaced out letters", spaced, 60},
+      {"Spaced out letters", spaced, 400},
+      {"Shivneri Motors", bold, 200},
+      {"\u0936\u093f\u0935\u0928\u0947\u0930\u0940 \u092e\u094b\u091f\u0930\u094d\u0938", Style(),
+       200},
+      {"Rupee \u20b9 105", Style(), 200},
+      {"W", Style(0), 100},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(MeasureHeight(c.text, c.style, c.width), MeasureText(c.text, c.style, c.width).height)
+        << "\"" << c.text << "\" in " << c.width;
+  }
+}
+
+TEST(MeasureHeightTest, ALineThatSurelyFitsIsNotLaidOut) {
+  ClearLayoutCache();
+  EXPECT_EQ(MeasureHeight("12,34,567.00 Dr", Style(), 100), LineHeight(Style()));
+  EXPECT_EQ(GetLayoutCacheStats().misses, 0u);
+  EXPECT_EQ(GetLayoutCacheStats().entries, 0u);
+  MeasureHeight("12,34,567.00 Dr", Style(), 20);
+  EXPECT_EQ(GetLayoutCacheStats().misses, 1u) << "one that may wrap is laid out";
+}
+
 TEST(LayoutCacheTest, MeasureFitAndDrawShareOneLayout) {
   ClearLayoutCache();
   const TextStyle style = Style();
