@@ -174,6 +174,7 @@ void PdfPainter::Restore() {
   out_ += "Q\n";
   state_ = saved_.back();
   saved_.pop_back();
+  font_ = -1;  // the font is graphics state as well: back to what it was before the "q"
 }
 
 void PdfPainter::CloseArray() {
@@ -329,8 +330,9 @@ void PdfPainter::Glyph(const FontUse& font, uint32_t glyph, double x, double y) 
     in_array_ = true;
   }
   const double target = font.b == 0 && font.a > 0 ? (x - line_x_) * 1000.0 / font.a : 0;
+  // Shifts under a thousandth of an em (under 0.012 pt at 12 pt) are rounding, not layout.
   const double shift = std::round((pen_ - target) * 10) / 10;
-  if (std::abs(shift) >= 0.5) {
+  if (std::abs(shift) >= 1) {
     if (in_hex_) out_ += '>';
     in_hex_ = false;
     AppendNumber(out_, shift);
@@ -363,7 +365,6 @@ void PdfPainter::ShowRun(const text::GlyphRun& run, float x, float y, const Colo
     out_ += "BT\n";
     in_text_ = true;
     in_line_ = false;
-    font_ = -1;
   }
   SetFill(color);
   if (font_ != static_cast<int>(font.index)) {
