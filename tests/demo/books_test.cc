@@ -237,7 +237,7 @@ TEST_F(Books, WorkshopBillsOnAccountAreSettledMonthly) {
               0)
         << party;
     for (int m = 1; m < 20; ++m) {  // May 2024 to November 2025
-      char first[16];
+      char first[32];
       std::snprintf(first, sizeof first, "%04d-%02d-01", 2024 + (m + 3) / 12, (m + 3) % 12 + 1);
       const std::string end = "date('" + std::string(first) + "', '+1 month', '-1 day')";
       const double owed =
