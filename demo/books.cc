@@ -234,7 +234,7 @@ std::string IndianAmount(int64_t paise) {
 class Books {
  public:
   Books(const Dealership& d, const Options& options, Workshop& workshop, Dataset& tables,
-        Facts& facts)
+        FactList& facts)
       : d_(d),
         options_(options),
         workshop_(workshop),
@@ -1445,7 +1445,7 @@ class Books {
   const Options& options_;
   Workshop& workshop_;
   Dataset& tables_;
-  Facts& facts_;
+  FactList& facts_;
   Random random_;
   std::set<int> known_;
   std::set<int> earlier_;             // accounts the steps before the books wrote
@@ -1474,7 +1474,7 @@ class Books {
 // The books draw from a stream of their own, so that the steps after them keep their data
 // whatever the books post.
 void AddBooks(const Dealership& sales, const Options& options, Random&, Workshop& workshop,
-              Dataset& tables, Facts& facts) {
+              Dataset& tables, FactList& facts) {
   Books(sales, options, workshop, tables, facts).Run();
 }
 

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "demo/facts.h"
 #include "demo/rows.h"
 
 namespace vantorel::demo {
@@ -40,7 +41,7 @@ struct DemoData {
   // key, value: one id per kind of document, date ranges with rows, and the texts a host
   // passes (names, SQL it builds). Keys are lower_snake_case; a value is one argument of a call
   // and may hold blanks, but no line break.
-  std::vector<std::pair<std::string, std::string>> facts;
+  FactList facts;
 };
 
 DemoData GenerateDealership(const Options& options);

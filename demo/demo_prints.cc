@@ -121,18 +121,6 @@ std::function<void(const Context&)> Preparation(const std::string& output) {
 
 }  // namespace
 
-Facts ReadFacts(const std::string& path) {
-  Facts facts;
-  std::ifstream in(path);
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.empty() || line[0] == '#') continue;
-    const size_t equals = line.find('=');
-    if (equals != std::string::npos) facts[line.substr(0, equals)] = line.substr(equals + 1);
-  }
-  return facts;
-}
-
 const std::string& PrintContext::Fact(const std::string& key) const {
   const auto it = facts.find(key);
   if (it == facts.end()) throw std::runtime_error("the facts have no " + key);

@@ -14,15 +14,10 @@
 #include <string>
 #include <vector>
 
+#include "demo/facts.h"
 #include "vantorel/crepoter.h"
 
 namespace vantorel::demo {
-
-// The facts demo_gen writes: which document ids and date ranges show what ("invoice_id=12").
-using Facts = std::map<std::string, std::string>;
-
-// Reads a facts file: "key=value" lines; blank lines and lines starting with '#' are skipped.
-Facts ReadFacts(const std::string& path);
 
 // What a print needs besides its CRepoter.
 struct PrintContext {

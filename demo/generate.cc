@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "demo/dealership.h"
+#include "demo/facts.h"
 #include "demo/schema_text.h"
 
 namespace vantorel::demo {
@@ -117,16 +118,6 @@ void WriteSqlite(const std::string& path, const std::string& data_sql) {
   if (rc != SQLITE_OK) throw std::runtime_error("cannot fill " + path + ": " + message);
 }
 
-std::string FactsText(const DemoData& data) {
-  std::string text =
-      "# Demo dealership: documents of every kind, for tests and the demo script.\n"
-      "# key=value, one per line; docs/demo-database.md says which print method takes which.\n";
-  for (const auto& [key, value] : data.facts) {
-    text.append(key).append("=").append(value).append("\n");
-  }
-  return text;
-}
-
 int Run(const std::vector<std::string>& args) {
   const Arguments parsed = Parse(args);
   const DemoData data = GenerateDealership(parsed.options);
@@ -137,7 +128,7 @@ int Run(const std::vector<std::string>& args) {
                   ", written by demo_gen. Load it after demo/schema.sql.\n" + inserts);
   }
   if (!parsed.sqlite_path.empty()) WriteSqlite(parsed.sqlite_path, inserts);
-  if (!parsed.facts_path.empty()) WriteFile(parsed.facts_path, FactsText(data));
+  if (!parsed.facts_path.empty()) WriteFile(parsed.facts_path, FactsText(data.facts));
   return 0;
 }
 

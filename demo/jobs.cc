@@ -464,7 +464,7 @@ class Floor {
   }
 
   void Write(Dataset& out) const;
-  void ChooseFacts(Facts& facts) const;
+  void ChooseFacts(FactList& facts) const;
   void Post(Workshop& workshop) const;
 
  private:
@@ -1490,7 +1490,7 @@ void Floor::Write(Dataset& out) const {
   }
 }
 
-void Floor::ChooseFacts(Facts& facts) const {
+void Floor::ChooseFacts(FactList& facts) const {
   auto add = [&](const std::string& key, const std::string& value) {
     facts.emplace_back(key, value);
   };
@@ -1634,7 +1634,7 @@ void Floor::Post(Workshop& workshop) const {
 }  // namespace
 
 void AddJobs(const Dealership& sales, const Options&, Random& random, Workshop& workshop,
-             Dataset& tables, Facts& facts) {
+             Dataset& tables, FactList& facts) {
   Floor floor(sales, random, workshop);
   floor.Run();
   floor.Write(tables);

@@ -1104,7 +1104,7 @@ const T& Largest(const std::vector<T>& items, Keep keep, Size size, const char* 
 }
 
 void AddSpares(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
-               Dataset& tables, Facts& facts) {
+               Dataset& tables, FactList& facts) {
   // Streams of their own, drawn once from the workshop's, so that what one part of the store
   // draws leaves the others and the later steps as they were.
   Random master_random(random.Next());

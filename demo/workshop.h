@@ -21,6 +21,7 @@
 #include "demo/calendar.h"
 #include "demo/dealership.h"
 #include "demo/entities.h"
+#include "demo/facts.h"
 #include "demo/random.h"
 #include "demo/rows.h"
 
@@ -76,19 +77,17 @@ struct Workshop {
   Table* part_master = nullptr;
 };
 
-using Facts = std::vector<std::pair<std::string, std::string>>;
-
 void AddSpares(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
-               Dataset& tables, Facts& facts);
+               Dataset& tables, FactList& facts);
 // Fills ws_partmaster from workshop.parts, balances as they stand; once, after the last step
 // that moves stock.
 void WritePartMaster(Workshop& workshop);
 void AddJobs(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
-             Dataset& tables, Facts& facts);
+             Dataset& tables, FactList& facts);
 void AddBooks(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
-              Dataset& tables, Facts& facts);
+              Dataset& tables, FactList& facts);
 void AddReturns(const Dealership& sales, const Options& options, Random& random, Workshop& workshop,
-                Dataset& tables, Facts& facts);
+                Dataset& tables, FactList& facts);
 
 }  // namespace vantorel::demo
 

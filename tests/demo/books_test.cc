@@ -377,7 +377,7 @@ TEST(BooksPostings, TheWorkshopsPostingsArePosted) {
       {day, "COUNTER", "CS/24-25/0001", 777777, 25012, 2251, 2251, 0, Rs(295)},
   };
   Dataset tables;
-  demo::Facts facts;
+  FactList facts;
   AddBooks(sales, Options{}, random, workshop, tables, facts);
 
   const Table* masters = nullptr;

@@ -17,10 +17,9 @@
 #include "data/connection.h"
 #include "data/temp_database.h"
 #include "data/value.h"
+#include "demo/facts.h"
 
 namespace vantorel::demo::testing {
-
-using Facts = std::map<std::string, std::string>;
 
 inline std::string SchemaPath() { return std::string(VANTOREL_SOURCE_DIR) + "/demo/schema.sql"; }
 
@@ -35,19 +34,6 @@ inline std::string ReadText(const std::string& path) {
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
-}
-
-// key=value lines; lines starting with '#' are comments.
-inline Facts ReadFacts(const std::string& path) {
-  Facts facts;
-  std::istringstream in(ReadText(path));
-  std::string line;
-  while (std::getline(in, line)) {
-    const size_t equals = line.find('=');
-    if (line.empty() || line[0] == '#' || equals == std::string::npos) continue;
-    facts[line.substr(0, equals)] = line.substr(equals + 1);
-  }
-  return facts;
 }
 
 inline std::string Fact(const Facts& facts, const std::string& key) {

@@ -18,6 +18,7 @@
 #include "component/dispatch.h"
 #include "data/connection.h"
 #include "data/value.h"
+#include "demo/facts.h"
 #include "reports/catalogue.h"
 #include "support/shell.h"
 #include "support/test_support.h"
@@ -27,19 +28,6 @@ namespace vantorel {
 namespace {
 
 using testing::Shell;
-
-std::map<std::string, std::string> ReadFacts(const std::string& path) {
-  std::map<std::string, std::string> facts;
-  std::ifstream in(path);
-  std::string line;
-  while (std::getline(in, line)) {
-    const size_t equals = line.find('=');
-    if (!line.empty() && line[0] != '#' && equals != std::string::npos) {
-      facts[line.substr(0, equals)] = line.substr(equals + 1);
-    }
-  }
-  return facts;
-}
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
@@ -75,8 +63,8 @@ class LabelsEndToEnd : public ::testing::TestWithParam<LabelCase> {
     const std::string command = std::string(DEMO_GEN) + " --sqlite " + Db() + " --facts " +
                                 dir_->path().string() + "/facts.txt";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    facts_ =
-        new std::map<std::string, std::string>(ReadFacts(dir_->path().string() + "/facts.txt"));
+    facts_ = new std::map<std::string, std::string>(
+        demo::ReadFacts(dir_->path().string() + "/facts.txt"));
   }
   static void TearDownTestSuite() {
     delete facts_;

@@ -17,6 +17,7 @@
 #include "component/dispatch.h"
 #include "data/connection.h"
 #include "data/value.h"
+#include "demo/facts.h"
 #include "host/date_format.h"
 #include "reports/catalogue.h"
 #include "support/postgres.h"
@@ -44,19 +45,6 @@ std::string Squeezed(const std::string& text) {
     }
   }
   return out;
-}
-
-std::map<std::string, std::string> ReadFacts(const std::string& path) {
-  std::map<std::string, std::string> facts;
-  std::ifstream in(path);
-  std::string line;
-  while (std::getline(in, line)) {
-    const size_t equals = line.find('=');
-    if (!line.empty() && line[0] != '#' && equals != std::string::npos) {
-      facts[line.substr(0, equals)] = line.substr(equals + 1);
-    }
-  }
-  return facts;
 }
 
 std::vector<std::string> Statements(const std::string& path) {
@@ -102,7 +90,7 @@ class Demo {
  private:
   // The prints only read the database, so every test process reads the same files.
   Demo() : folder_(testing::SharedDemoFolder(DEMO_GEN)) {
-    facts_ = ReadFacts(folder() + "/facts.txt");
+    facts_ = demo::ReadFacts(folder() + "/facts.txt");
   }
 
   void Load(data::Connection& db) const {
