@@ -92,21 +92,19 @@ std::vector<VatLine> DrawSales(const Dealership& d, Random& random) {
     l.rate = rate;
     return l;
   };
+  auto vehicles = [&](Day month, int count, char kind, int rate,
+                      const std::vector<const VehicleModel*>& models) {
+    for (; count > 0; --count) {
+      VatLine l = retail(month, kind, rate);
+      const VehicleModel& m = *random.Pick(models);
+      l.description = m.make + " " + m.Name();
+      l.taxable = PriceOf2016(m);
+      lines.push_back(l);
+    }
+  };
   for (Day month = kVatFirst; month <= kVatLast; month = month.PlusMonths(1)) {
-    for (int n = random.Between(12, 18); n > 0; --n) {
-      VatLine l = retail(month, 'V', kVatStandard);
-      const VehicleModel& m = *random.Pick(motor);
-      l.description = m.make + " " + m.Name();
-      l.taxable = PriceOf2016(m);
-      lines.push_back(l);
-    }
-    for (int n = random.Between(2, 3); n > 0; --n) {
-      VatLine l = retail(month, 'C', kVatCycles);
-      const VehicleModel& m = *random.Pick(cycles);
-      l.description = m.make + " " + m.Name();
-      l.taxable = PriceOf2016(m);
-      lines.push_back(l);
-    }
+    vehicles(month, random.Between(12, 18), 'V', kVatStandard, motor);
+    vehicles(month, random.Between(2, 3), 'C', kVatCycles, cycles);
     for (int n = random.Between(5, 8); n > 0; --n) {
       VatLine l = retail(month, 'P', kVatStandard);
       l.description = "Spare parts and lubricants (counter sale)";
@@ -351,7 +349,7 @@ void AddTopLists(const Workshop& workshop, Dataset& tables) {
 }  // namespace
 
 void AddReturns(const Dealership& d, const Options&, Random& random, Workshop& workshop,
-                Dataset& tables, Facts& facts) {
+                Dataset& tables, FactList& facts) {
   auto add = [&](const std::string& key, const std::string& value) {
     facts.emplace_back(key, value);
   };
