@@ -10,42 +10,10 @@
 #include <string>
 
 #include "component/automation_support.h"
+#include "unicode/utf8.h"
 
 namespace vantorel {
 namespace {
-
-constexpr char16_t kReplacement = 0xFFFD;
-
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
-void AppendUtf8(std::string& out, char32_t code) {
-  if (code < 0x80) {
-    out += static_cast<char>(code);
-  } else if (code < 0x800) {
-    out += static_cast<char>(0xC0 | (code >> 6));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else if (code < 0x10000) {
-    out += static_cast<char>(0xE0 | (code >> 12));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (code >> 18));
-    out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code & 0x3F));
-  }
-}
-
-void AppendUtf16(std::u16string& out, char32_t code) {
-  if (code < 0x10000) {
-    out += static_cast<char16_t>(code);
-  } else {
-    code -= 0x10000;
-    out += static_cast<char16_t>(0xD800 + (code >> 10));
-    out += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
-  }
-}
 
 // Decimal and currency values read as doubles: the interface takes none of them exactly.
 double DecimalValue(const DECIMAL& value) {
@@ -130,89 +98,22 @@ Variant ReadValue(VARTYPE type, const void* data, VariantProblem* problem, int d
 
 }  // namespace
 
-std::string Utf16ToUtf8(std::u16string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char32_t unit = text[i];
-    if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-      AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (text[i + 1] - 0xDC00));
-      ++i;
-    } else if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) {
-      AppendUtf8(out, kReplacement);
-    } else {
-      AppendUtf8(out, unit);
-    }
-  }
-  return out;
-}
-
-std::u16string Utf8ToUtf16(std::string_view text) {
-  std::u16string out;
-  out.reserve(text.size());
-  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-  size_t i = 0;
-  while (i < text.size()) {
-    const unsigned char lead = byte(i);
-    if (lead < 0x80) {
-      out += static_cast<char16_t>(lead);
-      ++i;
-      continue;
-    }
-    // The length of the sequence and the range its second byte must be in (which rules out
-    // overlong forms, surrogates and values above U+10FFFF).
-    size_t length = 0;
-    unsigned char low = 0x80, high = 0xBF;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-      length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-      length = 3;
-      if (lead == 0xE0) low = 0xA0;
-      if (lead == 0xED) high = 0x9F;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-      length = 4;
-      if (lead == 0xF0) low = 0x90;
-      if (lead == 0xF4) high = 0x8F;
-    }
-    if (length == 0) {
-      out += kReplacement;
-      ++i;
-      continue;
-    }
-    char32_t code = lead & (0x7F >> length);
-    size_t used = 1;
-    for (; used < length && i + used < text.size(); ++used) {
-      const unsigned char next = byte(i + used);
-      const unsigned char lo = used == 1 ? low : 0x80, hi = used == 1 ? high : 0xBF;
-      if (next < lo || next > hi) break;
-      code = (code << 6) | (next & 0x3F);
-    }
-    if (used == length) {
-      AppendUtf16(out, code);
-    } else {
-      out += kReplacement;
-    }
-    i += used;
-  }
-  return out;
-}
-
 std::u16string_view BstrView(BSTR text) {
   if (text == nullptr) return {};
   return std::u16string_view(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
 }
 
-std::string BstrToUtf8(BSTR text) { return Utf16ToUtf8(BstrView(text)); }
+std::string BstrToUtf8(BSTR text) { return unicode::Utf16ToUtf8(BstrView(text)); }
 
 std::string OleStrToUtf8(const OLECHAR* text) {
   if (text == nullptr) return {};
   size_t length = 0;
   while (text[length] != 0) ++length;
-  return Utf16ToUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(text), length));
+  return unicode::Utf16ToUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(text), length));
 }
 
 BSTR NewBstr(std::string_view utf8) {
-  const std::u16string wide = Utf8ToUtf16(utf8);
+  const std::u16string wide = unicode::Utf8ToUtf16(utf8);
   if (wide.size() > std::numeric_limits<UINT>::max() / 4) throw std::bad_alloc();
   BSTR text = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(wide.data()),
                                 static_cast<UINT>(wide.size()));

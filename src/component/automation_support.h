@@ -14,12 +14,6 @@
 
 namespace vantorel {
 
-// UTF-16 to UTF-8. A surrogate without its partner becomes U+FFFD.
-std::string Utf16ToUtf8(std::u16string_view text);
-// UTF-8 to UTF-16. Each maximal ill-formed subsequence (a stray continuation byte, an overlong
-// form, an encoded surrogate, a value above U+10FFFF, a truncated sequence) becomes U+FFFD.
-std::u16string Utf8ToUtf16(std::string_view text);
-
 // The characters of "text" (NULL is empty).
 std::u16string_view BstrView(BSTR text);
 std::string BstrToUtf8(BSTR text);

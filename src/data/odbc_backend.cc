@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "data/sql_params.h"
+#include "unicode/utf8.h"
 #include "vantorel/error.h"
 
 namespace vantorel::data {
@@ -23,68 +24,8 @@ static_assert(sizeof(SQLWCHAR) == sizeof(char16_t), "unixODBC's SQLWCHAR is UTF-
 constexpr char kSource[] = "ODBC";
 constexpr SQLULEN kLoginTimeoutSeconds = 30;
 
-std::u16string ToUtf16(std::string_view utf8) {
-  std::u16string out;
-  out.reserve(utf8.size());
-  for (size_t i = 0; i < utf8.size();) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    const int extra = lead < 0x80 ? 0 : lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : -1;
-    char32_t code = extra == 0   ? lead
-                    : extra == 1 ? lead & 0x1F
-                    : extra == 2 ? lead & 0x0F
-                                 : lead & 0x07;
-    bool valid = extra >= 0 && i + static_cast<size_t>(extra) < utf8.size();
-    for (int k = 1; valid && k <= extra; ++k) {
-      const auto next = static_cast<unsigned char>(utf8[i + static_cast<size_t>(k)]);
-      valid = (next & 0xC0) == 0x80;
-      code = (code << 6) | (next & 0x3F);
-    }
-    if (!valid || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
-      out += u'\uFFFD';
-      ++i;
-      continue;
-    }
-    if (code >= 0x10000) {
-      code -= 0x10000;
-      out += static_cast<char16_t>(0xD800 + (code >> 10));
-      out += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
-    } else {
-      out += static_cast<char16_t>(code);
-    }
-    i += static_cast<size_t>(extra) + 1;
-  }
-  return out;
-}
-
-std::string ToUtf8(std::u16string_view utf16) {
-  std::string out;
-  out.reserve(utf16.size());
-  for (size_t i = 0; i < utf16.size(); ++i) {
-    char32_t code = utf16[i];
-    if (code >= 0xD800 && code <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
-        utf16[i + 1] <= 0xDFFF) {
-      code = 0x10000 + ((code - 0xD800) << 10) + (utf16[++i] - 0xDC00);
-    } else if (code >= 0xD800 && code <= 0xDFFF) {
-      code = 0xFFFD;
-    }
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | (code >> 6));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-      out += static_cast<char>(0xE0 | (code >> 12));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (code >> 18));
-      out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-  return out;
-}
+using unicode::Utf16ToUtf8;
+using unicode::Utf8ToUtf16;
 
 SQLWCHAR* Wide(std::u16string& text) { return reinterpret_cast<SQLWCHAR*>(text.data()); }
 
@@ -120,9 +61,10 @@ std::vector<Diagnostic> ReadDiagnostics(SQLSMALLINT type, SQLHANDLE handle) {
     if (!SQL_SUCCEEDED(rc)) break;
     message.resize(std::min(static_cast<size_t>(std::max<SQLSMALLINT>(length, 0)), message.size()));
     Diagnostic diagnostic;
-    diagnostic.state = ToUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(state), 5));
+    diagnostic.state =
+        Utf16ToUtf8(std::u16string_view(reinterpret_cast<const char16_t*>(state), 5));
     diagnostic.native = native;
-    diagnostic.message = ToUtf8(message);
+    diagnostic.message = Utf16ToUtf8(message);
     while (!diagnostic.message.empty() &&
            std::strchr(" \t\r\n", diagnostic.message.back()) != nullptr) {
       diagnostic.message.pop_back();
@@ -192,7 +134,7 @@ class Link {
     }
     SQLSetConnectAttr(dbc_, SQL_ATTR_LOGIN_TIMEOUT,
                       reinterpret_cast<SQLPOINTER>(kLoginTimeoutSeconds), 0);
-    std::u16string text = ToUtf16(odbc);
+    std::u16string text = Utf8ToUtf16(odbc);
     SQLSMALLINT written = 0;
     const SQLRETURN rc =
         SQLDriverConnectW(dbc_, nullptr, Wide(text), static_cast<SQLSMALLINT>(text.size()), nullptr,
@@ -357,7 +299,7 @@ class OdbcCursor final : public Cursor {
     }
     type_name.resize(
         std::min(static_cast<size_t>(std::max<SQLSMALLINT>(type_length, 0)) / 2, type_name.size()));
-    columns_.push_back({ToUtf8(name), ToUtf8(type_name)});
+    columns_.push_back({Utf16ToUtf8(name), Utf16ToUtf8(type_name)});
     types_.push_back(type);
   }
 
@@ -440,7 +382,7 @@ class OdbcCursor final : public Cursor {
       }
       default: {
         std::u16string text;
-        return ReadLong(column, SQL_C_WCHAR, text) ? Value::Text(ToUtf8(text)) : Value();
+        return ReadLong(column, SQL_C_WCHAR, text) ? Value::Text(Utf16ToUtf8(text)) : Value();
       }
     }
   }
@@ -469,7 +411,7 @@ class OdbcConnection final : public Connection {
                                   const std::map<std::string, ParamValue>& params) override {
     const PositionalSql positional = ToPositional(sql);
     auto statement = std::make_unique<Statement>(link_);
-    std::u16string text = ToUtf16(positional.sql);
+    std::u16string text = Utf8ToUtf16(positional.sql);
     if (positional.names.empty()) {
       statement->Check(
           SQLExecDirectW(statement->get(), Wide(text), static_cast<SQLINTEGER>(text.size())));
@@ -502,7 +444,7 @@ class OdbcConnection final : public Connection {
       bound.real = *real;
       c_type = SQL_C_DOUBLE, sql_type = SQL_DOUBLE, size = 15, data = &bound.real;
     } else if (const auto* string = std::get_if<std::string>(param)) {
-      bound.text = ToUtf16(*string);
+      bound.text = Utf8ToUtf16(*string);
       length = static_cast<SQLLEN>(bound.text.size() * sizeof(char16_t));
       bound.indicator = length;
       c_type = SQL_C_WCHAR, sql_type = SQL_WVARCHAR;

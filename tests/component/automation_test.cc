@@ -69,38 +69,6 @@ TEST(Bstr, RoundTripsDevanagariAndTheRupeeSign) {
   EXPECT_EQ(BstrToUtf8(text.get()), utf8);
 }
 
-TEST(Utf, SurrogatePairsCrossBothWays) {
-  EXPECT_EQ(Utf8ToUtf16("\xF0\x9F\x98\x80"), u"\xD83D\xDE00");
-  EXPECT_EQ(Utf16ToUtf8(u"\xD83D\xDE00"), "\xF0\x9F\x98\x80");
-}
-
-TEST(Utf, LoneSurrogatesBecomeReplacementCharacters) {
-  EXPECT_EQ(Utf16ToUtf8(std::u16string{0xD800, u'a'}), "\uFFFDa");
-  EXPECT_EQ(Utf16ToUtf8(std::u16string{u'a', 0xDC00}), "a\uFFFD");
-  EXPECT_EQ(Utf16ToUtf8(std::u16string{0xDC00, 0xD800}), "\uFFFD\uFFFD");
-}
-
-TEST(Utf, InvalidUtf8BecomesOneReplacementPerMaximalSubpart) {
-  struct Case {
-    const char* input;
-    std::u16string expected;
-  };
-  const Case cases[] = {
-      {"\xC0\xAF", u"\uFFFD\uFFFD"},                      // overlong lead, then a stray byte
-      {"\xE0\x80\x80", u"\uFFFD\uFFFD\uFFFD"},            // overlong three-byte form
-      {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},            // an encoded surrogate
-      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
-      {"\xE2\x82"
-       "A",
-       u"\uFFFDA"},  // truncated euro sign
-      {"a\xFF"
-       "b",
-       u"a\uFFFDb"},
-      {"\xE2\x82\xB9", u"\u20B9"},  // the rupee sign itself is fine
-  };
-  for (const Case& c : cases) EXPECT_EQ(Utf8ToUtf16(c.input), c.expected) << c.input;
-}
-
 TEST(Variant, ClearFreesTheStringAndEmpties) {
   VARIANT value;
   VariantInit(&value);

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <vector>
 
+#include "unicode/utf8.h"
+
 namespace vantorel::report::expr {
 
 void AppendPadded(std::string& out, int64_t value, int width) {
@@ -122,22 +124,7 @@ bool AppendUtf8(std::string& out, int64_t code_point) {
   if (code_point < 0 || code_point > 0x10FFFF || (code_point >= 0xD800 && code_point <= 0xDFFF)) {
     return false;
   }
-  const auto cp = static_cast<uint32_t>(code_point);
-  if (cp < 0x80) {
-    out += static_cast<char>(cp);
-  } else if (cp < 0x800) {
-    out += static_cast<char>(0xC0 | (cp >> 6));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else if (cp < 0x10000) {
-    out += static_cast<char>(0xE0 | (cp >> 12));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (cp >> 18));
-    out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (cp & 0x3F));
-  }
+  unicode::AppendUtf8(out, static_cast<char32_t>(code_point));
   return true;
 }
 

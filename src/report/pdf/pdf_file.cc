@@ -5,42 +5,13 @@
 #include <cmath>
 #include <cstdio>
 
+#include "unicode/utf8.h"
 #include "vantorel/error.h"
 
 namespace vantorel::report::pdf {
 namespace {
 
 constexpr char kHex[] = "0123456789ABCDEF";
-
-// The next code point of "text" from "at", advancing it; U+FFFD for a malformed sequence.
-char32_t NextCodePoint(std::string_view text, size_t& at) {
-  const auto byte = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
-  const uint8_t lead = byte(at++);
-  if (lead < 0x80) return lead;
-  int more = 0;
-  char32_t value = 0;
-  if ((lead & 0xE0) == 0xC0) {
-    more = 1;
-    value = lead & 0x1F;
-  } else if ((lead & 0xF0) == 0xE0) {
-    more = 2;
-    value = lead & 0x0F;
-  } else if ((lead & 0xF8) == 0xF0) {
-    more = 3;
-    value = lead & 0x07;
-  } else {
-    return 0xFFFD;
-  }
-  for (int i = 0; i < more; ++i) {
-    if (at >= text.size() || (byte(at) & 0xC0) != 0x80) return 0xFFFD;
-    value = value << 6 | (byte(at++) & 0x3F);
-  }
-  const char32_t least[] = {0, 0x80, 0x800, 0x10000};
-  if (value < least[more] || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
-    return 0xFFFD;
-  }
-  return value;
-}
 
 void AppendUnit(std::string& out, uint32_t unit) {
   for (int shift = 12; shift >= 0; shift -= 4) out += kHex[(unit >> shift) & 0xF];
@@ -75,20 +46,15 @@ void AppendNumber(std::string& out, double value) {
 
 std::u32string DecodeUtf8(std::string_view text) {
   std::u32string out;
-  for (size_t at = 0; at < text.size();) out += NextCodePoint(text, at);
+  for (size_t at = 0; at < text.size();) {
+    const int32_t code = unicode::NextCodePoint(text, at);
+    out += code < 0 ? unicode::kReplacement : static_cast<char32_t>(code);
+  }
   return out;
 }
 
 void AppendUtf16Hex(std::string& out, std::string_view text) {
-  for (size_t at = 0; at < text.size();) {
-    const char32_t c = NextCodePoint(text, at);
-    if (c < 0x10000) {
-      AppendUnit(out, c);
-    } else {
-      AppendUnit(out, 0xD800 + ((c - 0x10000) >> 10));
-      AppendUnit(out, 0xDC00 + ((c - 0x10000) & 0x3FF));
-    }
-  }
+  for (const char16_t unit : unicode::Utf8ToUtf16(text)) AppendUnit(out, unit);
 }
 
 void AppendTextString(std::string& out, std::string_view text) {

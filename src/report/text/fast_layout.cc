@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "report/text/layout_paths.h"
+#include "unicode/utf8.h"
 
 namespace vantorel::report::text {
 namespace {
@@ -80,7 +81,7 @@ void MarkBreaks(std::string_view text, size_t begin, size_t end, int64_t availab
       clusters[k].break_before = attribute.is_line_break && !joined;
       clusters[k].split_before = attribute.is_char_break && !joined;
     }
-    NextCodePoint(text, i);
+    unicode::NextCodePoint(text, i);
   }
 }
 
@@ -137,7 +138,7 @@ constexpr hb_feature_t kNoLigatures[] = {
 
 bool NumberJoinsAt(std::string_view text, size_t i) {
   if (i == 0 || i >= text.size() || (text[i - 1] != '-' && text[i - 1] != '/')) return false;
-  const int32_t c = NextCodePoint(text, i);
+  const int32_t c = unicode::NextCodePoint(text, i);
   return c > 0 && g_unichar_isdigit(static_cast<gunichar>(c));
 }
 
@@ -154,7 +155,7 @@ bool CanLayOutFast(std::string_view text, const FontInfo& font) {
       ++i;
       continue;
     }
-    const int32_t c = NextCodePoint(text, i);
+    const int32_t c = unicode::NextCodePoint(text, i);
     if (c < 0 || !IsSimpleCodePoint(static_cast<uint32_t>(c)) ||
         !font.IsCovered(static_cast<uint32_t>(c))) {
       return false;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "report/text/layout_paths.h"
+#include "unicode/utf8.h"
 
 namespace vantorel::report::text {
 namespace {
@@ -52,7 +53,7 @@ PangoAttrList* Attributes(const PlainText& plain, const TextStyle& style, size_t
        i = text.find_first_of("-/", i + 1)) {
     if (!NumberJoinsAt(plain.text, i + 1)) continue;
     size_t digit_end = i + 1;
-    NextCodePoint(plain.text, digit_end);
+    unicode::NextCodePoint(plain.text, digit_end);
     insert(pango_attr_allow_breaks_new(FALSE), i, digit_end);
   }
   const auto first_kept =
@@ -240,7 +241,7 @@ WindowStarts HowWindowsStart(std::string_view text) {
       ++i;
       continue;
     }
-    const int32_t c = NextCodePoint(text, i);
+    const int32_t c = unicode::NextCodePoint(text, i);
     if (IsRightToLeft(c)) return WindowStarts::kNowhere;
     if (HasOwnScript(c) &&
         g_unichar_get_script(static_cast<gunichar>(c)) != G_UNICODE_SCRIPT_LATIN) {
@@ -259,7 +260,7 @@ bool WindowMayStartAt(std::string_view text, size_t at, WindowStarts starts) {
   if (static_cast<uint8_t>(text[i]) < 0x80) {
     return (text[i] >= 'A' && text[i] <= 'Z') || (text[i] >= 'a' && text[i] <= 'z');
   }
-  return HasOwnScript(NextCodePoint(text, i));
+  return HasOwnScript(unicode::NextCodePoint(text, i));
 }
 
 // Gives "layout" bytes [begin, end) of "plain" and the style's attributes for them.

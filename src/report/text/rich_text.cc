@@ -6,6 +6,8 @@
 #include <charconv>
 #include <optional>
 
+#include "unicode/utf8.h"
+
 namespace vantorel::report::text {
 namespace {
 
@@ -137,7 +139,7 @@ class RichReader {
           continue;
         }
       }
-      int32_t code = NextCodePoint(markup_, i);
+      int32_t code = unicode::NextCodePoint(markup_, i);
       if (code >= kProtected && code < kProtected + 3) code = kProtectedAs[code - kProtected];
       Append(code <= 0 ? kReplacement : static_cast<uint32_t>(code));
       share_start_ = i;
@@ -203,7 +205,7 @@ class RichReader {
 
   void Append(uint32_t code) {
     const size_t begin = out_.text.size();
-    AppendUtf8(out_.text, code);
+    unicode::AppendUtf8(out_.text, code);
     out_.source.resize(out_.text.size(), static_cast<uint32_t>(share_start_));
     const FontState& font = fonts_.back();
     RichSpan span{static_cast<uint32_t>(begin),
@@ -241,64 +243,6 @@ class RichReader {
 
 }  // namespace
 
-int32_t NextCodePoint(std::string_view text, size_t& i) {
-  const auto byte = [&](size_t k) { return static_cast<uint8_t>(text[k]); };
-  const uint8_t lead = byte(i);
-  if (lead < 0x80) {
-    ++i;
-    return lead;
-  }
-  int length = 0;
-  uint32_t code = 0;
-  uint32_t minimum = 0;
-  if ((lead & 0xE0) == 0xC0) {
-    length = 2, code = lead & 0x1F, minimum = 0x80;
-  } else if ((lead & 0xF0) == 0xE0) {
-    length = 3, code = lead & 0x0F, minimum = 0x800;
-  } else if ((lead & 0xF8) == 0xF0) {
-    length = 4, code = lead & 0x07, minimum = 0x10000;
-  } else {
-    ++i;
-    return -1;
-  }
-  if (i + static_cast<size_t>(length) > text.size()) {
-    ++i;
-    return -1;
-  }
-  for (int k = 1; k < length; ++k) {
-    const uint8_t next = byte(i + static_cast<size_t>(k));
-    if ((next & 0xC0) != 0x80) {
-      ++i;
-      return -1;
-    }
-    code = (code << 6) | (next & 0x3F);
-  }
-  if (code < minimum || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
-    ++i;
-    return -1;
-  }
-  i += static_cast<size_t>(length);
-  return static_cast<int32_t>(code);
-}
-
-void AppendUtf8(std::string& out, uint32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 PlainText ParseRichText(std::string_view markup) { return RichReader(markup).Read(); }
 
 PlainText ValidUtf8(std::string_view text) {
@@ -308,9 +252,9 @@ PlainText ValidUtf8(std::string_view text) {
   size_t i = 0;
   while (i < text.size()) {
     const size_t start = i;
-    const int32_t code = NextCodePoint(text, i);
+    const int32_t code = unicode::NextCodePoint(text, i);
     if (code <= 0) {  // NUL too: Pango takes text as C strings in places
-      AppendUtf8(out.text, kReplacement);
+      unicode::AppendUtf8(out.text, kReplacement);
     } else {
       out.text.append(text.substr(start, i - start));
     }
@@ -326,7 +270,9 @@ std::string ProtectFromMarkup(std::string_view value) {
   out.reserve(value.size() + 8);
   for (const char c : value) {
     if (c == '&' || c == '<' || c == '>') {
-      AppendUtf8(out, static_cast<uint32_t>(kProtected + (c == '&' ? 0 : c == '<' ? 1 : 2)));
+      unicode::AppendUtf8(out, static_cast<uint32_t>(kProtected + (c == '&'   ? 0
+                                                                   : c == '<' ? 1
+                                                                              : 2)));
     } else {
       out += c;
     }

@@ -46,13 +46,6 @@ PlainText ParseRichText(std::string_view markup);
 // "text" with invalid UTF-8 sequences replaced by U+FFFD, keeping the byte map to the source.
 PlainText ValidUtf8(std::string_view text);
 
-// The code point at byte "i" of "text", advancing "i" past it; -1 (advancing one byte) for an
-// invalid or truncated sequence, an overlong form or a surrogate.
-int32_t NextCodePoint(std::string_view text, size_t& i);
-
-// Appends code point "c" as UTF-8.
-void AppendUtf8(std::string& out, uint32_t c);
-
 // A value shown in a rich text: its "&", "<" and ">" stand in the markup as the private-use
 // characters U+E000, U+E001 and U+E002, so they print as themselves instead of being read as
 // markup, and functions applied to the value (Upper, Left…) still see one character for each.
