@@ -104,7 +104,8 @@ inline std::string Utf16ToUtf8(std::u16string_view text) {
   out.reserve(text.size());
   for (size_t i = 0; i < text.size(); ++i) {
     const char32_t unit = text[i];
-    if (detail::IsHighSurrogate(unit) && i + 1 < text.size() && detail::IsLowSurrogate(text[i + 1])) {
+    if (detail::IsHighSurrogate(unit) && i + 1 < text.size() &&
+        detail::IsLowSurrogate(text[i + 1])) {
       AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (text[i + 1] - 0xDC00));
       ++i;
     } else if (detail::IsHighSurrogate(unit) || detail::IsLowSurrogate(unit)) {

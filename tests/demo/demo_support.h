@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -647,6 +648,22 @@ inline std::vector<std::vector<data::Value>> Rows(
   std::vector<data::Value> row;
   while (cursor->Next(row)) rows.push_back(row);
   return rows;
+}
+
+// A money column in paise.
+inline int64_t Paise(const data::Value& value) { return std::llround(data::ToDouble(value) * 100); }
+
+// A document total against its lines, for rows of (total, round-off, sum of the lines, ...): the
+// total is the lines plus the round-off, in whole rupees, the round-off within fifty paise.
+// Returns whether the document was rounded.
+inline bool ExpectWholeRupeeTotal(const std::vector<data::Value>& row, const std::string& sql) {
+  const int64_t total = Paise(row[0]);
+  const int64_t round_off = Paise(row[1]);
+  EXPECT_EQ(total, Paise(row[2]) + round_off) << sql;
+  EXPECT_EQ(total % 100, 0) << sql;
+  EXPECT_GT(round_off, -50) << sql;
+  EXPECT_LE(round_off, 50) << sql;
+  return round_off != 0;
 }
 
 // A suite over the demo database that demo_gen writes once for it, with its facts; each test

@@ -22,37 +22,12 @@ namespace {
 
 using data::ToDouble;
 using data::ToText;
-using data::testing::TempFolder;
 
-int64_t Paise(const data::Value& value) { return std::llround(ToDouble(value) * 100); }
-
-class ReturnsTest : public ::testing::Test {
+class ReturnsTest : public GeneratedDemo {
  protected:
-  static void SetUpTestSuite() {
-    folder_ = new TempFolder;
-    ASSERT_EQ(RunGenerator("--sqlite " + folder_->File("demo.db") + " --facts " +
-                           folder_->File("demo.facts")),
-              0);
-    facts_ = new Facts(ReadFacts(folder_->File("demo.facts")));
-  }
-  static void TearDownTestSuite() {
-    delete facts_;
-    delete folder_;
-  }
-
   std::unique_ptr<data::Connection> Open() {
     return data::Connection::Open(folder_->File("demo.db"));
   }
-  static const std::string& FactOf(const std::string& key) {
-    static std::string missing;
-    const auto found = facts_->find(key);
-    if (found == facts_->end()) {
-      ADD_FAILURE() << "no fact " << key;
-      return missing;
-    }
-    return found->second;
-  }
-
   // The SQL of the query "name" of the shipped template "file", with its date parameters written
   // in as the period of the GST facts.
   static std::string TemplateSql(const std::string& file, const std::string& name) {
@@ -62,17 +37,11 @@ class ReturnsTest : public ::testing::Test {
     EXPECT_TRUE(std::regex_search(text, match, query)) << file << " has no query " << name;
     std::string sql = match[1];
     sql = std::regex_replace(sql, std::regex("&lt;"), "<");
-    sql = std::regex_replace(sql, std::regex(":xdt"), "'" + FactOf("gst_from") + "'");
-    sql = std::regex_replace(sql, std::regex(":ydt"), "'" + FactOf("gst_to") + "'");
+    sql = std::regex_replace(sql, std::regex(":xdt"), "'" + Fact(*facts_, "gst_from") + "'");
+    sql = std::regex_replace(sql, std::regex(":ydt"), "'" + Fact(*facts_, "gst_to") + "'");
     return sql;
   }
-
-  static TempFolder* folder_;
-  static Facts* facts_;
 };
-
-TempFolder* ReturnsTest::folder_ = nullptr;
-Facts* ReturnsTest::facts_ = nullptr;
 
 // Sums by key: taxable value, IGST, CGST, SGST in paise.
 using Sums = std::map<std::string, std::array<int64_t, 4>>;
@@ -88,7 +57,8 @@ Sums SumsOf(data::Connection& db, const std::string& sql) {
 
 TEST_F(ReturnsTest, TheGstSaleSummaryAddsUpToTheInvoiceLinesByRateAndByHsn) {
   auto db = Open();
-  const std::string period = " between '" + FactOf("gst_from") + "' and '" + FactOf("gst_to") + "'";
+  const std::string period =
+      " between '" + Fact(*facts_, "gst_from") + "' and '" + Fact(*facts_, "gst_to") + "'";
   const std::string lines =
       " sum(p.taxable), sum(coalesce(p.igst_amt, 0)), sum(coalesce(p.cgst_amt, 0)), "
       "sum(coalesce(p.sgst_amt, 0)) from invoice i join purdata p on p.invid = i.id where i.idate" +
@@ -125,7 +95,7 @@ TEST_F(ReturnsTest, TheGstSaleSummaryAddsUpToTheInvoiceLinesByRateAndByHsn) {
 
 TEST_F(ReturnsTest, TheGstPurchaseSummaryAddsUpToThePurchaseLines) {
   auto db = Open();
-  const std::string from = FactOf("gst_from"), to = FactOf("gst_to");
+  const std::string from = Fact(*facts_, "gst_from"), to = Fact(*facts_, "gst_to");
   const std::string vehicles =
       "select cast(coalesce(l.cgst_rate, 0) + coalesce(l.sgst_rate, 0) + coalesce(l.igst_rate, 0) "
       "as integer), l.taxable, coalesce(l.igst_amt, 0), coalesce(l.cgst_amt, 0), "
@@ -226,9 +196,9 @@ TEST_F(ReturnsTest, TheTaxPaidEachMonthIsWhatItsBillsWorkOutTo) {
     EXPECT_EQ(Paise(row[3]), std::llround(ToDouble(row[7])) * 100) << month;
     EXPECT_EQ(Paise(row[5]), Paise(row[2]) + Paise(row[3]) + Paise(row[4])) << month;
   }
-  const auto vat16 =
-      Rows(*db, "select interest from vat_payment where qno = " + FactOf("vat16_qno") +
-                    " and mm = " + FactOf("vat16_mm") + " and yy = " + FactOf("vat16_yy"));
+  const auto vat16 = Rows(
+      *db, "select interest from vat_payment where qno = " + Fact(*facts_, "vat16_qno") +
+               " and mm = " + Fact(*facts_, "vat16_mm") + " and yy = " + Fact(*facts_, "vat16_yy"));
   ASSERT_EQ(vat16.size(), 1u);
   EXPECT_GT(ToDouble(vat16[0][0]), 0) << "the return the demo prints was paid late, with interest";
 }
@@ -249,7 +219,7 @@ TEST_F(ReturnsTest, QuotationsAddUpToTheirOnRoadPrice) {
   const auto chosen = Rows(*db,
                            "select accessories, ext_warranty, discount from quotation "
                            "where id = " +
-                               FactOf("quotation_id"));
+                               Fact(*facts_, "quotation_id"));
   ASSERT_EQ(chosen.size(), 1u);
   for (int i = 0; i < 3; ++i) EXPECT_GT(ToDouble(chosen[0][i]), 0) << "column " << i;
 }
@@ -260,7 +230,7 @@ TEST_F(ReturnsTest, TopListsAreRankedAndTheirSharesAreOfTheWhole) {
     const auto rows = Rows(*db,
                            "select rank_no, amount, share, top_n from vu_ws_toplist where "
                            "td_id = " +
-                               FactOf(key) + " order by rank_no");
+                               Fact(*facts_, key) + " order by rank_no");
     ASSERT_FALSE(rows.empty()) << key;
     EXPECT_EQ(static_cast<int64_t>(rows.size()), rows[0][3].integer()) << key;
     double shares = 0;
@@ -300,13 +270,13 @@ TEST_F(ReturnsTest, TopListsAreWorkedOutFromTheBills) {
   for (const auto& [key, sql] : by_basis) {
     std::string lines = sql;
     for (size_t at = lines.find("%ID%"); at != std::string::npos; at = lines.find("%ID%")) {
-      lines.replace(at, 4, FactOf(key));
+      lines.replace(at, 4, Fact(*facts_, key));
     }
     const auto expected = Rows(*db, "select * from (" + lines + ") x order by 4 desc, 1");
     const auto listed = Rows(*db,
                              "select code, docs, qty, amount, share, top_n from "
                              "vu_ws_toplist where td_id = " +
-                                 FactOf(key) + " order by rank_no");
+                                 Fact(*facts_, key) + " order by rank_no");
     ASSERT_GE(expected.size(), listed.size()) << key;
     ASSERT_GE(listed.size(), 5u) << key;
     EXPECT_EQ(static_cast<int64_t>(listed.size()),
@@ -332,12 +302,13 @@ TEST_F(ReturnsTest, TheHostsSqlInTheFactsSelectsRows) {
   for (const char* key :
        {"vat23_sql", "vat23_sql2", "vat24_sql", "vat24_sql2", "vat18_sql", "vat19_sql", "cform_sql",
         "parts_qr_sql", "parts_qr_roll_sql", "chassis_qr_sql", "chassis_qr_roll_sql"}) {
-    EXPECT_FALSE(Rows(*db, FactOf(key)).empty()) << key << ": " << FactOf(key);
+    EXPECT_FALSE(Rows(*db, Fact(*facts_, key)).empty()) << key << ": " << Fact(*facts_, key);
   }
-  EXPECT_EQ(Rows(*db, FactOf("parts_qr_roll_sql")).size(), 3u);
-  EXPECT_GT(Rows(*db, FactOf("parts_qr_sql")).size(), 24u) << "a sheet and more";
+  EXPECT_EQ(Rows(*db, Fact(*facts_, "parts_qr_roll_sql")).size(), 3u);
+  EXPECT_GT(Rows(*db, Fact(*facts_, "parts_qr_sql")).size(), 24u) << "a sheet and more";
   // The registers print the quarter the facts name, whose sales include every rate.
-  EXPECT_EQ(Rows(*db, "select distinct vat_rate from (" + FactOf("vat18_sql") + ") s").size(), 4u);
+  EXPECT_EQ(
+      Rows(*db, "select distinct vat_rate from (" + Fact(*facts_, "vat18_sql") + ") s").size(), 4u);
 }
 
 }  // namespace

@@ -22,8 +22,6 @@ using data::Value;
 using data::testing::TempFolder;
 
 // Amounts as the database holds them, in paise.
-int64_t Paise(const Value& value) { return std::llround(ToDouble(value) * 100); }
-
 class SparesDatabase : public GeneratedDemo {};
 
 TEST_F(SparesDatabase, PartsMasterHoldsADealersParts) {
@@ -128,12 +126,7 @@ TEST_F(SparesDatabase, DocumentTotalsAreTheirLinesPlusTheRoundOff) {
     const auto documents = Query(sql);
     EXPECT_GT(documents.size(), 20u) << sql;
     for (const auto& row : documents) {
-      const int64_t total = Paise(row[0]);
-      const int64_t round_off = Paise(row[1]);
-      EXPECT_EQ(total, Paise(row[2]) + round_off) << sql;
-      EXPECT_EQ(total % 100, 0) << sql;
-      EXPECT_GT(round_off, -50) << sql;
-      EXPECT_LE(round_off, 50) << sql;
+      ExpectWholeRupeeTotal(row, sql);
       for (size_t i = 3; i < 11; i += 2) EXPECT_EQ(Paise(row[i]), Paise(row[i + 1])) << sql;
     }
   }

@@ -1,64 +1,28 @@
 // Objects of a table row as printed: column rules reach the foot of a row a text made tall, and a
 // linear barcode prints its number under its bars (checked in the PDF with poppler).
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <regex>
 #include <string>
 #include <vector>
 
-#include "report/binding/report_engine.h"
+#include "report/fill/template_on_sqlite.h"
 #include "report/pdf/pdf_writer.h"
-#include "support/test_support.h"
+#include "support/shell.h"
 
 namespace vantorel::report {
 namespace {
 
-class BandObjectsTest : public ::testing::Test {
+class BandObjectsTest : public TemplateOnSqlite {
  protected:
-  BandObjectsTest() {
-    db_ = dir_.path().string() + "/dms.db";
-    sqlite3* db = nullptr;
-    EXPECT_EQ(sqlite3_open(db_.c_str(), &db), SQLITE_OK);
-    const char* sql = R"(
+  BandObjectsTest()
+      : TemplateOnSqlite(R"(
       create table vehicle (n integer primary key, model text, chassis text);
       insert into vehicle values
         (1, 'Vayu Sarathi 100', 'MDVSR1SDXRH159477'),
         (2, 'Vayu Shaurya 160 Single Disc, with a saree guard, crash guard and a long remark', 'MDVSK1ST7SH161463'),
         (3, 'Vayu Sakhi 110', 'MDVSA1SC2RH150012');
-    )";
-    char* error = nullptr;
-    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, &error), SQLITE_OK) << error;
-    sqlite3_close(db);
-  }
-
-  Document Render(const std::string& body) {
-    RenderRequest request;
-    request.template_path =
-        dir_.Write("t" + std::to_string(++count_) + ".fr3",
-                   "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-                   "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-                       body + "\n</report>\n");
-    request.connections["DMSDB"] = db_;
-    return RenderTemplate(request).document;
-  }
-
-  static std::string Run(const std::string& command) {
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string out;
-    std::array<char, 4096> buffer;
-    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get()) != nullptr) {
-      out += buffer.data();
-    }
-    return out;
-  }
-
-  testing::TempDir dir_;
-  std::string db_;
-  int count_ = 0;
+    )") {}
 };
 
 // The vertical lines of page 1 at "x" points from the left margin, top to bottom.
@@ -135,7 +99,7 @@ TEST_F(BandObjectsTest, LinearBarcodePrintsItsNumberUnderItsBars) {
   EXPECT_EQ(document.barcodes[1]->text, "");
   const std::string pdf = dir_.path().string() + "/barcode.pdf";
   WritePdf(document, pdf);
-  const std::string words = Run("pdftotext -bbox '" + pdf + "' -");
+  const std::string words = testing::Shell("pdftotext -bbox '" + pdf + "' -");
   // One word: the shown number, in the lower part of its box, under the bars; the other
   // barcode's data prints nowhere.
   const std::regex word(

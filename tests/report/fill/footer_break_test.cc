@@ -3,45 +3,25 @@
 //
 // An A5 page with 10 mm margins has 190 mm of body; rows, headers and footers are 6 mm high.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <string>
 #include <vector>
 
-#include "report/binding/report_engine.h"
-#include "support/test_support.h"
+#include "report/fill/template_on_sqlite.h"
 
 namespace vantorel::report {
 namespace {
 
-class FooterBreakTest : public ::testing::Test {
+class FooterBreakTest : public TemplateOnSqlite {
  protected:
-  FooterBreakTest() {
-    db_ = dir_.path().string() + "/register.db";
-    sqlite3* db = nullptr;
-    EXPECT_EQ(sqlite3_open(db_.c_str(), &db), SQLITE_OK);
-    const char* sql = R"(
+  FooterBreakTest()
+      : TemplateOnSqlite(R"(
       create table entry (n integer primary key, amount numeric(12,2));
       with recursive c(n) as (select 1 union all select n + 1 from c where n < 100)
         insert into entry select n, n from c;
       create table invoice (id integer primary key, cname text);
       insert into invoice values (1, 'Ramesh Patil');
-    )";
-    char* error = nullptr;
-    EXPECT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, &error), SQLITE_OK) << error;
-    sqlite3_close(db);
-  }
-
-  Document Render(const std::string& body) {
-    RenderRequest request;
-    request.template_path =
-        dir_.Write("t" + std::to_string(++count_) + ".fr3",
-                   "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-                   "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-                       body + "\n</report>\n");
-    request.connections["DMSDB"] = db_;
-    return RenderTemplate(request).document;
-  }
+    )") {}
 
   static std::vector<std::string> Texts(const Document& document, size_t page) {
     std::vector<std::string> texts;
@@ -62,10 +42,6 @@ class FooterBreakTest : public ::testing::Test {
     a.insert(a.end(), b.begin(), b.end());
     return a;
   }
-
-  testing::TempDir dir_;
-  std::string db_;
-  int count_ = 0;
 };
 
 // 6 mm data header + 6 mm group header + 28 rows fill 180 of the 184 mm above the page

@@ -1,15 +1,13 @@
 // Texts that do not fit boxes that cannot grow: the fill lists them in the prepared document with
 // their template line, band, page and the room they need.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "report/binding/report_engine.h"
+#include "report/fill/template_on_sqlite.h"
 #include "report/text/text_layout.h"
-#include "support/test_support.h"
 
 namespace vantorel::report {
 namespace {
@@ -17,43 +15,13 @@ namespace {
 constexpr const char* kLongName =
     "Shree Ganesh Automobiles and Spares, Survey No. 58/2, Pune-Solapur Road, Hadapsar";
 
-class OverflowTest : public ::testing::Test {
+class OverflowTest : public TemplateOnSqlite {
  protected:
-  OverflowTest() {
-    db_ = dir_.path().string() + "/dms.db";
-    sqlite3* db = nullptr;
-    EXPECT_EQ(sqlite3_open(db_.c_str(), &db), SQLITE_OK);
-    const std::string sql =
-        "create table party (n integer primary key, name text);"
-        "insert into party values (1, 'Ramesh Patil'), (2, '" +
-        std::string(kLongName) + "');";
-    char* error = nullptr;
-    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error), SQLITE_OK) << error;
-    sqlite3_close(db);
-  }
-
-  Document Render(const std::string& body) {
-    template_ =
-        "<report format=\"vantorel-template\" version=\"1\" name=\"t\">\n"
-        "<page size=\"A5\" margin=\"10mm\"/>\n<database name=\"DMSDB\"/>\n" +
-        body + "\n</report>\n";
-    RenderRequest request;
-    request.template_path = dir_.Write("t" + std::to_string(++count_) + ".fr3", template_);
-    request.connections["DMSDB"] = db_;
-    return RenderTemplate(request).document;
-  }
-
-  // The line of the last template rendered on which "text" first appears.
-  int LineOf(const std::string& text) const {
-    const size_t at = template_.find(text);
-    EXPECT_NE(at, std::string::npos) << text;
-    return 1 + static_cast<int>(std::count(template_.begin(), template_.begin() + at, '\n'));
-  }
-
-  testing::TempDir dir_;
-  std::string db_;
-  std::string template_;
-  int count_ = 0;
+  OverflowTest()
+      : TemplateOnSqlite(
+            "create table party (n integer primary key, name text);"
+            "insert into party values (1, 'Ramesh Patil'), (2, '" +
+            std::string(kLongName) + "');") {}
 };
 
 TEST_F(OverflowTest, TextsThatFitOrGrowAreNotListed) {
