@@ -11,6 +11,7 @@
 #include "data/connection.h"
 #include "data/open_rs.h"
 #include "data/recordset.h"
+#include "data/temp_database.h"
 #include "host/recording_platform.h"
 #include "support/postgres.h"
 #include "vantorel/error.h"
@@ -44,11 +45,7 @@ class DataPostgres : public ::testing::Test {
 
   std::vector<std::vector<Value>> Rows(const std::string& sql,
                                        const std::map<std::string, ParamValue>& params = {}) {
-    const auto cursor = db_->Execute(sql, params);
-    std::vector<std::vector<Value>> rows;
-    std::vector<Value> row;
-    while (cursor->Next(row)) rows.push_back(row);
-    return rows;
+    return data::testing::Rows(*db_, sql, params);
   }
 
   Value One(const std::string& sql, const std::map<std::string, ParamValue>& params = {}) {

@@ -16,14 +16,7 @@
 namespace vantorel::data {
 namespace {
 
-int32_t ErrorNumberOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 // How the print methods read a setting flag: trimmed, upper-cased, compared with "Y"; a NULL is
 // never "Y".

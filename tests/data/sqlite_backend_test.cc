@@ -22,12 +22,7 @@ class DataSqlite : public ::testing::Test {
   // Every row of "sql" run on a fresh connection.
   std::vector<std::vector<Value>> Rows(const std::string& sql,
                                        const std::map<std::string, ParamValue>& params = {}) {
-    const auto connection = Connection::Open(path_);
-    const auto cursor = connection->Execute(sql, params);
-    std::vector<std::vector<Value>> rows;
-    std::vector<Value> row;
-    while (cursor->Next(row)) rows.push_back(row);
-    return rows;
+    return data::testing::Rows(*Connection::Open(path_), sql, params);
   }
 
   Value One(const std::string& sql, const std::map<std::string, ParamValue>& params = {}) {

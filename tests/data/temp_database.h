@@ -1,5 +1,5 @@
 // A temporary folder holding SQLite database files the data tests build for themselves, removed
-// with everything in it when the test ends.
+// with everything in it when the test ends, and what those tests share to read rows and errors.
 #ifndef VANTOREL_TESTS_DATA_TEMP_DATABASE_H_
 #define VANTOREL_TESTS_DATA_TEMP_DATABASE_H_
 
@@ -7,10 +7,18 @@
 #include <sqlite3.h>
 #include <stdlib.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <sstream>
 #include <string>
+#include <vector>
+
+#include "data/connection.h"
+#include "data/value.h"
+#include "vantorel/error.h"
 
 namespace vantorel::data::testing {
 
@@ -55,6 +63,26 @@ inline std::string ReadFile(const std::string& path) {
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// Every row of "sql" on "db".
+inline std::vector<std::vector<Value>> Rows(Connection& db, const std::string& sql,
+                                            const std::map<std::string, ParamValue>& params = {}) {
+  const auto cursor = db.Execute(sql, params);
+  std::vector<std::vector<Value>> rows;
+  std::vector<Value> row;
+  while (cursor->Next(row)) rows.push_back(row);
+  return rows;
+}
+
+// The number of the error "call" throws; 0 when it throws none.
+inline int32_t ErrorNumberOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const Error& error) {
+    return error.number();
+  }
+  return 0;
 }
 
 // The dealership tables the data tests read: a few enquiries, the parameter table and invoices.

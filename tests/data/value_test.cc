@@ -5,19 +5,13 @@
 #include <cmath>
 #include <functional>
 
+#include "data/temp_database.h"
 #include "vantorel/error.h"
 
 namespace vantorel::data {
 namespace {
 
-int32_t ErrorNumberOf(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
-}
+using testing::ErrorNumberOf;
 
 TEST(DataValue, DefaultIsNull) {
   EXPECT_TRUE(Value().is_null());

@@ -639,16 +639,7 @@ inline std::vector<DocumentQuery> DocumentQueries(const Facts& f) {
   return q;
 }
 
-// Every row of "sql" on "db".
-inline std::vector<std::vector<data::Value>> Rows(
-    data::Connection& db, const std::string& sql,
-    const std::map<std::string, data::ParamValue>& params = {}) {
-  const auto cursor = db.Execute(sql, params);
-  std::vector<std::vector<data::Value>> rows;
-  std::vector<data::Value> row;
-  while (cursor->Next(row)) rows.push_back(row);
-  return rows;
-}
+using data::testing::Rows;
 
 // A money column in paise.
 inline int64_t Paise(const data::Value& value) { return std::llround(data::ToDouble(value) * 100); }
