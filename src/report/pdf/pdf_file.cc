@@ -75,13 +75,14 @@ void AppendTextString(std::string& out, std::string_view text) {
 }
 
 std::string Deflate(std::string_view bytes) {
-  // The fastest level: a report's streams are repetitive text that compresses well at any level,
-  // and deflating is otherwise a tenth of the writing time.
+  // The last of zlib's fast levels: it costs what level 1 does on a report's streams (repetitive
+  // text) and writes a twentieth less; the lazy-matching levels above it cost four times as much
+  // (a 230-page stock valuation: +4 % instructions for 7 % fewer bytes).
   uLongf size = compressBound(static_cast<uLong>(bytes.size()));
   std::string out(size, '\0');
-  const int status = compress2(reinterpret_cast<Bytef*>(out.data()), &size,
-                               reinterpret_cast<const Bytef*>(bytes.data()),
-                               static_cast<uLong>(bytes.size()), Z_BEST_SPEED);
+  const int status =
+      compress2(reinterpret_cast<Bytef*>(out.data()), &size,
+                reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()), 3);
   if (status != Z_OK) {
     throw Error(errnum::kEngineFailure, "Vantorel.Pdf", "Cannot compress a PDF stream");
   }

@@ -9,7 +9,6 @@
 namespace vantorel::report::pdf {
 namespace {
 
-constexpr char kHex[] = "0123456789ABCDEF";
 // Bezier handles for a quarter circle, as a fraction of its radius.
 constexpr double kArc = 0.5522847498;
 
@@ -178,9 +177,9 @@ void PdfPainter::Restore() {
 }
 
 void PdfPainter::CloseArray() {
-  if (in_hex_) out_ += '>';
+  if (in_string_) out_ += ')';
   if (in_array_) out_ += "]TJ\n";
-  in_hex_ = in_array_ = false;
+  in_string_ = in_array_ = false;
 }
 
 void PdfPainter::LeaveText() {
@@ -333,18 +332,35 @@ void PdfPainter::Glyph(const FontUse& font, uint32_t glyph, double x, double y) 
   // Shifts under a thousandth of an em (under 0.012 pt at 12 pt) are rounding, not layout.
   const double shift = std::round((pen_ - target) * 10) / 10;
   if (std::abs(shift) >= 1) {
-    if (in_hex_) out_ += '>';
-    in_hex_ = false;
+    if (in_string_) out_ += ')';
+    in_string_ = false;
     AppendNumber(out_, shift);
     pen_ -= shift;
   }
-  if (!in_hex_) {
-    out_ += '<';
-    in_hex_ = true;
+  if (!in_string_) {
+    out_ += '(';
+    in_string_ = true;
   }
-  const char hex[4] = {kHex[glyph >> 12 & 0xF], kHex[glyph >> 8 & 0xF], kHex[glyph >> 4 & 0xF],
-                       kHex[glyph & 0xF]};
-  out_.append(hex, 4);
+  // Glyph ids as two bytes each in a literal string: half the size of hex before compression.
+  // Brackets and the backslash are escaped, and line ends, which a reader would normalise.
+  for (const auto byte : {static_cast<char>(glyph >> 8 & 0xFF), static_cast<char>(glyph & 0xFF)}) {
+    switch (byte) {
+      case '(':
+      case ')':
+      case '\\':
+        out_ += '\\';
+        out_ += byte;
+        break;
+      case '\r':
+        out_ += "\\r";
+        break;
+      case '\n':
+        out_ += "\\n";
+        break;
+      default:
+        out_ += byte;
+    }
+  }
   pen_ += resources_.fonts().Width(font.index, glyph);
 }
 

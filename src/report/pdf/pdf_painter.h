@@ -108,10 +108,10 @@ class PdfPainter final : public render::Painter {
 
   // Text object state.
   bool in_text_ = false;
-  bool in_array_ = false;  // within "[…]TJ"
-  bool in_hex_ = false;    // within "<…>" of that array
-  int font_ = -1;          // the font selected with Tf
-  bool in_line_ = false;   // a text matrix is set for the glyphs that follow
+  bool in_array_ = false;   // within "[…]TJ"
+  bool in_string_ = false;  // within "(…)" of that array
+  int font_ = -1;           // the font selected with Tf
+  bool in_line_ = false;    // a text matrix is set for the glyphs that follow
   FontUse line_font_;
   double line_x_ = 0, line_y_ = 0;
   double pen_ = 0;  // thousandths of the font size from the line's origin

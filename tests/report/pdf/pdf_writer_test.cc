@@ -235,6 +235,53 @@ TEST_F(PdfWriterTest, GlyphsLandWhereTheLayoutPutThem) {
   }
 }
 
+// Glyph ids are written as bytes in literal strings: ids whose bytes are a bracket, the
+// backslash or a line end must be escaped, or the page's text would break off or change.
+TEST_F(PdfWriterTest, GlyphIdsThatSpellDelimitersExtractExactly) {
+  ASSERT_TRUE(HaveTool("pdftotext") && HaveTool("qpdf"))
+      << "poppler-utils or qpdf is not installed (scripts/install-deps.sh installs them)";
+  std::string line;
+  for (char c = '!'; c <= '~'; ++c) line += c;
+  Document document;
+  TextStyle style;
+  style.size = 9;
+  style.wrap = false;
+  style.padding = {0, 0, 0, 0};
+  const uint32_t plain = document.InternStyle(style);
+  document.pages.push_back(Page{{842, 100}, {TextItem{{20, 40, 800, 20}, plain, line}}});
+
+  // The line must hold a glyph for each byte a literal string cannot hold as it is.
+  const auto laid_out = text::LayOut(line, style, 800);
+  std::set<unsigned> bytes;
+  for (const text::GlyphRun& run : laid_out->runs) {
+    for (const cairo_glyph_t& glyph : run.glyphs) {
+      bytes.insert(static_cast<unsigned>(glyph.index >> 8 & 0xFF));
+      bytes.insert(static_cast<unsigned>(glyph.index & 0xFF));
+    }
+  }
+  for (const unsigned special : {'(', ')', '\\', '\r', '\n'}) {
+    ASSERT_TRUE(bytes.count(special) > 0) << "no glyph id with byte " << special;
+  }
+
+  const fs::path path = dir_ / "delimiters.pdf";
+  WritePdf(document, path.string());
+  const Output check = RunTool("qpdf --check '" + path.string() + "'");
+  EXPECT_EQ(check.status, 0) << check.text;
+  const Output text = RunTool("pdftotext -enc UTF-8 '" + path.string() + "' -");
+  ASSERT_EQ(text.status, 0) << text.text;
+  EXPECT_EQ(text.text.substr(0, line.size()), line) << text.text;
+  // A raw line end in a string is read as a plain newline by some readers; none is left raw.
+  const Output pages = RunTool("qpdf --show-pages '" + path.string() + "'");
+  std::smatch content;
+  ASSERT_TRUE(std::regex_search(pages.text, content, std::regex(R"(content:\s+(\d+) 0 R)")))
+      << pages.text;
+  const Output stream = RunTool("qpdf --show-object=" + content[1].str() +
+                                " --filtered-stream-data '" + path.string() + "'");
+  ASSERT_EQ(stream.status, 0) << stream.text;
+  EXPECT_NE(stream.text.find("TJ"), std::string::npos) << stream.text;
+  EXPECT_EQ(stream.text.find('\r'), std::string::npos);
+}
+
 TEST_F(PdfWriterTest, TextKeptWholeAtALineBreakExtractsAsWritten) {
   ASSERT_TRUE(HaveTool("pdftotext"))
       << "poppler-utils is not installed (scripts/install-deps.sh installs it)";
