@@ -75,6 +75,23 @@ std::string ReadFile(const fs::path& path) {
   return out.str();
 }
 
+// A text style of "size" points that keeps a text on one line, without padding.
+TextStyle OneLine(float size) {
+  TextStyle style;
+  style.size = size;
+  style.wrap = false;
+  style.padding = {0, 0, 0, 0};
+  return style;
+}
+
+// One landscape page with "line" in a box 800 points wide, 20 from the left and 50 from the top.
+Document LineDocument(const std::string& line, const TextStyle& style) {
+  Document document;
+  const uint32_t index = document.InternStyle(style);
+  document.pages.push_back(Page{{842, 200}, {TextItem{{20, 50, 800, 20}, index, line}}});
+  return document;
+}
+
 class PdfWriterTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -200,15 +217,9 @@ TEST_F(PdfWriterTest, GlyphsLandWhereTheLayoutPutThem) {
   const std::string line =
       "GSTIN: 27AAKFS4821M1ZQ PAN: AAKFS4821M State: Maharashtra (27) Regd. Office: Survey No. "
       "58/2, Shivneri Plaza, Pune-Solapur Road, Hadapsar, Near Gadital Bus Stop";
-  Document document;
-  TextStyle style;
-  style.size = 7.5;
-  style.wrap = false;
-  style.padding = {0, 0, 0, 0};
-  const uint32_t plain = document.InternStyle(style);
-  document.pages.push_back(Page{{842, 200}, {TextItem{{20, 50, 800, 20}, plain, line}}});
+  const TextStyle style = OneLine(7.5);
   const fs::path path = dir_ / "line.pdf";
-  WritePdf(document, path.string());
+  WritePdf(LineDocument(line, style), path.string());
 
   // Where each word's first glyph is in the layout: glyphs follow the text's bytes one to one
   // for this plain Latin line.
@@ -242,13 +253,7 @@ TEST_F(PdfWriterTest, GlyphIdsThatSpellDelimitersExtractExactly) {
       << "poppler-utils or qpdf is not installed (scripts/install-deps.sh installs them)";
   std::string line;
   for (char c = '!'; c <= '~'; ++c) line += c;
-  Document document;
-  TextStyle style;
-  style.size = 9;
-  style.wrap = false;
-  style.padding = {0, 0, 0, 0};
-  const uint32_t plain = document.InternStyle(style);
-  document.pages.push_back(Page{{842, 100}, {TextItem{{20, 40, 800, 20}, plain, line}}});
+  const TextStyle style = OneLine(9);
 
   // The line must hold a glyph for each byte a literal string cannot hold as it is.
   const auto laid_out = text::LayOut(line, style, 800);
@@ -264,7 +269,7 @@ TEST_F(PdfWriterTest, GlyphIdsThatSpellDelimitersExtractExactly) {
   }
 
   const fs::path path = dir_ / "delimiters.pdf";
-  WritePdf(document, path.string());
+  WritePdf(LineDocument(line, style), path.string());
   const Output check = RunTool("qpdf --check '" + path.string() + "'");
   EXPECT_EQ(check.status, 0) << check.text;
   const Output text = RunTool("pdftotext -enc UTF-8 '" + path.string() + "' -");
